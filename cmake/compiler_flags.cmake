@@ -1,0 +1,17 @@
+# One interface target carries every flag; all libraries and programs link it.
+add_library(velmora_flags INTERFACE)
+target_compile_features(velmora_flags INTERFACE cxx_std_20)
+# No -ffast-math and no -fno-trapping-math: the program runs with floating-point traps on.
+target_compile_options(velmora_flags INTERFACE
+  -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wno-sign-conversion -Wformat=2
+  -Wnon-virtual-dtor -Woverloaded-virtual)
+target_include_directories(velmora_flags INTERFACE ${CMAKE_SOURCE_DIR})
+
+find_package(Threads REQUIRED)
+
+set(VELMORA_SANITIZE "" CACHE STRING "Sanitizers, for example address,undefined")
+if(VELMORA_SANITIZE)
+  set(sanitizer_flags -fsanitize=${VELMORA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_compile_options(velmora_flags INTERFACE ${sanitizer_flags})
+  target_link_options(velmora_flags INTERFACE ${sanitizer_flags})
+endif()

@@ -1,0 +1,14 @@
+/// \file version_record.h
+/// What the program says of itself in the log header and in the software history.
+
+#pragma once
+
+#include <string>
+
+struct VERSION_RECORD {
+    std::string full_version;
+    std::string revision_date;
+    std::string version;
+    std::string description;
+    std::string program_name;
+};
