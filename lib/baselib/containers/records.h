@@ -8,6 +8,8 @@ template <class T>
 struct POINT {
     T x{};
     T y{};
+
+    friend bool operator==(const POINT&, const POINT&) = default;
 };
 
 /// Support point with first derivative dy/dx, for Hermite interpolation.
@@ -16,24 +18,32 @@ struct DPOINT {
     T x{};
     T y{};
     T dy{};
+
+    friend bool operator==(const DPOINT&, const DPOINT&) = default;
 };
 
 template <class T>
 struct COMPLEX {
     T re{};
     T im{};
+
+    friend bool operator==(const COMPLEX&, const COMPLEX&) = default;
 };
 
 template <class I, class T>
 struct INDEX {
     I index{};
     T value{};
+
+    friend bool operator==(const INDEX&, const INDEX&) = default;
 };
 
 template <class T>
 struct TUPLE {
     T first{};
     T second{};
+
+    friend bool operator==(const TUPLE&, const TUPLE&) = default;
 };
 
 /// First index and number of elements of an array.
@@ -51,4 +61,6 @@ struct VECTOR_3D {
     T x{};
     T y{};
     T z{};
+
+    friend bool operator==(const VECTOR_3D&, const VECTOR_3D&) = default;
 };
