@@ -1,0 +1,51 @@
+/// \file utm_projection.h
+/// Universal transverse Mercator map coordinates on any ellipsoid.
+/// Range: the inverse series holds to 1 mm within 3 degrees of the central meridian; outside, its error grows about as
+/// the 7th power of the difference in longitude. Forward is the inverse of Inverse, not an independent series, so that a
+/// round trip closes even where the series has lost its accuracy.
+/// Units: radians and metres. Threads: constant after construction.
+/// Source: J. P. Snyder, Map Projections - A Working Manual, USGS Professional Paper 1395 (1987), eqs. 8-9 to 8-25, 3-26.
+
+#pragma once
+
+inline constexpr double kUtmScale = 0.9996;
+inline constexpr double kUtmFalseEasting_m = 500000.0;
+inline constexpr double kUtmFalseNorthingSouth_m = 10000000.0;
+
+struct MAP_POSITION {
+    double easting_m = 0.0;
+    double northing_m = 0.0;
+};
+
+struct MAP_GEOGRAPHIC {
+    double longitude_rad = 0.0;  ///< -pi..pi
+    double latitude_rad = 0.0;
+};
+
+class UTM_PROJECTION {
+  public:
+    /// @param zone  1 to 60; the central meridian is 6 zone - 183 degrees. The caller has checked it.
+    UTM_PROJECTION(double a_m, double e2, int zone, bool southern_hemisphere);
+
+    [[nodiscard]] MAP_GEOGRAPHIC Inverse(const MAP_POSITION& position) const;
+
+    /// The map position whose Inverse is the given point, to 1e-6 m within 6 degrees of the central meridian; farther away
+    /// the forward series alone, a usable approximation for finding out that a point is off the map.
+    /// Longitudes may be given in any turn.
+    [[nodiscard]] MAP_POSITION Forward(const MAP_GEOGRAPHIC& position) const;
+
+  private:
+    [[nodiscard]] MAP_POSITION ForwardSeries(const MAP_GEOGRAPHIC& position) const;
+    [[nodiscard]] double MeridianDistance(double latitude_rad) const;
+
+    double a_m_;
+    double e2_;
+    double ep2_;  ///< second eccentricity squared
+    double scale_ = kUtmScale;
+    double central_meridian_rad_;
+    double origin_meridian_distance_m_ = 0.0;  ///< the latitude of origin is the equator
+    double false_easting_m_ = kUtmFalseEasting_m;
+    double false_northing_m_;
+    double rectifying_radius_m_;
+    double footpoint_[4];
+};

@@ -1,0 +1,113 @@
+/// \file scene.h
+/// All that the phase kernel reads, and the grids that it writes. The program fills one SCENE before the threads start.
+/// Threads: the scene is const while they run. The grids that its pointers reach are shared: a cell owns a pixel, in every
+/// grid, once it has claimed the pixel's mask byte (see radar_solution.h).
+
+#pragma once
+
+#include <vector>
+
+#include "geometry/calc_slave_time.h"
+#include "lib/baselib/containers/records.h"
+#include "simulation/dem_grid.h"
+
+/// One acquisition, after oversampling and range-time correction. Range times are two-way.
+struct ACQUISITION_SCENE {
+    ORBIT_HANDLE orbit{};
+    double first_azimuth_time_s = 0.0;  ///< on the handle's axis
+    double last_azimuth_time_s = 0.0;
+    double near_range_time_s = 0.0;
+    double far_range_time_s = 0.0;
+    double prf_hz = 0.0;                        ///< azimuth sampling rate, lines per second
+    double azimuth_sampling_interval_s = 0.0;   ///< 1 / prf_hz
+    double rsf_hz = 0.0;                        ///< range sampling rate
+    double range_sampling_interval_s = 0.0;     ///< 1 / rsf_hz
+    double carrier_frequency_hz = 0.0;
+    double azimuth_bandwidth_hz = 0.0;
+};
+
+/// Rows and columns of the DEM to walk: cells (r, c) with first_row <= r < last_row, first_column <= c < last_column.
+/// Both last values are indices of samples inside the DEM, reached only as far corners of the last cells.
+struct DEM_RANGE {
+    int first_row = 0;
+    int last_row = 0;
+    int first_column = 0;
+    int last_column = 0;
+};
+
+/// Quadrilaterals in DEM coordinates (x: column, y: row); the four lists have equal length.
+/// q1, q2: near range, earlier and later azimuth time; q3, q4: far range, earlier and later.
+struct SIMULATION_AREA {
+    std::vector<POINT<double>> q1{};
+    std::vector<POINT<double>> q2{};
+    std::vector<POINT<double>> q3{};
+    std::vector<POINT<double>> q4{};
+};
+
+/// Single-pass pairs: correction p0 + p1 u + p2 u^2 + ... of the slave's time, u = minimum travel time - reference.
+struct AZIMUTH_SHIFT_CORRECTION {
+    std::vector<double> coefficients{};  ///< none: no correction
+    double fast_time_reference_s = 0.0;
+};
+
+/// The grids over the master image (simulation size).
+struct MASTER_GRIDS {
+    int rows = 0;
+    int columns = 0;
+    unsigned char** mask = nullptr;  ///< 0 not simulated, 1 simulated; exchanged atomically
+    float** phase_rad = nullptr;     ///< nullptr: not wanted
+};
+
+/// Slave position (pixels) of every master pixel whose indices are multiples of the factors; both or none present.
+/// rows >= (master rows - 1) / azimuth_factor + 1, columns >= (master columns - 1) / range_factor + 1.
+struct SHIFT_GRIDS {
+    int azimuth_factor = 1;
+    int range_factor = 1;
+    int rows = 0;
+    int columns = 0;
+    double** range = nullptr;
+    double** azimuth = nullptr;
+
+    [[nodiscard]] bool Wanted() const { return range != nullptr && azimuth != nullptr; }
+};
+
+/// Earth-fixed coordinates (metres) and DEM height (metres), each on its own if wanted, one size and one pair of factors.
+struct EARTH_GRIDS {
+    int azimuth_factor = 1;
+    int range_factor = 1;
+    int rows = 0;
+    int columns = 0;
+    double** x = nullptr;
+    double** y = nullptr;
+    double** z = nullptr;
+    float** radar_dem = nullptr;
+
+    [[nodiscard]] bool Wanted() const { return x != nullptr || y != nullptr || z != nullptr || radar_dem != nullptr; }
+};
+
+struct SCENE {
+    DEM_GRID dem{};
+    DEM_RANGE simulated{};
+    SIMULATION_AREA area{};
+    ACQUISITION_SCENE master{};
+    ACQUISITION_SCENE slave{};
+    bool bistatic = false;  ///< single pass: the slave's echo left the master
+    AZIMUTH_SHIFT_CORRECTION correction{};
+    MASTER_GRIDS image{};
+    SHIFT_GRIDS shifts{};
+    EARTH_GRIDS earth{};
+};
+
+/// Makes a scene the one that the phase kernel's threads read, for as long as this object lives. The kernel's argument
+/// carries rows only, so the scene reaches the threads beside it.
+/// One at a time: a second one while the first lives is logged at ALARM, then ERROR_ALGORITHM.
+class SCENE_IN_USE {
+  public:
+    explicit SCENE_IN_USE(const SCENE& scene);
+    ~SCENE_IN_USE();
+    SCENE_IN_USE(const SCENE_IN_USE&) = delete;
+    SCENE_IN_USE& operator=(const SCENE_IN_USE&) = delete;
+};
+
+/// The scene in use. Errors: none in use is logged at ALARM, then ERROR_ALGORITHM.
+[[nodiscard]] const SCENE& CurrentScene();
