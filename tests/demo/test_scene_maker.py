@@ -1,0 +1,108 @@
+"""The scene generator against closed forms, published values and its own geometry read backwards."""
+
+import math
+import os
+import sys
+
+import numpy as np
+import pytest
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "demo"))
+
+from scene_maker import pool_file, raster, scene, terrain  # noqa: E402
+from scene_maker.ellipsoid import ELLIPSOID, ELLIPSOIDS, WGS84  # noqa: E402
+from scene_maker.map_grid import DATUM, MAP_GRID, UTM  # noqa: E402
+from scene_maker.options import SCENE_OPTIONS  # noqa: E402
+from scene_maker.radar_geometry import zero_doppler  # noqa: E402
+
+PLACES = [
+    dict(),
+    dict(latitude_deg=-33.0, longitude_deg=-118.0, pass_direction="ascending", side="left"),
+    dict(latitude_deg=85.0, longitude_deg=100.0, pass_direction="ascending"),
+    dict(latitude_deg=-85.0, longitude_deg=-40.0),
+    dict(latitude_deg=0.05, longitude_deg=179.98, longitudes="signed"),
+    dict(latitude_deg=51.5, longitude_deg=0.02, longitudes="positive"),
+    dict(latitude_deg=-33.4, longitude_deg=-70.6, utm=True, ellipsoid="Bessel", datum_shift_m=(598.1, 73.7, 418.2),
+         datum_rotation_arcsec=(0.2, 0.05, -2.45), datum_scale=1.0000067),
+    dict(permanent_scatterer=True, oversampling=2.0, single_pass=True, along_track_m=200.0),
+]
+
+
+@pytest.mark.parametrize("place", PLACES, ids=[str(place) for place in PLACES])
+def test_scene_is_where_it_was_asked_for(place):
+    options = SCENE_OPTIONS(samples=200, lines=150, terrain="flat", low_m=500.0, **place)
+    made = scene.design(options)
+    centre = made.ground_points([99.5], [74.5], [500.0])
+    longitude, latitude, height = WGS84.geodetic(centre)
+    turn = (math.degrees(longitude[0]) - options.longitude_deg + 180.0) % 360.0 - 180.0
+    assert abs(turn) < 1e-7 and abs(math.degrees(latitude[0]) - options.latitude_deg) < 1e-7
+    assert abs(height[0] - 500.0) < 1e-6
+    # Back to time and range, through the equations that the geolocation does not use.
+    time_s, range_m = zero_doppler(made.master.orbit, centre, made.master.first_azimuth_time_s)
+    assert np.allclose(made.master.pixel(time_s, range_m), [[99.5], [74.5]], atol=1e-5)
+    # The terrain lies on the wanted side of the track.
+    state = made.master.orbit.state(time_s)
+    to_the_right = np.cross(state.velocity_m_s, state.position_m)
+    assert np.sum(to_the_right * (centre - state.position_m)) * made.side > 0.0
+    assert (state.velocity_m_s[0, 2] > 0.0) == (options.pass_direction == "ascending")
+    # The DEM covers the image at both ends of the range of heights.
+    for height_m in (-1000.0, 9000.0):
+        sample, line = np.meshgrid([0.0, 199.0], [0.0, 149.0])
+        column, row, _ = made.grid.grid_coordinates(made.ground_points(sample, line, np.full((2, 2), height_m)))
+        assert column.min() > 0 and column.max() < made.grid.columns - 1
+        assert row.min() > 0 and row.max() < made.grid.rows - 1
+
+
+def test_velocity_and_acceleration_are_the_derivatives_of_the_position():
+    orbit = scene.design(SCENE_OPTIONS()).slave.orbit
+    step_s = 0.05
+    before, now, after = (orbit.state(np.array(80.0 + d)) for d in (-step_s, 0.0, step_s))
+    assert np.allclose((after.position_m - before.position_m) / (2 * step_s), now.velocity_m_s, atol=1e-5)
+    assert np.allclose((after.velocity_m_s - before.velocity_m_s) / (2 * step_s), now.acceleration_m_s2, atol=1e-7)
+
+
+def test_baseline_is_the_one_asked_for():
+    made = scene.design(SCENE_OPTIONS(perpendicular_baseline_m=300.0, along_track_m=120.0, single_pass=True))
+    time_s = np.array(made.master.orbit.epoch_s)
+    master, slave = made.master.orbit.state(time_s), made.slave.orbit.state(time_s)
+    difference = slave.position_m - master.position_m
+    along = master.velocity_m_s / np.linalg.norm(master.velocity_m_s)
+    assert abs(difference @ along - 120.0) < 1.0
+    assert abs(np.linalg.norm(difference - (difference @ along) * along) - 300.0) < 1.0
+
+
+def test_utm_agrees_with_published_example_and_with_its_inverse():
+    # Snyder (1987), Map projections: a working manual, p. 269: Clarke 1866, 40 30' N, 73 30' W, zone 18.
+    clarke = ELLIPSOID(6378206.4, 6356583.8)
+    easting, northing = UTM(clarke, 18, False).forward(math.radians(-73.5), math.radians(40.5))
+    assert abs(easting - 627106.5) < 0.06 and abs(northing - 4484124.4) < 0.06
+    for zone, south, latitude in ((32, False, 47.0), (1, True, -63.0), (60, False, 80.0), (31, False, 1e-4)):
+        projection = UTM(ELLIPSOIDS["Bessel"], zone, south)
+        longitude = projection.central_meridian_rad + np.radians(np.linspace(-3.0, 3.0, 7))
+        back = projection.inverse(*projection.forward(longitude, math.radians(latitude)))
+        assert np.allclose(back[0], longitude, atol=1e-12) and np.allclose(back[1], math.radians(latitude), atol=1e-12)
+
+
+def test_map_grid_inverts_its_datum_and_crosses_the_date_line():
+    grid = MAP_GRID("GEO", "Airy", DATUM(np.array([500.0, -90.0, 400.0]), scale=1.00002), columns=50, rows=40,
+                    left=-180.2, upper=-16.0, dx=0.01, dy=0.01)
+    column, row, height = grid.grid_coordinates(grid.earth_point(np.array([3.25, 31.0]), np.array([7.5, 2.0]), 812.0))
+    assert np.allclose(column, [3.25, 31.0]) and np.allclose(row, [7.5, 2.0]) and np.allclose(height, 812.0)
+
+
+def test_files_read_back_what_was_written(tmp_path):
+    made = scene.make_scene(SCENE_OPTIONS(samples=80, lines=60, shift_factors=(3, 2), geocoding_factors=(2, 1)), tmp_path)
+    assert np.array_equal(raster.read(tmp_path / "dem.ras"), made.heights)
+    assert made.heights.min() >= 300 and made.heights.max() <= 2300 and made.heights.std() > 20.0
+    master, pair = pool_file.read(tmp_path / "master.pool"), pool_file.read(tmp_path / "insar.pool")
+    positions = np.reshape(master["state_vector_positions"], (-1, 3))
+    assert np.array_equal(positions, made.master.orbit.state(made.master.state_vector_times_s).position_m)
+    assert master["state_vector_times"][1] == "2021-03-04T05:06:20.750000"
+    assert (pair["n_samples"], pair["shift_matrices_subsampling_rg"], pair["geco_sub_factor_range"]) == (80, 3, 2)
+    assert pair["slave_first_az_time"] == made.slave.first_azimuth_time_s
+
+
+def test_interpolation_is_planar_on_both_triangles():
+    heights = np.array([[0, 10], [20, 100]])
+    column, row = np.array([0.0, 0.25, 0.75, 0.5]), np.array([0.0, 0.25, 0.75, 0.5])
+    assert np.allclose(terrain.interpolate(heights, column, row), [0.0, 7.5, 57.5, 15.0])
