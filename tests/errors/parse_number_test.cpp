@@ -1,0 +1,99 @@
+#include "lib/baselib/errors/parse_number.h"
+
+#include <gtest/gtest.h>
+
+#include <cfenv>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+struct REAL_CASE {
+    const char* text;
+    PARSE_RESULT result;
+    double value;
+};
+
+TEST(ParseReal, ReadsDecimalTextAndReportsWhatItIsNot) {
+    const REAL_CASE cases[] = {
+        {"0", PARSE_RESULT::OK, 0.0},
+        {"-1.5e-3", PARSE_RESULT::OK, -0.0015},
+        {" +2.", PARSE_RESULT::OK, 2.0},
+        {"1.7976931348623157e308", PARSE_RESULT::OK, std::numeric_limits<double>::max()},
+        {"4.9406564584124654e-324", PARSE_RESULT::OK, std::numeric_limits<double>::denorm_min()},
+        {"1e-400", PARSE_RESULT::OK, 0.0},
+        {"-INF", PARSE_RESULT::OK, -kInfinity},
+        {"infinity", PARSE_RESULT::OK, kInfinity},
+        {"1e400", PARSE_RESULT::OUT_OF_RANGE, 0.0},
+        {"-1e400", PARSE_RESULT::OUT_OF_RANGE, 0.0},
+        {"", PARSE_RESULT::NOT_A_NUMBER, 0.0},
+        {"metres", PARSE_RESULT::NOT_A_NUMBER, 0.0},
+        {"12 m", PARSE_RESULT::TRAILING_CHARACTERS, 0.0},
+        {"0x10", PARSE_RESULT::TRAILING_CHARACTERS, 0.0},
+    };
+    for (const REAL_CASE& c : cases) {
+        SCOPED_TRACE(c.text);
+        double value = 77.0;
+        EXPECT_EQ(ParseReal(c.text, value), c.result);
+        EXPECT_EQ(value, c.result == PARSE_RESULT::OK ? c.value : 77.0);
+    }
+    double value = 0.0;
+    EXPECT_EQ(ParseReal(std::string("1\0", 2), value), PARSE_RESULT::TRAILING_CHARACTERS) << "a zero byte ends nothing";
+}
+
+TEST(ParseReal, LeavesTrapsOnAndNoFlagBehind) {
+    const int traps = fegetexcept();
+    ASSERT_NE(traps & FE_OVERFLOW, 0) << "the test program must run with traps on";
+    std::feclearexcept(FE_ALL_EXCEPT);
+    double value = 0.0;
+    EXPECT_EQ(ParseReal("1e999", value), PARSE_RESULT::OUT_OF_RANGE);
+    EXPECT_EQ(ParseReal("nan", value), PARSE_RESULT::OK);
+    EXPECT_TRUE(std::isnan(value));
+    EXPECT_EQ(fegetexcept(), traps);
+    EXPECT_EQ(std::fetestexcept(FE_ALL_EXCEPT), 0);
+}
+
+TEST(ParseFloat, EndsWhereNarrowingWouldRoundToInfinity) {
+    const REAL_CASE cases[] = {
+        {"3.4028234663852886e38", PARSE_RESULT::OK, std::numeric_limits<float>::max()},
+        {"3.4028235677973361e38", PARSE_RESULT::OK, std::numeric_limits<float>::max()},  // just below half a unit more
+        {"3.4028235677973367e38", PARSE_RESULT::OUT_OF_RANGE, 0.0},
+        {"-1e40", PARSE_RESULT::OUT_OF_RANGE, 0.0},
+        {"1e-60", PARSE_RESULT::OK, 0.0},
+        {"inf", PARSE_RESULT::OK, kInfinity},
+    };
+    for (const REAL_CASE& c : cases) {
+        SCOPED_TRACE(c.text);
+        float value = 77.0F;
+        EXPECT_EQ(ParseFloat(c.text, value), c.result);
+        EXPECT_EQ(value, c.result == PARSE_RESULT::OK ? static_cast<float>(c.value) : 77.0F);
+    }
+}
+
+TEST(ParseInteger, TakesTheWholeTextInBaseTen) {
+    long long value = 77;
+    EXPECT_EQ(ParseInteger("-9223372036854775808", value), PARSE_RESULT::OK);
+    EXPECT_EQ(value, std::numeric_limits<long long>::min());
+    EXPECT_EQ(ParseInteger("+010", value), PARSE_RESULT::OK);
+    EXPECT_EQ(value, 10);
+    EXPECT_EQ(ParseInteger("9223372036854775808", value), PARSE_RESULT::OUT_OF_RANGE);
+    EXPECT_EQ(ParseInteger("3.0", value), PARSE_RESULT::TRAILING_CHARACTERS);
+    EXPECT_EQ(ParseInteger("three", value), PARSE_RESULT::NOT_A_NUMBER);
+    EXPECT_EQ(value, 10);
+}
+
+TEST(LeadingReal, StopsAtTheFirstOtherCharacter) {
+    PARSE_RESULT result;
+    EXPECT_EQ(LeadingReal("0.5..900", result), 0.5);
+    EXPECT_EQ(result, PARSE_RESULT::TRAILING_CHARACTERS);
+    EXPECT_EQ(LeadingReal("12", result), 12.0);
+    EXPECT_EQ(result, PARSE_RESULT::OK);
+    EXPECT_EQ(LeadingReal("..900", result), 0.0);
+    EXPECT_EQ(result, PARSE_RESULT::NOT_A_NUMBER);
+    EXPECT_EQ(LeadingReal("1e999,", result), 0.0);
+    EXPECT_EQ(result, PARSE_RESULT::OUT_OF_RANGE);
+}
+
+}  // namespace
