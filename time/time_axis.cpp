@@ -1,0 +1,49 @@
+#include "time/time_axis.h"
+
+#include <cmath>
+#include <cstdio>
+
+#include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/parse_number.h"
+#include "lib/baselib/logging/logging.h"
+
+namespace {
+
+constexpr double kMostSeconds = 1e12;  // beyond every calendar type's range, and far from overflow in microseconds
+constexpr long long kMicrosecondsPerDay = 86'400'000'000;
+
+/// @throws message when the shift exceeds any calendar
+long long RoundToMicroseconds(double seconds, const char* message) {
+    if (!std::isfinite(seconds) || std::fabs(seconds) > kMostSeconds) {
+        Log().Message(LOGGING_LEVEL::ALARM, "TIME: a shift by %g seconds exceeds the representable range", seconds);
+        throw message;
+    }
+    return std::llround(seconds * 1e6);
+}
+
+}  // namespace
+
+double TIME_AXIS<double>::FromText(const std::string& text) {
+    double value = 0.0;
+    if (ParseReal(text, value) != PARSE_RESULT::OK || !std::isfinite(value)) {
+        Log().Message(LOGGING_LEVEL::ALARM, "TIME: \"%s\" is no number of seconds", text.c_str());
+        throw ERROR_DATA();
+    }
+    return value;
+}
+
+std::string TIME_AXIS<double>::ToText(const double& t) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.17g", t);
+    return text;
+}
+
+UNIVERSAL_TIME TIME_AXIS<UNIVERSAL_TIME>::Plus(const UNIVERSAL_TIME& t, double seconds) {
+    const long long shift = RoundToMicroseconds(seconds, "can not represent UTC value");
+    return t + DURATION::Normalised(shift / kMicrosecondsPerDay, 0, shift % kMicrosecondsPerDay);
+}
+
+MISSION_ELAPSED_TIME TIME_AXIS<MISSION_ELAPSED_TIME>::Plus(const MISSION_ELAPSED_TIME& t, double seconds) {
+    return MISSION_ELAPSED_TIME::FromMicroseconds(t.Microseconds() +
+                                                  RoundToMicroseconds(seconds, "can not represent MET value"));
+}
