@@ -1,0 +1,99 @@
+#include "simulation/perturbation_file.h"
+
+#include <sys/mman.h>
+
+#include <cmath>
+#include <limits>
+
+#include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/image/mem_mgr.h"
+#include "lib/baselib/logging/logging.h"
+
+namespace {
+
+constexpr double kMantissaDecades = 7.224719895935548;                      // 24 log10(2)
+constexpr double kMantissaSteps = 16777216.0;                               // 2^24
+constexpr double kLargestValue = std::numeric_limits<float>::max() / 2.0F;  // a difference of two stays a float
+
+bool IsUsable(double value) {
+    return std::isfinite(value) && std::fabs(value) <= kLargestValue;
+}
+
+class PRECISION_CHECK {
+  public:
+    PRECISION_CHECK(double precision, double offset)
+        : precision_(precision),
+          log_precision_(std::log10(precision)),
+          certainly_fine_(precision * kMantissaSteps * (1.0 - 1e-9)),
+          offset_(offset) {}
+
+    /// Only differences near the limit or above it are worth their logarithm.
+    void operator()(long long x, long long y, double original, double difference) const {
+        const double size = std::fabs(difference);
+        if (size <= precision_ || size < certainly_fine_) return;
+        const double decades = std::log10(size) - log_precision_;
+        if (!(decades > kMantissaDecades)) return;
+        Log().Message(LOGGING_LEVEL::WARNING,
+                      "Pertubation file precision problem: x=%lld y=%lld original=%f perturbation=%f offset=%f SF "
+                      "deficit=%f",
+                      x, y, original, difference, offset_, decades - kMantissaDecades);
+    }
+
+  private:
+    double precision_;
+    double log_precision_;
+    double certainly_fine_;
+    double offset_;
+};
+
+void RefuseValue(const std::string& path, long long x, long long y, double value) {
+    Log().Message(LOGGING_LEVEL::ALARM, "%s: value %g at x=%lld y=%lld can not be written as a 32-bit real",
+                  path.c_str(), value, x, y);
+    throw ERROR_INVALID_VALUE();
+}
+
+void CheckParameters(const std::string& path, double offset, double precision) {
+    if (!IsUsable(offset)) {
+        Log().Message(LOGGING_LEVEL::ALARM, "%s: offset %g is not usable", path.c_str(), offset);
+        throw ERROR_INVALID_VALUE();
+    }
+    if (!std::isfinite(precision) || precision <= 0.0 || precision > kLargestValue) {
+        Log().Message(LOGGING_LEVEL::ALARM, "%s: precision %g is not above 0", path.c_str(), precision);
+        throw ERROR_ARGUMENT();
+    }
+}
+
+}  // namespace
+
+double PerturbationOffset(const double* const* matrix, long long columns, long long rows) {
+    if (columns < 1 || rows < 1) {
+        Log().Message(LOGGING_LEVEL::ALARM, "a matrix of %lld x %lld elements has no centre", columns, rows);
+        throw ERROR_ARGUMENT();
+    }
+    const double centre = matrix[rows / 2][columns / 2];
+    if (!IsUsable(centre)) {
+        Log().Message(LOGGING_LEVEL::ALARM, "the centre value %g of a matrix is no usable offset", centre);
+        throw ERROR_INVALID_VALUE();
+    }
+    return std::rint(centre);
+}
+
+void WritePerturbationFile(const std::string& path, const double* const* matrix, long long columns, long long rows,
+                           double offset, double precision) {
+    CheckParameters(path, offset, precision);
+    Log().Message(LOGGING_LEVEL::INFO, "Pertubation file offset = %f", offset);
+    MEM_MGR image;
+    image.CreateFile(path, columns, rows, PIXEL_TYPE::FLT_6);
+    float** const pixels = image.GetNumRecMatrix<float>();
+    const PRECISION_CHECK check(precision, offset);
+    for (long long y = 0; y < rows; ++y) {
+        for (long long x = 0; x < columns; ++x) {
+            const double original = matrix[y][x];
+            if (!IsUsable(original)) RefuseValue(path, x, y, original);
+            const double difference = original - offset;
+            check(x, y, original, difference);
+            pixels[y][x] = static_cast<float>(difference);
+        }
+    }
+    image.Flush(MS_SYNC);  // the only place where a mapped file tells of a failed write
+}
