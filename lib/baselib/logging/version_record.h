@@ -10,5 +10,7 @@ struct VERSION_RECORD {
     std::string revision_date;
     std::string version;
     std::string description;
-    std::string program_name;
+    std::string program_name;  ///< the binary name as the controller reports it
+    std::string compile_date;  ///< fixed by CMake, SOURCE_DATE_EPOCH is honoured
+    std::string builder;       ///< who configured the build
 };

@@ -1,0 +1,280 @@
+#include "lib/baselib/controller/controller_ifc.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cctype>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+
+#include "lib/baselib/controller/key_suggestions.h"
+#include "lib/baselib/controller/status_files.h"
+#include "lib/baselib/logging/log_texts.h"
+#include "lib/baselib/logging/logging.h"
+
+namespace {
+
+constexpr size_t kLongestText = 255;
+constexpr int kStatusSuccess = 0;
+constexpr int kStatusError = 1;
+constexpr int kStatusStopped = 2;
+
+std::string LastPathComponent(const char* path) {
+    const std::string text = path == nullptr ? "" : path;
+    return text.substr(text.rfind('/') + 1);
+}
+
+/// 120 s, or the environment's number; a text that is no number counts as 0: no limit.
+int SecondsOnParameterInput() {
+    const char* const text = std::getenv("SECONDS_ON_PARAMETER_INPUT");
+    if (text == nullptr) return 120;
+    return static_cast<int>(std::clamp(std::strtol(text, nullptr, 10), 0L, long{INT_MAX}));
+}
+
+/// One word delimited by blanks, cut one character behind the longest text allowed; empty at the end of the input.
+std::string WordFromKeyboard() {
+    int c = std::getchar();
+    while (c != EOF && std::isspace(c) != 0) c = std::getchar();
+    std::string word;
+    for (; c != EOF && std::isspace(c) == 0 && word.size() <= kLongestText; c = std::getchar())
+        word += static_cast<char>(c);
+    return word;
+}
+
+}  // namespace
+
+CONTROLLER_IFC::~CONTROLLER_IFC() {
+    if (!reactions_.empty()) RegisterForFatalSignals(nullptr);
+}
+
+void CONTROLLER_IFC::init(int argc, char** argv, bool controller_messages) {
+    controller_messages_ = controller_messages;
+    argument_count_ = argc;
+    arguments_ = argv;
+    process_name_ = LastPathComponent(argc > 0 ? argv[0] : nullptr);
+    binary_name_ = process_name_;
+    initialised_ = true;
+    InstallFatalSignalHandlers();
+    PublishForSignals();
+
+    const bool pid_given = get_optional_parameter("pid", binary_name_);
+    Log() << LOGGING_LEVEL::TRACE << "binary name is " << binary_name_ << "\n";
+    ResolveStatusPaths();
+    OpenConfigurationFile();
+    NameLogFile(pid_given);
+    if (!configuration_file_.IsOpen())
+        Log() << LOGGING_LEVEL::WARNING << "Configuration file " << configuration_file_path_ << " does not exist!\n";
+    SetLogThresholds();
+    EndWhenStopped();
+    RemoveStatusFile(ok_file_path_.c_str());
+    WriteStatus(error_file_path_, '1');
+}
+
+void CONTROLLER_IFC::ResolveStatusPaths() {
+    status_path_.clear();
+    get_optional_parameter("status", status_path_);
+    if (!status_path_.empty() && status_path_.back() != '/') status_path_ += "/";
+    Log() << LOGGING_LEVEL::TRACE << "status path is [" << status_path_ << "]\n";
+    const std::string error_file_path = status_path_ + "ERROR." + binary_name_;  // the longest of the three
+    RequireFitting("status", error_file_path);
+    ok_file_path_ = status_path_ + "OK." + binary_name_;
+    stop_file_path_ = status_path_ + "STOP." + binary_name_;
+    error_file_path_ = error_file_path;
+    PublishForSignals();
+}
+
+void CONTROLLER_IFC::OpenConfigurationFile() {
+    configuration_file_path_ = "pcf." + binary_name_;
+    get_optional_parameter("pcf", configuration_file_path_);
+    RequireFitting("pcf", configuration_file_path_);
+    // A failure is reported when the log has its final file.
+    (void)configuration_file_.Open(configuration_file_path_);
+}
+
+void CONTROLLER_IFC::NameLogFile(bool pid_given) {
+    std::string name;
+    if (!get_optional_parameter("lfn", name)) {
+        // The temporary file's name is nobody's choice; a name set by the program before stays.
+        const bool keep = !Log().HasTemporaryFile() && !Log().LogFileName().empty() && !pid_given;
+        name = keep ? Log().LogFileName() : "log." + binary_name_;
+    }
+    RequireFitting("lfn", name);
+    Log().SetLogFile(name);
+}
+
+void CONTROLLER_IFC::SetLogThresholds() {
+    std::string level;
+    if (get_optional_parameter("lfl", level)) Log().SetFileThreshold(LevelFromName(level));
+    if (get_optional_parameter("lsl", level)) Log().SetScreenThreshold(LevelFromName(level));
+}
+
+void CONTROLLER_IFC::EndWhenStopped() {
+    if (!CanBeRead(stop_file_path_.c_str())) return;
+    constexpr const char* kRule = "====================================================\n";
+    Log() << LOGGING_LEVEL::INFO << kRule;
+    Log() << LOGGING_LEVEL::INFO << "Program execution interrupted - STOP file was found!\n";
+    Log() << LOGGING_LEVEL::INFO << kRule;
+    Log() << LOGGING_LEVEL::INFO << "found file: " << stop_file_path_ << "\n";
+    std::exit(kStatusStopped);
+}
+
+void CONTROLLER_IFC::PublishForSignals() {
+    reactions_.emplace_back(process_name_, controller_messages_, ok_file_path_, error_file_path_);
+    RegisterForFatalSignals(&reactions_.back());
+}
+
+std::string CONTROLLER_IFC::get_parameter(const std::string& name) {
+    std::string value;
+    return Lookup(name, value) ? value : AskKeyboard(name);
+}
+
+bool CONTROLLER_IFC::get_optional_parameter(const std::string& name, std::string& value) { return Lookup(name, value); }
+
+bool CONTROLLER_IFC::parameter_exists(const std::string& name) {
+    std::string scratch;
+    return Lookup(name, scratch);
+}
+
+bool CONTROLLER_IFC::Lookup(const std::string& name, std::string& value) {
+    return FindInArguments(name, value) || FindInConfigurationFile(name, value) || FindInEnvironment(name, value);
+}
+
+bool CONTROLLER_IFC::FindInArguments(const std::string& name, std::string& value) {
+    const std::string key = "-" + name;
+    // Backwards, so that the last of several wins; the last argument has no value behind it.
+    for (int i = argument_count_ - 2; i >= 1; --i) {
+        if (key != arguments_[i]) continue;
+        RequireFitting(name, arguments_[i + 1]);
+        value = arguments_[i + 1];
+        Log() << LOGGING_LEVEL::DEBUG << "Found parameter in argument list " << name << " = " << value << "\n";
+        return true;
+    }
+    Log() << LOGGING_LEVEL::TRACE << "Parameter " << name << " not found in argument list!\n";
+    return false;
+}
+
+bool CONTROLLER_IFC::FindInConfigurationFile(const std::string& name, std::string& value) {
+    if (!configuration_file_.IsOpen()) return false;
+    // From where the last lookup stopped to the end, then the whole file once more.
+    for (bool rewound = false;;) {
+        const std::optional<CONTROL_FILE::ENTRY> entry = configuration_file_.NextEntry();
+        if (!entry) {
+            if (rewound) return false;
+            Log() << LOGGING_LEVEL::TRACE << "rewinding file position\n";
+            configuration_file_.Rewind();
+            rewound = true;
+        } else if (entry->key == name) {
+            RequireFitting(name, entry->value);
+            value = entry->value;
+            Log() << LOGGING_LEVEL::DEBUG << "Found parameter " << name << "=" << value << "\n";
+            return true;
+        }
+    }
+}
+
+bool CONTROLLER_IFC::FindInEnvironment(const std::string& name, std::string& value) {
+    const char* const text = std::getenv(name.c_str());
+    if (text == nullptr) {
+        Log() << LOGGING_LEVEL::TRACE << "parameter " << name << " not found in UNIX environment\n";
+        return false;
+    }
+    RequireFitting(name, text);
+    value = text;
+    Log() << LOGGING_LEVEL::DEBUG << "Found parameter in UNIX environment " << name << "=" << value << "\n";
+    return true;
+}
+
+std::string CONTROLLER_IFC::AskKeyboard(const std::string& name) {
+    WarnAboutWordsCloseTo(name);
+    Log() << LOGGING_LEVEL::WARNING << "No configuration file or parameter not found!\n";
+    Log() << LOGGING_LEVEL::WARNING << "\t  Please input value of parameter : <" << name << ">\n";
+    const int seconds = SecondsOnParameterInput();
+    Log() << LOGGING_LEVEL::DEBUG << "waiting " << seconds << " seconds for input\n";
+    // Nobody handles SIGALRM: an unattended run ends by it, with the ERROR file of init() left behind.
+    alarm(static_cast<unsigned>(seconds));
+    std::printf("%s := ", name.c_str());
+    std::fflush(stdout);
+    const std::string value = WordFromKeyboard();
+    alarm(0);
+    if (value.empty()) EndWithError("end of input at the keyboard: no value of parameter " + name);
+    RequireFitting(name, value);
+    Log() << LOGGING_LEVEL::DEBUG << "Read from keyboard parameter " << name << " = " << value << "\n";
+    return value;
+}
+
+/// The words that stand where a key is expected: arguments, by pairs, and the first words of the control file.
+std::vector<std::string> CONTROLLER_IFC::ForeignWords() {
+    std::vector<std::string> words = configuration_file_.Keys();
+    for (int i = 1; i < argument_count_; ++i) {
+        if (arguments_[i][0] != '-' || std::isalpha(static_cast<unsigned char>(arguments_[i][1])) == 0) continue;
+        words.emplace_back(arguments_[i] + 1);
+        ++i;  // its value
+    }
+    std::sort(words.begin(), words.end());
+    words.erase(std::unique(words.begin(), words.end()), words.end());
+    return words;
+}
+
+void CONTROLLER_IFC::WarnAboutMistypedKeys() {
+    for (const std::string& word : ForeignWords()) {
+        const std::string key = SuggestedKey(word, known_keys_);
+        if (!key.empty())
+            Log().Message(LOGGING_LEVEL::WARNING, "unknown parameter %s: is %s meant?", word.c_str(), key.c_str());
+    }
+}
+
+void CONTROLLER_IFC::WarnAboutWordsCloseTo(const std::string& name) {
+    for (const std::string& word : ForeignWords())
+        if (!SuggestedKey(word, known_keys_).empty() && IsClose(word, name))
+            Log().Message(LOGGING_LEVEL::WARNING, "unknown parameter %s: is %s meant?", word.c_str(), name.c_str());
+}
+
+std::string CONTROLLER_IFC::get_binary_name() const {
+    if (initialised_) return binary_name_;
+    Log() << LOGGING_LEVEL::WARNING << "CONTROLLER_IFC::get_binary_name: Controller interface not initialized!\n";
+    Log().Message(LOGGING_LEVEL::WARNING,
+                  "Function CONTROLLER_IFC::init must be called before accessing a controller object!");
+    return "unknown";
+}
+
+void CONTROLLER_IFC::set_controller_messages(bool on) {
+    controller_messages_ = on;
+    if (initialised_) PublishForSignals();
+}
+
+void CONTROLLER_IFC::WriteStatus(const std::string& path, char digit) {
+    if (path.empty()) return;  // the names of the status files are not known yet
+    if (!WriteStatusFile(path.c_str(), digit))
+        Log() << LOGGING_LEVEL::WARNING << "Can not create file " << path << "!\n";
+}
+
+int CONTROLLER_IFC::set_status_success() {
+    close_configuration_file();
+    RemoveStatusFile(error_file_path_.c_str());
+    WriteStatus(ok_file_path_, '0');
+    return kStatusSuccess;
+}
+
+int CONTROLLER_IFC::set_status_error() {
+    close_configuration_file();
+    RemoveStatusFile(ok_file_path_.c_str());
+    WriteStatus(error_file_path_, '1');
+    return kStatusError;
+}
+
+void CONTROLLER_IFC::exit_success() { std::exit(set_status_success()); }
+
+void CONTROLLER_IFC::exit_error() { std::exit(set_status_error()); }
+
+void CONTROLLER_IFC::RequireFitting(const std::string& name, const std::string& text) {
+    if (text.size() <= kLongestText) return;
+    EndWithError("parameter " + name + ": a text of " + std::to_string(text.size()) + " characters, at most " +
+                 std::to_string(kLongestText) + " are allowed: " + text.substr(0, 40) + "...");
+}
+
+void CONTROLLER_IFC::EndWithError(const std::string& reason) {
+    Log().Message(LOGGING_LEVEL::ALARM, "%s", reason.c_str());
+    Log() << LOGGING_LEVEL::ALARM << "ORQ_MSG|ERROR|" << binary_name_ << " terminated with error!\n";
+    exit_error();
+}

@@ -1,0 +1,94 @@
+/// \file controller_ifc.h
+/// The link to whatever starts the program: a human at a shell or a processing chain. Resolves parameters from argument
+/// list, control file, environment and keyboard, in this order; decides the names of control, log and status files; tells
+/// the chain through status files how the run ended; honours a STOP file; reacts to fatal signals.
+///
+/// One object per process, on the main thread. Nothing here throws: what cannot go on ends the process, with a line at
+/// ALARM that says why, the controller message line and status 1. Values and paths have at most 255 characters.
+/// Life: constructed empty, init(), lookups, then one of the exits.
+
+#pragma once
+
+#include <deque>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "lib/baselib/controller/control_file.h"
+#include "lib/baselib/controller/fatal_signals.h"
+
+class CONTROLLER_IFC {
+  public:
+    CONTROLLER_IFC() = default;
+    ~CONTROLLER_IFC();
+    CONTROLLER_IFC(const CONTROLLER_IFC&) = delete;
+    CONTROLLER_IFC& operator=(const CONTROLLER_IFC&) = delete;
+
+    /// The keys that the program reads, for the recognition of mistyped ones. Call before init().
+    void SetKnownKeys(std::vector<std::string> keys) { known_keys_ = std::move(keys); }
+
+    /// Resolves names and paths, opens the control file, moves the log to its final file, sets the log's thresholds. Ends
+    /// the process with status 2 on a STOP file; otherwise the ERROR status file exists from here on.
+    /// @param controller_messages fatal signals also produce the controller message line
+    void init(int argc, char** argv, bool controller_messages);
+
+    /// Mandatory: asks the keyboard when no source has the parameter, and ends the process when there is no answer.
+    [[nodiscard]] std::string get_parameter(const std::string& name);
+    /// @return whether the parameter was found; value is changed only then
+    bool get_optional_parameter(const std::string& name, std::string& value);
+    [[nodiscard]] bool parameter_exists(const std::string& name);
+
+    /// One line at WARNING for each argument and each control file key that is unknown but close to a known key.
+    void WarnAboutMistypedKeys();
+
+    /// Forms every file name: the last path component of the first argument, or the value of the parameter `pid`.
+    [[nodiscard]] std::string get_binary_name() const;
+    /// The last path component of the first argument.
+    [[nodiscard]] std::string get_process_name() const { return process_name_; }
+    [[nodiscard]] std::string get_configuration_file_name() const { return configuration_file_path_; }
+
+    void set_controller_messages(bool on);
+    [[nodiscard]] bool controller_messages() const { return controller_messages_; }
+    void close_configuration_file() { configuration_file_.Close(); }
+
+    [[noreturn]] void exit_success();
+    [[noreturn]] void exit_error();
+    /// The file work of the two exits. @return the exit status, 0 and 1
+    int set_status_success();
+    int set_status_error();
+
+  private:
+    bool Lookup(const std::string& name, std::string& value);
+    bool FindInArguments(const std::string& name, std::string& value);
+    bool FindInConfigurationFile(const std::string& name, std::string& value);
+    bool FindInEnvironment(const std::string& name, std::string& value);
+    std::string AskKeyboard(const std::string& name);
+    std::vector<std::string> ForeignWords();
+    void WarnAboutWordsCloseTo(const std::string& name);
+
+    void ResolveStatusPaths();
+    void OpenConfigurationFile();
+    void NameLogFile(bool pid_given);
+    void SetLogThresholds();
+    void EndWhenStopped();
+    void PublishForSignals();
+    void WriteStatus(const std::string& path, char digit);
+
+    void RequireFitting(const std::string& name, const std::string& text);
+    [[noreturn]] void EndWithError(const std::string& reason);
+
+    int argument_count_ = 0;
+    char** arguments_ = nullptr;
+    bool initialised_ = false;
+    std::string binary_name_;
+    std::string process_name_;
+    std::string status_path_;
+    CONTROL_FILE configuration_file_;
+    std::string ok_file_path_;
+    std::string stop_file_path_;
+    std::string error_file_path_;
+    std::string configuration_file_path_;
+    bool controller_messages_ = false;
+    std::vector<std::string> known_keys_;
+    std::deque<FATAL_SIGNAL_REACTION> reactions_;  ///< all published so far: a handler may be reading an earlier one
+};

@@ -1,0 +1,48 @@
+#include "lib/baselib/logging/log_output.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+void LOG_OUTPUT::MoveTo(int descriptor) {
+    const int present = descriptor_;
+    if (present < 0) {
+        descriptor_ = descriptor;
+        return;
+    }
+    dup3(descriptor, present, O_CLOEXEC);
+    close(descriptor);
+}
+
+void LOG_OUTPUT::Close() {
+    const int present = descriptor_.exchange(-1);
+    if (present >= 0) close(present);
+}
+
+bool LOG_OUTPUT::Write(std::string_view text) {
+    const int descriptor = descriptor_;
+    if (text.empty()) return true;
+    if (descriptor < 0) return false;
+    line_is_open_ = text.back() != '\n';
+    while (!text.empty()) {
+        const ssize_t count = write(descriptor, text.data(), text.size());
+        if (count < 0 && errno != EINTR) return false;
+        if (count > 0) text.remove_prefix(static_cast<size_t>(count));
+    }
+    return true;
+}
+
+void LOG_OUTPUT::WriteLineFromHandler(std::string_view line, int patience_ms) noexcept {
+    const int descriptor = descriptor_;
+    if (descriptor < 0) return;
+    pollfd ready = {descriptor, POLLOUT, 0};
+    if (poll(&ready, 1, patience_ms) <= 0) {
+        descriptor_ = -1;
+        return;
+    }
+    // A failing output is given up silently: this is the last thing that the process does.
+    if (line_is_open_.exchange(false)) [[maybe_unused]] const ssize_t ended = write(descriptor, "\n", 1);
+    [[maybe_unused]] const ssize_t written = write(descriptor, line.data(), line.size());
+}
