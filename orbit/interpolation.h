@@ -1,0 +1,59 @@
+/// \file interpolation.h
+/// One-dimensional interpolation over support points sorted by abscissa: the base of every interpolator.
+/// An orbit keeps one interpolator per axis: abscissa time in seconds, ordinate one coordinate in metres; value, first and
+/// second derivative are then position, velocity and acceleration.
+/// Arithmetic: double, for float points as well, so that a float interpolator errs by the rounding of its input and of
+/// its result only.
+/// Outside the data: the outermost piece goes on (HERMITE_POLY alone ends the process instead).
+/// Threads: queries are const, allocate nothing and take no lock; Create and the setters belong to one thread.
+
+#pragma once
+
+#include "lib/baselib/containers/array.h"
+#include "lib/baselib/containers/records.h"
+
+/// @tparam T  type of abscissa and ordinate
+/// @tparam P  support point: POINT<T>, or DPOINT<T> where the first derivative is given as well
+template <class T, class P>
+class INTERPOLATION {
+  public:
+    virtual ~INTERPOLATION() = default;
+
+    /// Sets order and support point count (-1: leave it), then creates. Classes without these parameters ignore them.
+    virtual void Create(const ARRAY<P>& points, int order, int support_point_count);
+    /// Takes over the points and computes what the queries need.
+    /// @param points  finite, sorted by abscissa; the first index may be any
+    /// @throws ERROR_ARGUMENT for points or parameters that do not suit (logged first), ERROR_NO_MEMORY
+    virtual void Create(const ARRAY<P>& points) = 0;
+
+    /// -1 leaves the order unchanged; no effect in classes without an order.
+    virtual void SetOrder(int order);
+    /// -1 leaves the count unchanged; no effect in classes without it.
+    virtual void SetSupportPointCount(int support_point_count);
+
+    /// Adapters to Evaluate.
+    virtual T Value(T x) const;
+    virtual T FirstDerivative(T x) const;
+    virtual T SecondDerivative(T x) const;
+
+    /// The polynomial coefficients, where the class has any; each class says to which variable they belong.
+    /// Here: logs a line and returns an empty array.
+    virtual ARRAY<T> GetCoeffs() const;
+
+    /// Value and both derivatives at x in one evaluation.
+    /// @throws ERROR_ARGUMENT (logged first) for an x so far outside the data that the result would overflow
+    virtual void Evaluate(T x, T& value, T& first, T& second) const = 0;
+
+  protected:
+    INTERPOLATION() = default;
+    INTERPOLATION(const INTERPOLATION&) = default;
+    INTERPOLATION(INTERPOLATION&&) = default;
+    INTERPOLATION& operator=(const INTERPOLATION&) = default;
+    INTERPOLATION& operator=(INTERPOLATION&&) = default;
+};
+
+extern template class INTERPOLATION<float, POINT<float>>;
+extern template class INTERPOLATION<double, POINT<double>>;
+extern template class INTERPOLATION<long double, POINT<long double>>;
+extern template class INTERPOLATION<float, DPOINT<float>>;
+extern template class INTERPOLATION<double, DPOINT<double>>;
