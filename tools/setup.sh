@@ -1,0 +1,21 @@
+#!/bin/bash
+# setup.sh: installs what building, testing and the demo need, on Debian 12 or later. Does nothing when all is there.
+set -euo pipefail
+
+packages=(g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev python3 python3-numpy python3-pytest)
+
+missing=()
+for package in "${packages[@]}"; do
+    status=$(dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null || true)
+    [ "$status" = installed ] || missing+=("$package")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+echo "installing: ${missing[*]}"
+as_root=()
+if [ "$(id -u)" -ne 0 ]; then
+    command -v sudo >/dev/null || { echo "setup.sh: run as root, or install sudo" >&2; exit 1; }
+    as_root=(sudo)
+fi
+"${as_root[@]}" apt-get update --quiet
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install --yes --quiet --no-install-recommends "${missing[@]}"
