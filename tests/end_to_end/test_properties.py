@@ -1,0 +1,235 @@
+"""Properties that hold for any scene: the radar equations at every pixel, and how results may not depend on the way there.
+
+VELMORA_RANDOM_SCENES sets the number of random scenes (default 6, fewer in sanitizer builds).
+"""
+
+import dataclasses
+import os
+import random
+
+import numpy as np
+import pytest
+
+import judge
+import velmora_run
+from scene_maker import pool_file, raster, scene
+from scene_maker.options import SCENE_OPTIONS
+from velmora_run import succeed
+
+SIZE = dict(samples=140, lines=110, cover_low_m=-1000.0, cover_high_m=9000.0)
+BESSEL = dict(ellipsoid="Bessel", datum_shift_m=(598.1, 73.7, 418.2), datum_rotation_arcsec=(0.202, 0.045, -2.455),
+              datum_scale=1.0000067)
+NAMED_SCENES = {
+    "plain": dict(),
+    "flat terrain": dict(terrain="flat", low_m=812.0),
+    "left, ascending, south, 0..360": dict(side="left", pass_direction="ascending", latitude_deg=-33.0,
+                                           longitude_deg=-70.5, longitudes="positive"),
+    "date line": dict(latitude_deg=-17.2, longitude_deg=179.99, orbit_representation="orbit_pool_double_met",
+                      orbit_interpolation="chebyshev_9"),
+    "date line, 0..360": dict(latitude_deg=66.0, longitude_deg=-179.98, longitudes="positive"),
+    "Greenwich, 0..360": dict(latitude_deg=51.4, longitude_deg=0.01, longitudes="positive", orbit_interpolation="polyfit_9",
+                              orbit_representation="orbit_pool_double_double"),
+    "85 north": dict(latitude_deg=85.0, longitude_deg=-30.0),
+    "85 south, left": dict(latitude_deg=-85.0, longitude_deg=140.0, pass_direction="ascending"),
+    "equator, 1 arc second": dict(latitude_deg=0.0, longitude_deg=-60.0, dem_spacing_arcsec=1.0,
+                                  orbit_interpolation="localpolynom_0_8"),
+    "UTM south, offset of heights": dict(latitude_deg=-33.4, longitude_deg=-70.6, utm=True, dem_correction_m=37.5),
+    "UTM of the next zone, Bessel, 7 parameters": dict(latitude_deg=48.0, longitude_deg=11.9, utm=True, utm_zone=33, **BESSEL),
+    "geographic, Airy, shift": dict(latitude_deg=53.0, longitude_deg=-7.9, ellipsoid="Airy",
+                                    datum_shift_m=(482.5, -130.6, 564.6)),
+    "permanent scatterer, oversampling 2, left": dict(permanent_scatterer=True, oversampling=2.0, side="left",
+                                                      range_sampling_hz=40e6, prf_hz=1500.0, range_time_shift_s=3e-7),
+    "other wavelength in the slave": dict(slave_radar_frequency_hz=9.6501e9, azimuth_bandwidth_hz=900.0),
+    "single pass": dict(single_pass=True, along_track_m=180.0),
+    "single pass, permanent scatterer, left": dict(single_pass=True, along_track_m=-60.0, side="left", latitude_deg=-45.0,
+                                                   permanent_scatterer=True, oversampling=1.5, prf_hz=1400.0),
+    "DEM larger than the scene by far": dict(dem_margin_m=15000.0),
+}
+
+
+def random_options(seed):
+    draw = random.Random(seed)
+    return dict(
+        seed=seed, samples=draw.randint(90, 200), lines=draw.randint(70, 160), side=draw.choice(["right", "left"]),
+        pass_direction=draw.choice(["ascending", "descending"]), latitude_deg=draw.uniform(-75.0, 75.0),
+        longitude_deg=draw.uniform(-180.0, 180.0), longitudes=draw.choice(["signed", "positive"]),
+        incidence_deg=draw.uniform(25.0, 48.0), dem_spacing_m=draw.uniform(20.0, 45.0),
+        perpendicular_baseline_m=draw.uniform(-400.0, 400.0), utm=draw.random() < 0.4,
+        high_m=draw.uniform(400.0, 2500.0), permanent_scatterer=draw.random() < 0.4,
+        oversampling=draw.choice([1.0, 1.25]), range_time_shift_s=draw.choice([0.0, 1e-6]),
+        orbit_representation="orbit_pool_double_" + draw.choice(["double", "utc", "met"]),
+        orbit_interpolation=draw.choice(["hermite_0_8", "localpolynom_0_8", "polynom", "polyfit_9", "chebyshev_9", "everett_8",
+                                         "localhermite_4_6", "localpolyfit_6_8", "localchebyshev_7_9"]),
+        single_pass=draw.random() < 0.3, along_track_m=draw.uniform(-100.0, 100.0), **draw.choice([{}, {}, BESSEL]))
+
+
+RANDOM_SCENES = int(os.environ.get("VELMORA_RANDOM_SCENES", "2" if velmora_run.SANITIZED else "6"))
+SCENES = [pytest.param(options, id=name) for name, options in NAMED_SCENES.items()]
+SCENES += [pytest.param(random_options(seed), id="random scene %d" % seed) for seed in range(RANDOM_SCENES)]
+
+
+@pytest.mark.parametrize("options", SCENES)
+def test_every_pixel_satisfies_the_radar_equations(fresh_scene, options):
+    made, folder = fresh_scene(**{**SIZE, **options})
+    run = succeed(folder, parallel="2")
+    line, sample = np.mgrid[0:made.options.lines, 0:made.options.samples].astype(float)
+    height_m = run.product("H_EARTH").astype(float)
+    points_m, phase_rad, slave_sample, slave_line = judge.expected(made, sample, line, height_m)
+
+    # Height: planar in the cell's triangle. A pixel may be claimed up to 1 % of a triangle's area outside it, where the
+    # neighbour's slope is another.
+    assert judge.share_over(judge.dem_heights(made, points_m) - height_m, 0.25) <= 0.002
+    phase = run.product("SIMU_PHASE").astype(float)
+    assert judge.share_over(phase - phase_rad, 0.01 + 4.0 * judge.ulp(phase_rad)) <= 0.002
+    # A single-pass pair's azimuth comes from a parabola through three travel times, not from their true minimum.
+    line_tolerance = 0.02 if made.options.single_pass else 1e-3
+    assert judge.share_over(run.product("RG_COREG") - slave_sample, 1e-3 + judge.ulp(slave_sample)) <= 0.002
+    assert judge.share_over(run.product("AZ_COREG") - slave_line, line_tolerance + judge.ulp(slave_line)) <= 0.002
+    # x, y, z are rounded to 32-bit floats before the offset is taken off.
+    for axis in range(3):
+        name = "xyz"[axis]
+        value = run.product(name + "_EARTH").astype(float) + run.offset(name)
+        assert judge.share_over(value - points_m[..., axis], 0.02 + 0.5 * judge.ulp(points_m[..., axis])) <= 0.002
+
+
+def test_flat_terrain_follows_the_closed_formula_at_every_pixel(fresh_scene):
+    made, folder = fresh_scene(**SIZE, terrain="flat", low_m=431.0, latitude_deg=-20.0)
+    run = succeed(folder)
+    line, sample = np.mgrid[0:made.options.lines, 0:made.options.samples].astype(float)
+    _, phase_rad, _, _ = judge.expected(made, sample, line, np.full(line.shape, 431.0))
+    assert np.all(np.abs(run.product("SIMU_PHASE") - phase_rad) <= 0.01 + 4.0 * judge.ulp(phase_rad))
+    assert np.all(np.abs(run.product("H_EARTH") - 431.0) < 1e-3)
+
+
+@pytest.mark.parametrize("relative", [False, True])
+def test_a_pair_of_one_image_with_itself_has_no_phase_and_no_shift(fresh_scene, relative):
+    made, folder = fresh_scene(**SIZE, slave_is_master=True, relative_shifts=relative, shift_factors=(2, 3))
+    run = succeed(folder, parallel="2")
+    assert np.all(run.product("SIMU_PHASE") == 0.0)
+    rows, columns = run.product("RG_COREG").shape
+    line, sample = np.mgrid[0:rows, 0:columns]
+    own = (0.0 * sample, 0.0 * line) if relative else (2.0 * sample, 3.0 * line)
+    assert np.all(np.abs(run.product("RG_COREG") - own[0]) < 1e-3)
+    assert np.all(np.abs(run.product("AZ_COREG") - own[1]) < 1e-3)
+
+
+def test_positions_map_back_to_their_own_pixel(fresh_scene):
+    made, folder = fresh_scene(**SIZE, earth_factors=(3, 2), latitude_deg=61.0)
+    run = succeed(folder, parallel="2")
+    point = np.stack([run.product(axis + "_EARTH") + run.offset(axis) for axis in "xyz"], axis=-1)
+    line, sample = np.mgrid[0:point.shape[0], 0:point.shape[1]]
+    seen_sample, seen_line = made.master.pixel(*judge.zero_doppler(made.master.orbit, point,
+                                                                   made.master.first_azimuth_time_s))
+    # Half a float step in each coordinate moves the point by at most this; a line and a sample are metres wide.
+    step_m = 0.5 * np.linalg.norm(judge.ulp(point), axis=-1)
+    line_m = 6500.0 / made.master.prf_hz  # a little less than the ground speed times the line interval
+    sample_m = 0.5 * judge.SPEED_OF_LIGHT_M_S / made.master.range_sampling_hz
+    inside = (2 * line < made.options.lines) & (3 * sample < made.options.samples)
+    assert np.all((np.abs(seen_sample - 3 * sample) <= 0.02 + step_m / sample_m)[inside])
+    assert np.all((np.abs(seen_line - 2 * line) <= 0.02 + step_m / line_m)[inside])
+
+
+def test_refining_the_terrain_along_its_own_triangles_changes_nothing(fresh_scene):
+    made, folder = fresh_scene(**SIZE, height_step_m=4, high_m=1200.0, smoothness=2.4)
+    coarse = succeed(folder, parallel="2")
+    _, fine_folder = fresh_scene("fine", **SIZE, height_step_m=4, high_m=1200.0, smoothness=2.4)
+    _refine(made, fine_folder)
+    fine = succeed(fine_folder, parallel="2")
+    for name, tolerance in (("SIMU_PHASE", 0.01), ("H_EARTH", 0.05), ("RG_COREG", 1e-3), ("AZ_COREG", 1e-3)):
+        difference = fine.product(name).astype(float) - coarse.product(name)
+        assert judge.share_over(difference, tolerance + 4.0 * judge.ulp(coarse.product(name))) <= 0.002, name
+
+
+def _refine(made, folder):
+    """Twice the samples; each cell's midpoints on the planes of its triangles (cut from upper right to lower left)."""
+    old, grid = made.heights.astype(int), made.grid
+    new = np.zeros((2 * grid.rows - 1, 2 * grid.columns - 1), dtype=int)
+    new[::2, ::2] = old
+    new[::2, 1::2] = (old[:, :-1] + old[:, 1:]) // 2
+    new[1::2, ::2] = (old[:-1] + old[1:]) // 2
+    new[1::2, 1::2] = (old[:-1, 1:] + old[1:, :-1]) // 2
+    raster.write_int16(folder / "dem.ras", new)
+    pool = pool_file.read(folder / "dem.pool")
+    dx = (pool["right_easting"] - pool["left_easting"]) / grid.columns
+    dy = (pool["upper_northing"] - pool["lower_northing"]) / grid.rows
+    velmora_run.edit_pool(folder / "dem.pool", "right_easting",
+                          "right_easting FLT_15 %.17g" % (pool["left_easting"] + 0.5 * dx * new.shape[1]))
+    velmora_run.edit_pool(folder / "dem.pool", "lower_northing",
+                          "lower_northing FLT_15 %.17g" % (pool["upper_northing"] - 0.5 * dy * new.shape[0]))
+
+
+def test_the_number_of_threads_does_not_matter(fresh_scene):
+    """Byte for byte for one thread twice; beyond rounding only where two cells claim a pixel for several threads."""
+    runs = {}
+    for name, parallel in (("1", "1"), ("1 again", "1"), ("2", "2"), ("5", "5"), ("1000", "1000")):
+        _, folder = fresh_scene(name.replace(" ", "_"), **SIZE, shift_factors=(2, 2), earth_factors=(1, 3))
+        runs[name] = succeed(folder, parallel=parallel)
+    for name in ("SIMU_PHASE", "RG_COREG", "AZ_COREG", "X_EARTH", "Y_EARTH", "Z_EARTH", "H_EARTH"):
+        one = runs["1"].product(name)
+        assert np.array_equal(one, runs["1 again"].product(name)), name
+        for parallel in ("2", "5", "1000"):
+            difference = runs[parallel].product(name).astype(float) - one
+            assert judge.share_over(difference, 0.01 + judge.ulp(one)) <= 0.002, (name, parallel)
+
+
+# Ranges and azimuths of the shift, Earth and geocoding factors, and image sizes that are and are not multiples of them.
+FACTORS = [((4, 2), (3, 3), (), (141, 110)), ((1, 1), (5, 4), (), (140, 113)), ((2, 2), (3, 5), (2, 3), (140, 110)),
+           ((1, 1), (1, 1), (2, 2), (139, 111)), ((5, 5), (4, 4), (3, 2), (143, 107)), ((3, 4), (2, 2), (5, 5), (97, 101))]
+
+
+@pytest.mark.parametrize("shift, earth, geocoding, size", FACTORS)
+def test_subsampled_products_are_every_nth_pixel_of_the_full_ones(fresh_scene, shift, earth, geocoding, size):
+    sizes = dict(samples=size[0], lines=size[1], permanent_scatterer=bool(geocoding))
+    made, folder = fresh_scene(**sizes, shift_factors=shift, earth_factors=earth, geocoding_factors=geocoding)
+    _, full_folder = fresh_scene("full", **sizes)
+    part, full = succeed(folder), succeed(full_folder)
+
+    columns, rows = made.simulated_size
+    extension = made.options.extension
+    assert part.product("SIMU_PHASE").shape == (size[1], size[0])
+    assert np.array_equal(part.product("SIMU_PHASE"), full.product("SIMU_PHASE"))
+    assert part.product("RG_COREG").shape == tuple(-(-(n - x) // f) + 1 for n, x, f in
+                                                   zip((rows, columns), extension[::-1], shift[::-1]))
+    if geocoding in ((), (1, 1)):
+        earth_shape = tuple(-(-(n - x) // f) + 1 for n, x, f in zip((rows, columns), extension[::-1], earth[::-1]))
+    else:
+        earth_shape = tuple((n - 1) // f + 1 for n, f in zip((rows, columns), earth[::-1]))
+    assert part.product("H_EARTH").shape == part.product("X_EARTH").shape == earth_shape
+
+    for names, factors in ((("RG_COREG", "AZ_COREG"), shift), (("H_EARTH",), earth)):
+        for name in names:
+            wanted = full.product(name)[::factors[1], ::factors[0]]
+            assert np.array_equal(part.product(name)[:wanted.shape[0], :wanted.shape[1]], wanted), name
+            assert np.all(part.product(name) != 0.0), "%s: not filled to its edge" % name
+    for axis in "xyz":
+        wanted = (full.product(axis + "_EARTH").astype(float) + full.offset(axis))[::earth[1], ::earth[0]]
+        got = part.product(axis + "_EARTH").astype(float) + part.offset(axis)
+        assert np.array_equal(got[:wanted.shape[0], :wanted.shape[1]], wanted), axis
+
+
+def test_relative_shifts_are_absolute_positions_less_the_pixels_own(fresh_scene):
+    options = dict(**SIZE, shift_factors=(2, 3))
+    _, absolute_folder = fresh_scene("absolute", **options)
+    _, relative_folder = fresh_scene("relative", **options, relative_shifts=True)
+    absolute, relative = succeed(absolute_folder), succeed(relative_folder)
+    rows, columns = absolute.product("RG_COREG").shape
+    line, sample = np.mgrid[0:rows, 0:columns]
+    for name, own in (("RG_COREG", 2.0 * sample), ("AZ_COREG", 3.0 * line)):
+        difference = relative.product(name) - (absolute.product(name).astype(float) - own)
+        assert np.all(np.abs(difference) <= judge.ulp(absolute.product(name))), name
+
+
+def test_a_dem_that_just_covers_the_terrain_is_enough(fresh_scene):
+    """Heights that do not occur need no cover: the program's search reaches beyond this DEM on both range sides."""
+    made, folder = fresh_scene(**SIZE, cover_low_m=300.0, cover_high_m=2300.0, dem_margin_m=100.0)
+    run = succeed(folder)
+    line, sample = np.mgrid[0:made.options.lines, 0:made.options.samples].astype(float)
+    _, phase_rad, _, _ = judge.expected(made, sample, line, run.product("H_EARTH"))
+    assert judge.share_over(run.product("SIMU_PHASE") - phase_rad, 0.01 + 4.0 * judge.ulp(phase_rad)) <= 0.002
+
+
+def test_generator_and_options_agree_on_every_scene():
+    """The named scenes differ from each other: a typing error in an option would be one scene twice."""
+    designs = [dataclasses.astuple(SCENE_OPTIONS(**{**SIZE, **options})) for options in NAMED_SCENES.values()]
+    assert len(set(designs)) == len(designs)
+    assert scene.design(SCENE_OPTIONS(**SIZE)).simulated_size == (140, 110)
