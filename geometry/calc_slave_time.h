@@ -5,6 +5,9 @@
 
 #pragma once
 
+#include <optional>
+
+#include "geometry/zero_doppler.h"
 #include "lib/baselib/containers/records.h"
 
 template <class T, class V>
@@ -29,9 +32,14 @@ struct ORBIT_HANDLE {
 double CalcSlaveTime(const ORBIT_HANDLE& handle, const VECTOR_3D<double>& point_m, double* range_m,
                      double first_guess_s);
 
-/// Limits what CalcSlaveTime logs on the thread that owns it: the first 10 solutions without convergence get their line,
-/// the destructor tells in one WARNING how many more there were. With an orbit in single precision every solution may
-/// end so (positions known to half a metre never meet the tolerance), and millions of lines would bury the log.
+/// The zero-Doppler solution, if it lies inside the span of the orbit's state vectors: never asks the orbit outside its
+/// data, where some interpolations end the process. The first guess must lie inside.
+[[nodiscard]] std::optional<ZERO_DOPPLER> ZeroDopplerInsideData(const ORBIT_HANDLE& handle,
+                                                                const VECTOR_3D<double>& point_m, double first_guess_s);
+
+/// Limits what CalcSlaveTime logs on the thread that owns it: the first 10 solutions without convergence get their
+/// line, the destructor tells in one WARNING how many more there were. With an orbit in single precision every solution
+/// may end so (positions known to half a metre never meet the tolerance), and millions of lines would bury the log.
 /// Without such an object every line is logged.
 class CONVERGENCE_REPORT {
   public:

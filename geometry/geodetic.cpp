@@ -2,7 +2,9 @@
 
 #include <cmath>
 
-double SquaredEccentricity(double a_m, double b_m) { return (a_m * a_m - b_m * b_m) / (a_m * a_m); }
+double SquaredEccentricity(double a_m, double b_m) {
+    return (a_m * a_m - b_m * b_m) / (a_m * a_m);
+}
 
 VECTOR_3D<double> GeographicToCartesian(const GEOGRAPHIC& position, double a_m, double e2) {
     const double sin_latitude = std::sin(position.latitude_rad);
@@ -43,7 +45,7 @@ GEOGRAPHIC CartesianToGeographic(const VECTOR_3D<double>& point_m, double a_m, d
 VECTOR_3D<double> DatumForward(const DATUM& datum, const VECTOR_3D<double>& point_m) {
     const VECTOR_3D<double>& d = datum.shift_m;
     if (datum.shift_only) return {point_m.x + d.x, point_m.y + d.y, point_m.z + d.z};
-    const auto row = [&](const double (&r)[3]) {
+    const auto row = [&](const double(&r)[3]) {
         return datum.scale * (r[0] * point_m.x + r[1] * point_m.y + r[2] * point_m.z);
     };
     return {row(datum.rotation[0]) + d.x, row(datum.rotation[1]) + d.y, row(datum.rotation[2]) + d.z};

@@ -1,6 +1,6 @@
 /// \file geodetic.h
-/// Geographic and Earth-fixed Cartesian coordinates on a reference ellipsoid, and the datum transformation into the frame
-/// of the orbits.
+/// Geographic and Earth-fixed Cartesian coordinates on a reference ellipsoid, and the datum transformation into the
+/// frame of the orbits.
 /// Units: radians and metres. Frame: Earth-fixed, z towards the north pole, x towards longitude 0.
 /// Threads: pure functions of their arguments.
 

@@ -26,7 +26,7 @@ struct ARGUMENTS {
 
 /// The local frame at the satellite and the last iterate.
 struct WORKSPACE {
-    double distance_m = 0.0;         ///< |S|
+    double distance_m = 0.0;              ///< |S|
     double satellite_latitude_rad = 0.0;  ///< geocentric
     double satellite_longitude_deg = 0.0;
     VECTOR_3D<double> e1;  ///< towards the Earth's centre
@@ -59,7 +59,9 @@ struct ENLARGED_ELLIPSOID {
 };
 
 /// Rounding may carry a sine or cosine beyond 1 by its last bit, and the traps are on.
-double Bounded(double sine_or_cosine) { return std::clamp(sine_or_cosine, -1.0, 1.0); }
+double Bounded(double sine_or_cosine) {
+    return std::clamp(sine_or_cosine, -1.0, 1.0);
+}
 
 /// Degrees in 0..360 by the arc tangent and the quadrant.
 double SatelliteLongitude(const VECTOR_3D<double>& position_m) {
@@ -98,7 +100,9 @@ WORKSPACE LocalFrame(const ARGUMENTS& arguments) {
     }
     work.e3 = (1.0 / across_velocity_m_s) * across;
     work.e2 = CrossProduct(work.e3, work.e1);
-    work.range_m = arguments.fast_time_s * kSpeedOfLight * 0.5;
+    // A time from a damaged pool must not overflow; beyond the bound no sphere reaches the Earth anyway.
+    constexpr double kLongestTime_s = 1e6;
+    work.range_m = std::clamp(arguments.fast_time_s, -kLongestTime_s, kLongestTime_s) * kSpeedOfLight * 0.5;
     return work;
 }
 
@@ -114,8 +118,8 @@ void Step(const ARGUMENTS& arguments, const ENLARGED_ELLIPSOID& ellipsoid, WORKS
     const double r = work.range_m;
     // Beyond the far side of the Earth; the squares below could overflow.
     if (std::abs(r) > work.distance_m + work.radius_m) FailToIntersect(work);
-    const double x = (work.distance_m * work.distance_m + r * r - work.radius_m * work.radius_m) /
-                     (2.0 * work.distance_m);
+    const double x =
+        (work.distance_m * work.distance_m + r * r - work.radius_m * work.radius_m) / (2.0 * work.distance_m);
     // V . e3 = 0, hence the along-track part alone can meet the Doppler condition.
     const double y = (r * arguments.line_of_sight_velocity_m_s - x * DotProduct(arguments.velocity_m_s, work.e1)) /
                      DotProduct(arguments.velocity_m_s, work.e2);
@@ -141,10 +145,10 @@ bool Converged(const WORKSPACE& work) {
 
 [[noreturn]] void FailToConverge(const ARGUMENTS& a, const WORKSPACE& work) {
     Log() << LOGGING_LEVEL::ALARM << "geolocation_fast: convergence problem\n";
-    Log() << LOGGING_LEVEL::INFO << "geolocation_fast was called with look_direction " << a.look_direction
-          << " height " << a.height_m << " rpole " << a.rpole_m << " requator " << a.requator_m << " fast_time "
-          << a.fast_time_s << " sat_pos (" << a.position_m.x << ", " << a.position_m.y << ", " << a.position_m.z
-          << ") sat_vel (" << a.velocity_m_s.x << ", " << a.velocity_m_s.y << ", " << a.velocity_m_s.z << ")\n";
+    Log() << LOGGING_LEVEL::INFO << "geolocation_fast was called with look_direction " << a.look_direction << " height "
+          << a.height_m << " rpole " << a.rpole_m << " requator " << a.requator_m << " fast_time " << a.fast_time_s
+          << " sat_pos (" << a.position_m.x << ", " << a.position_m.y << ", " << a.position_m.z << ") sat_vel ("
+          << a.velocity_m_s.x << ", " << a.velocity_m_s.y << ", " << a.velocity_m_s.z << ")\n";
     Log() << LOGGING_LEVEL::INFO << "accuracy after " << kMaxSteps
           << " steps: " << std::abs(work.radius_m - work.previous_radius_m) << ", " << work.range_residual_m << ", "
           << work.doppler_residual_m_s << " (tolerance " << kTolerance << ")\n";

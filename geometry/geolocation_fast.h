@@ -1,6 +1,6 @@
 /// \file geolocation_fast.h
-/// From a radar sample to the ground: satellite state, two-way range time and height above the ellipsoid give the point.
-/// Frame: Earth-fixed, metres, metres per second, seconds; angles of the result in degrees.
+/// From a radar sample to the ground: satellite state, two-way range time and height above the ellipsoid give the
+/// point. Frame: Earth-fixed, metres, metres per second, seconds; angles of the result in degrees.
 /// Threads: reentrant.
 
 #pragma once

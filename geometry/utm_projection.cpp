@@ -50,8 +50,8 @@ MAP_GEOGRAPHIC UTM_PROJECTION::Inverse(const MAP_POSITION& position) const {
 
     double phi = phi1 - (n1 * tan1 / r1) *
                             (d2 / 2.0 - (5.0 + 3.0 * t1 + 10.0 * c1 - 4.0 * c1 * c1 - 9.0 * ep2_) * d2 * d2 / 24.0 +
-                             (61.0 + 90.0 * t1 + 298.0 * c1 + 45.0 * t1 * t1 - 252.0 * ep2_ - 3.0 * c1 * c1) * d2 *
-                                 d2 * d2 / 720.0);
+                             (61.0 + 90.0 * t1 + 298.0 * c1 + 45.0 * t1 * t1 - 252.0 * ep2_ - 3.0 * c1 * c1) * d2 * d2 *
+                                 d2 / 720.0);
     const double lambda =
         central_meridian_rad_ +
         (d - (1.0 + 2.0 * t1 + c1) * d2 * d / 6.0 +
@@ -94,7 +94,7 @@ MAP_POSITION UTM_PROJECTION::ForwardSeries(const MAP_GEOGRAPHIC& position) const
 }
 
 MAP_POSITION UTM_PROJECTION::Forward(const MAP_GEOGRAPHIC& position) const {
-    constexpr double kLongitudeLimit_rad = 6.0 * kRadiansPerDegree;
+    constexpr double kLongitudeLimit_rad = 7.0 * kRadiansPerDegree;  // a margin to the promised 6
     constexpr double kTolerance_m = 1e-7;
     constexpr int kMaxSteps = 20;
 

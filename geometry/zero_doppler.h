@@ -1,0 +1,64 @@
+/// \file zero_doppler.h
+/// The zero-Doppler iteration itself, on any orbit that answers Position, Velocity and Acceleration for a time and
+/// knows the span of its data (FirstTime, LastTime). CalcSlaveTime is its form for the program's orbits. Times:
+/// seconds; the orbit is evaluated at t + offset_s.
+
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+
+#include "geometry/vector_arithmetic.h"
+
+struct ZERO_DOPPLER {
+    double time_s;
+    double range_m;      ///< |S - P| of the last state evaluated
+    double last_step_s;  ///< 0 when no step was made
+    double residual;     ///< V . (S - P) of the last state evaluated, m^2/s
+    bool converged;
+};
+
+/// Bounds of the estimate, on the caller's time axis.
+struct TIME_WINDOW {
+    double first_s;
+    double last_s;
+};
+
+inline constexpr double kZeroDopplerTolerance = 1e-9;  ///< residual, m^2/s, and step, s
+inline constexpr int kZeroDopplerMaxIterations = 100;
+
+/// V(t) . (S(t) - P) and the line of sight, at one time.
+template <class ORBIT>
+[[nodiscard]] double DopplerResidual(const ORBIT& orbit, double offset_s, const VECTOR_3D<double>& point_m,
+                                     double time_s) {
+    return DotProduct(orbit.Velocity(time_s + offset_s), orbit.Position(time_s + offset_s) - point_m);
+}
+
+/// Newton's method on V . (S - P), slope A . (S - P) + V . V. A step that would leave the window ends on its edge.
+/// Source: the derivative of |S - P|^2 / 2.
+template <class ORBIT>
+[[nodiscard]] ZERO_DOPPLER SolveZeroDoppler(const ORBIT& orbit, double offset_s, const VECTOR_3D<double>& point_m,
+                                            double first_guess_s, const TIME_WINDOW& window) {
+    constexpr double kLongestStep_s = 1e6;
+    ZERO_DOPPLER solution = {first_guess_s, 0.0, 0.0, 0.0, false};
+    for (int iteration = 0; iteration < kZeroDopplerMaxIterations; ++iteration) {
+        const double orbit_time_s = solution.time_s + offset_s;
+        const VECTOR_3D<double> velocity = orbit.Velocity(orbit_time_s);
+        const VECTOR_3D<double> acceleration = orbit.Acceleration(orbit_time_s);
+        const VECTOR_3D<double> sight_m = orbit.Position(orbit_time_s) - point_m;
+        solution.range_m = Length(sight_m);
+        solution.residual = DotProduct(velocity, sight_m);
+        solution.converged = std::abs(solution.residual) <= kZeroDopplerTolerance;
+        if (solution.converged) break;
+
+        const double slope = DotProduct(acceleration, sight_m) + DotProduct(velocity, velocity);
+        // A vanishing slope would divide by zero with the traps on; the window holds whatever step comes out.
+        const bool steep = std::abs(solution.residual) < kLongestStep_s * std::abs(slope);
+        solution.last_step_s = steep ? -solution.residual / slope : std::copysign(kLongestStep_s, -solution.residual);
+        const double next_s = solution.time_s + solution.last_step_s;
+        solution.time_s = std::clamp(next_s, window.first_s, window.last_s);
+        solution.converged = std::abs(solution.last_step_s) <= kZeroDopplerTolerance;
+        if (solution.converged) break;
+    }
+    return solution;
+}

@@ -1,0 +1,86 @@
+#include "geometry/geodetic.h"
+
+#include <gtest/gtest.h>
+
+#include "geometry/constants.h"
+#include "geometry/vector_arithmetic.h"
+
+namespace {
+
+constexpr double kA = 6378137.0;
+constexpr double kB = 6356752.315;
+const double kE2 = SquaredEccentricity(kA, kB);
+
+TEST(GeographicToCartesian, AgreesWithTheClosedFormOnTheAxes) {
+    struct CASE {
+        const char* name;
+        GEOGRAPHIC position;
+        VECTOR_3D<double> expected_m;
+    };
+    const CASE cases[] = {
+        {"equator, Greenwich", {0.0, 0.0, 0.0}, {kA, 0.0, 0.0}},
+        {"equator, 90 west", {-kPi / 2, 0.0, 500.0}, {0.0, -kA - 500.0, 0.0}},
+        {"north pole, 1 km up", {0.0, kPi / 2, 1000.0}, {0.0, 0.0, kB + 1000.0}},
+        {"south pole, below the ellipsoid", {1.0, -kPi / 2, -400.0}, {0.0, 0.0, -kB + 400.0}},
+    };
+    for (const CASE& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_LE(Length(GeographicToCartesian(c.position, kA, kE2) - c.expected_m), 2e-9);
+    }
+}
+
+TEST(CartesianToGeographic, ClosesTheRoundTripEverywhere) {
+    for (double latitude_deg = -90.0; latitude_deg <= 90.0; latitude_deg += 7.5) {
+        for (double longitude_deg = -180.0; longitude_deg <= 180.0; longitude_deg += 45.0) {
+            for (const double height_m : {-10000.0, 0.0, 8848.0, 700e3, 1e7}) {
+                const GEOGRAPHIC position = {longitude_deg * kRadiansPerDegree, latitude_deg * kRadiansPerDegree,
+                                             height_m};
+                const VECTOR_3D<double> point_m = GeographicToCartesian(position, kA, kE2);
+                const GEOGRAPHIC back = CartesianToGeographic(point_m, kA, kE2);
+                EXPECT_LE(Length(GeographicToCartesian(back, kA, kE2) - point_m), 1e-8) << latitude_deg;
+                EXPECT_NEAR(back.latitude_rad, position.latitude_rad, 1e-14) << latitude_deg;
+                EXPECT_NEAR(back.height_m, height_m, 1e-8) << latitude_deg;
+            }
+        }
+    }
+    EXPECT_EQ(CartesianToGeographic({0.0, 0.0, 0.0}, kA, kE2).latitude_rad, 0.0);
+}
+
+/// A quarter turn about z, doubled and shifted: every term of the formula shows in the result.
+constexpr DATUM kQuarterTurn = {
+    false, {100.0, 200.0, 300.0}, 2.0, {{0.0, 1.0, 0.0}, {-1.0, 0.0, 0.0}, {0.0, 0.0, 1.0}}};
+
+TEST(Datum, ScalesTheRotatedVectorAndShiftsLast) {
+    const VECTOR_3D<double> point = DatumForward(kQuarterTurn, {10.0, 20.0, 30.0});
+    EXPECT_LE(Length(point - VECTOR_3D<double>{140.0, 180.0, 360.0}), 1e-12);
+    DATUM shift_only = kQuarterTurn;
+    shift_only.shift_only = true;
+    EXPECT_LE(Length(DatumForward(shift_only, {10.0, 20.0, 30.0}) - VECTOR_3D<double>{110.0, 220.0, 330.0}), 1e-12);
+}
+
+TEST(Datum, InverseClosesAlsoForSmallAngleMatrices) {
+    // Orthonormal to first order only: the transpose as inverse would miss by about a millimetre.
+    const DATUM bessel = {false,
+                          {598.1, 73.7, 418.2},
+                          1.0000067,
+                          {{1.0, -1.18997e-05, 2.18e-07}, {1.18997e-05, 1.0, 9.79e-07}, {-2.18e-07, -9.79e-07, 1.0}}};
+    const VECTOR_3D<double> point_m = {4033000.0, 768000.0, 4863000.0};
+    for (const DATUM& datum : {bessel, kQuarterTurn, DATUM{true, {1.0, 2.0, 3.0}}}) {
+        EXPECT_LE(Length(DatumInverse(datum, DatumForward(datum, point_m)) - point_m), 1e-8);
+    }
+    EXPECT_TRUE(IsRotation(bessel.rotation, 1e-6));
+    EXPECT_TRUE(IsRotation(kQuarterTurn.rotation, 1e-15));
+}
+
+TEST(Datum, RefusesMatricesThatAreNoRotation) {
+    const double mirror[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, -1}};
+    const double stretched[3][3] = {{1.00001, 0, 0}, {0, 1, 0}, {0, 0, 1}};
+    const double sheared[3][3] = {{1, 1e-5, 0}, {0, 1, 0}, {0, 0, 1}};
+    const double zero[3][3] = {};
+    EXPECT_FALSE(IsRotation(mirror, 1e-6));
+    EXPECT_FALSE(IsRotation(stretched, 1e-6));
+    EXPECT_FALSE(IsRotation(sheared, 1e-6));
+    EXPECT_FALSE(IsRotation(zero, 1e-6));
+}
+
+}  // namespace

@@ -1,0 +1,122 @@
+#include "geometry/utm_projection.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "geometry/constants.h"
+#include "geometry/geodetic.h"
+#include "tests/geometry/krueger.h"
+
+namespace {
+
+struct ELLIPSOID {
+    const char* name;
+    double a_m;
+    double e2;
+};
+const ELLIPSOID kWgs84 = {"WGS84", 6378137.0, SquaredEccentricity(6378137.0, 6356752.315)};
+const ELLIPSOID kBessel = {"Bessel", 6377397.155, SquaredEccentricity(6377397.155, 6356078.965)};
+
+double Degrees(double degrees, double minutes, double seconds) {
+    return (degrees + minutes / 60.0 + seconds / 3600.0) * kRadiansPerDegree;
+}
+
+TEST(UtmProjection, AgreesWithPublishedPoints) {
+    // Snyder (1987), pp. 269-272: Clarke 1866, 40 30' N, 73 30' W, printed to 0.1 m from the central meridian 75 W.
+    const UTM_PROJECTION zone18(6378206.4, 0.00676866, 18, false);
+    const MAP_POSITION map = zone18.Forward({-Degrees(73, 30, 0), Degrees(40, 30, 0)});
+    EXPECT_NEAR(map.easting_m - 500000.0, 127106.5, 0.05);
+    EXPECT_NEAR(map.northing_m, 4484124.4, 0.05);
+    const MAP_GEOGRAPHIC back = zone18.Inverse({627106.5, 4484124.4});
+    EXPECT_NEAR(back.longitude_rad, -Degrees(73, 30, 0), Degrees(0, 0, 0.003));
+    EXPECT_NEAR(back.latitude_rad, Degrees(40, 30, 0), Degrees(0, 0, 0.003));
+
+    // CN Tower, Toronto, WGS84, to the metre: 43 38'33.24" N, 79 23'13.7" W is 17 N 630084 4833438.
+    const UTM_PROJECTION zone17(kWgs84.a_m, kWgs84.e2, 17, false);
+    const MAP_POSITION tower = zone17.Forward({-Degrees(79, 23, 13.7), Degrees(43, 38, 33.24)});
+    EXPECT_NEAR(tower.easting_m, 630084.0, 1.0);
+    EXPECT_NEAR(tower.northing_m, 4833438.0, 1.0);
+}
+
+/// Largest errors over latitudes -80..84 within the given distance from the central meridian.
+struct ERRORS {
+    double inverse_m = 0.0;  ///< against the higher-order series
+    double forward_m = 0.0;
+    double closure_m = 0.0;  ///< Forward(Inverse(p)) - p
+};
+
+ERRORS LargestErrors(const ELLIPSOID& ellipsoid, int zone, bool south, double longitude_limit_deg) {
+    const UTM_PROJECTION utm(ellipsoid.a_m, ellipsoid.e2, zone, south);
+    const double meridian_rad = (6.0 * zone - 183.0) * kRadiansPerDegree;
+    ERRORS errors;
+    for (double latitude_deg = -80.0; latitude_deg <= 84.0; latitude_deg += 2.0) {
+        for (double delta_deg = -longitude_limit_deg; delta_deg <= longitude_limit_deg; delta_deg += 0.5) {
+            const double latitude_rad = latitude_deg * kRadiansPerDegree;
+            const double delta_rad = delta_deg * kRadiansPerDegree;
+            const KRUEGER_POSITION truth = KruegerForward(ellipsoid.a_m, ellipsoid.e2, delta_rad, latitude_rad);
+            const MAP_POSITION map = {500000.0 + kUtmScale * truth.easting_m,
+                                      (south ? 1e7 : 0.0) + kUtmScale * truth.northing_m};
+            const MAP_GEOGRAPHIC reached = utm.Inverse(map);
+            const double turned = std::remainder(reached.longitude_rad - meridian_rad - delta_rad, kTwoPi);
+            errors.inverse_m = std::max(
+                errors.inverse_m,
+                std::hypot(turned * std::cos(latitude_rad), reached.latitude_rad - latitude_rad) * ellipsoid.a_m);
+            const MAP_POSITION forward = utm.Forward({meridian_rad + delta_rad, latitude_rad});
+            errors.forward_m = std::max(
+                errors.forward_m, std::hypot(forward.easting_m - map.easting_m, forward.northing_m - map.northing_m));
+            const MAP_POSITION closed = utm.Forward(reached);
+            errors.closure_m = std::max(
+                errors.closure_m, std::hypot(closed.easting_m - map.easting_m, closed.northing_m - map.northing_m));
+        }
+    }
+    return errors;
+}
+
+TEST(UtmProjection, HoldsItsErrorBoundWithinThreeDegrees) {
+    for (const ELLIPSOID& ellipsoid : {kWgs84, kBessel}) {
+        for (const int zone : {1, 32, 60}) {
+            for (const bool south : {false, true}) {
+                SCOPED_TRACE(ellipsoid.name + std::to_string(zone) + (south ? " south" : " north"));
+                const ERRORS errors = LargestErrors(ellipsoid, zone, south, 3.0);
+                EXPECT_LE(errors.inverse_m, kUtmError_m);
+                EXPECT_LE(errors.forward_m, kUtmError_m);
+                EXPECT_LE(errors.closure_m, 1e-6);
+            }
+        }
+    }
+}
+
+TEST(UtmProjection, ClosesTheRoundTripToSixDegrees) {
+    EXPECT_LE(LargestErrors(kWgs84, 33, false, 6.0).closure_m, 1e-6);
+}
+
+TEST(UtmProjection, TakesLongitudesOfAnyTurnAndFoldsItsOwn) {
+    const UTM_PROJECTION zone1(kWgs84.a_m, kWgs84.e2, 1, false);  // central meridian 177 west
+    const MAP_POSITION west = zone1.Forward({-179.0 * kRadiansPerDegree, 0.9});
+    const MAP_POSITION east = zone1.Forward({181.0 * kRadiansPerDegree, 0.9});
+    EXPECT_NEAR(west.easting_m, east.easting_m, 1e-6);
+    // 4 degrees west of the meridian is 179 east.
+    const MAP_GEOGRAPHIC across = zone1.Inverse(zone1.Forward({179.0 * kRadiansPerDegree, 0.9}));
+    EXPECT_NEAR(across.longitude_rad, 179.0 * kRadiansPerDegree, 1e-12);
+    // Far off the map: finite, and far off.
+    for (const double longitude_deg : {-90.0, 0.0, 90.0}) {
+        for (const double latitude_deg : {-90.0, -45.0, 0.0, 90.0}) {
+            const MAP_POSITION far =
+                zone1.Forward({longitude_deg * kRadiansPerDegree, latitude_deg * kRadiansPerDegree});
+            EXPECT_TRUE(std::isfinite(far.easting_m) && std::isfinite(far.northing_m));
+        }
+    }
+}
+
+TEST(UtmProjection, FoldsLatitudesBeyondThePole) {
+    const UTM_PROJECTION zone33(kWgs84.a_m, kWgs84.e2, 33, false);
+    const double quarter_m = kUtmScale * KruegerForward(kWgs84.a_m, kWgs84.e2, 0.0, kPi / 2).northing_m;
+    const MAP_GEOGRAPHIC beyond = zone33.Inverse({500000.0, quarter_m + 1000.0});
+    const MAP_GEOGRAPHIC before = zone33.Inverse({500000.0, quarter_m - 1000.0});
+    EXPECT_NEAR(beyond.latitude_rad, before.latitude_rad, 1e-9);
+    EXPECT_LT(beyond.latitude_rad, kPi / 2);
+}
+
+}  // namespace

@@ -1,0 +1,103 @@
+#include "geometry/zero_doppler.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+#include "geometry/constants.h"
+#include "tests/geometry/circular_orbit.h"
+
+namespace {
+
+/// The time of least range by golden-section search, in long double: knows nothing of velocities.
+long double TimeOfLeastRange(const CIRCULAR_ORBIT<long double>& orbit, const VECTOR_3D<long double>& point_m) {
+    const auto range2 = [&](long double t) {
+        const VECTOR_3D<long double> sight = orbit.Position(t) - point_m;
+        return DotProduct(sight, sight);
+    };
+    const long double ratio = (std::sqrt(5.0L) - 1.0L) / 2.0L;
+    long double low = -90.0L;
+    long double high = 90.0L;
+    while (high - low > 2e-4L) {  // below, the squares differ by their last bits only
+        const long double left = high - ratio * (high - low);
+        const long double right = low + ratio * (high - low);
+        (range2(left) < range2(right) ? high : low) = range2(left) < range2(right) ? right : left;
+    }
+    // The vertex of the parabola through three squared ranges 0.1 s apart takes the minimum far below that.
+    const long double middle = (low + high) / 2.0L;
+    const long double step = 0.05L;
+    const long double before = range2(middle - step);
+    const long double after = range2(middle + step);
+    return middle + 0.5L * step * (before - after) / (before - 2.0L * range2(middle) + after);
+}
+
+TEST(ZeroDoppler, IsTheTimeOfLeastRange) {
+    std::mt19937 random(20120305);
+    SCOPED_TRACE("seed 20120305");
+    std::uniform_real_distribution<double> inclination(0.1, 3.0);
+    std::uniform_real_distribution<double> argument(-3.1, 3.1);
+    std::uniform_real_distribution<double> angle(-0.1, 0.1);
+    std::uniform_real_distribution<double> height(-1000.0, 9000.0);
+    std::uniform_real_distribution<double> guess(-60.0, 60.0);
+    for (int i = 0; i < 300; ++i) {
+        const CIRCULAR_ORBIT<double> orbit = {7071000.0, inclination(random), 0.3, argument(random)};
+        const CIRCULAR_ORBIT<long double> exact = {7071000.0L, orbit.inclination_rad, 0.3L, orbit.argument_rad};
+        // Beside the track, up to 600 km off and 60 s ahead or behind.
+        const VECTOR_3D<double> below = orbit.Position(600.0 * angle(random));
+        const VECTOR_3D<double> across = CrossProduct(below, orbit.Velocity(0.0));
+        const VECTOR_3D<double> aside = below + (angle(random) * Length(below) / Length(across)) * across;
+        const VECTOR_3D<double> point = ((6371000.0 + height(random)) / Length(aside)) * aside;
+
+        const ZERO_DOPPLER zero = SolveZeroDoppler(orbit, 0.0, point, guess(random), {-300.0, 300.0});
+        const VECTOR_3D<long double> exact_point = {point.x, point.y, point.z};
+        const long double least_s = TimeOfLeastRange(exact, exact_point);
+        EXPECT_TRUE(zero.converged);
+        EXPECT_NEAR(zero.time_s, static_cast<double>(least_s), 2e-8);
+        EXPECT_NEAR(zero.range_m, static_cast<double>(Length(exact.Position(least_s) - exact_point)), 1e-8);
+        EXPECT_GE(DopplerResidual(orbit, 0.0, point, zero.time_s + 1.0), 0.0);
+    }
+}
+
+TEST(ZeroDoppler, ReturnsAPerfectGuessUnchanged) {
+    // Over the equator, flying along it: the point straight below t = 0 has no Doppler at all there.
+    CIRCULAR_ORBIT<double> orbit = {7071000.0, 0.0, 0.0, 0.0};
+    const ZERO_DOPPLER zero = SolveZeroDoppler(orbit, 0.0, {6378137.0, 0.0, 0.0}, 0.0, {-100.0, 100.0});
+    EXPECT_TRUE(zero.converged);
+    EXPECT_EQ(zero.time_s, 0.0);
+    EXPECT_EQ(zero.last_step_s, 0.0);
+    EXPECT_NEAR(zero.range_m, 7071000.0 - 6378137.0, 1e-9);
+}
+
+TEST(ZeroDoppler, CountsTimesFromTheHandlesOwnInstant) {
+    const CIRCULAR_ORBIT<double> orbit;
+    const VECTOR_3D<double> point = (6371000.0 / 7071000.0) * orbit.Position(20.0);
+    const ZERO_DOPPLER plain = SolveZeroDoppler(orbit, 0.0, point, 0.0, {-100.0, 100.0});
+    const ZERO_DOPPLER shifted = SolveZeroDoppler(orbit, -57.25, point, 57.25, {-100.0, 200.0});
+    EXPECT_NEAR(shifted.time_s, plain.time_s + 57.25, 2e-9);
+}
+
+/// Counts its evaluations and stands still: no Doppler slope anywhere.
+struct STANDING_ORBIT {
+    mutable int evaluations = 0;
+    VECTOR_3D<double> velocity{0.0, 0.0, 0.0};
+    VECTOR_3D<double> Position(double) const {
+        ++evaluations;
+        return {7e6, 0.0, 0.0};
+    }
+    VECTOR_3D<double> Velocity(double) const { return velocity; }
+    VECTOR_3D<double> Acceleration(double) const { return {-velocity.x * velocity.x / 6e5, 0.0, 0.0}; }
+};
+
+TEST(ZeroDoppler, EndsWithinTheWindowWhereThereIsNoSolution) {
+    // A vanishing slope A . (S - P) + V . V with a residual that is not 0.
+    STANDING_ORBIT orbit;
+    orbit.velocity = {1000.0, 0.0, 0.0};
+    const ZERO_DOPPLER zero = SolveZeroDoppler(orbit, 0.0, {6.4e6, 0.0, 0.0}, 5.0, {-10.0, 30.0});
+    EXPECT_FALSE(zero.converged);
+    EXPECT_EQ(zero.time_s, -10.0);
+    EXPECT_EQ(orbit.evaluations, kZeroDopplerMaxIterations);
+    EXPECT_EQ(zero.range_m, 6e5);
+}
+
+}  // namespace
