@@ -3,16 +3,13 @@
 
 #pragma once
 
-#include <cstdint>
+#include "simulation/thread_arg.h"
 
-/// One block of DEM rows; the common fields of every thread argument and nothing else.
-struct DEM2PHASE_ARG {
-    std::uint64_t status = 0;  ///< 0: ended well
-    std::uint32_t start = 0;   ///< first DEM row
-    std::uint32_t length = 0;  ///< number of DEM rows
-    std::uint32_t thread_number = 0;
-};
+/// One block of DEM rows; the scene reaches the kernel beside it (SCENE_IN_USE).
+struct DEM2PHASE_ARG : THREAD_ARG {};
 
-/// Start routine of a worker thread: simulates the rows of its DEM2PHASE_ARG of the scene in use (SCENE_IN_USE).
-/// A failure of any kind leaves a non-zero status, after its reason was logged. Returns nullptr.
+/// Start routine of a worker thread: simulates the rows of its DEM2PHASE_ARG in the scene in use.
+/// Rows start <= row < start + length, each with the cells between it and the next row.
+/// Errors: what the geometry throws ends the routine; the runner turns it into the thread's status.
+/// @return nullptr
 void* DEM2PHASE_Thread(void* dem2phase_arg);

@@ -11,7 +11,9 @@
 
 namespace {
 
-bool IsKind(const DEM_GRID& dem, const char* kind) { return strcasecmp(dem.kind.c_str(), kind) == 0; }
+bool IsKind(const DEM_GRID& dem, const char* kind) {
+    return strcasecmp(dem.kind.c_str(), kind) == 0;
+}
 
 [[noreturn]] void RefuseKind(const DEM_GRID& dem) {
     Log().Message(LOGGING_LEVEL::ALARM, "DEM grid must be UTM or GEO : %s", dem.kind.c_str());

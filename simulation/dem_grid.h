@@ -34,14 +34,14 @@ struct DEM_GRID {
 void Get_Earth_Position_From_DEM(const DEM_GRID& dem, int column, int row, double& x_m, double& y_m, double& z_m,
                                  float* height_m = nullptr);
 
-/// Geographic position to fractional indices of a "GEO" grid. One whole turn at most is taken off or added; a caller that
-/// needs the turn in which the DEM is written uses LocateInDem.
+/// Geographic position to fractional indices of a "GEO" grid. One whole turn at most is taken off or added; a caller
+/// that needs the turn in which the DEM is written uses LocateInDem.
 /// Errors: a "UTM" grid is logged at ALARM, then ERROR_NOT_IMPLEMENTED; another kind of grid: ERROR_DATA.
 void Get_Local_DEM_From_GEO(const DEM_GRID& dem, double& column, double& row, double longitude_deg,
                             double latitude_deg);
 
-/// Earth-fixed position (frame of the orbits) to fractional indices (x: column, y: row) of a "GEO" or "UTM" grid: through
-/// the inverse of the datum onto the DEM's own ellipsoid, then onto the map. A geographic column is moved by whole turns
-/// to the value nearest the DEM's middle, whatever range of longitudes (-180..180, 0..360, above 180) the DEM is written
-/// in: a point just outside the western edge has a small negative column.
+/// Earth-fixed position (frame of the orbits) to fractional indices (x: column, y: row) of a "GEO" or "UTM" grid:
+/// through the inverse of the datum onto the DEM's own ellipsoid, then onto the map. A geographic column is moved by
+/// whole turns to the value nearest the DEM's middle, whatever range of longitudes (-180..180, 0..360, above 180) the
+/// DEM is written in: a point just outside the western edge has a small negative column.
 [[nodiscard]] POINT<double> LocateInDem(const DEM_GRID& dem, const VECTOR_3D<double>& point_m);

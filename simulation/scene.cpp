@@ -19,7 +19,9 @@ SCENE_IN_USE::SCENE_IN_USE(const SCENE& scene) {
     }
 }
 
-SCENE_IN_USE::~SCENE_IN_USE() { current_scene.store(nullptr); }
+SCENE_IN_USE::~SCENE_IN_USE() {
+    current_scene.store(nullptr);
+}
 
 const SCENE& CurrentScene() {
     const SCENE* scene = current_scene.load();

@@ -1,7 +1,7 @@
 /// \file scene.h
 /// All that the phase kernel reads, and the grids that it writes. The program fills one SCENE before the threads start.
-/// Threads: the scene is const while they run. The grids that its pointers reach are shared: a cell owns a pixel, in every
-/// grid, once it has claimed the pixel's mask byte (see radar_solution.h).
+/// Threads: the scene is const while they run. The grids that its pointers reach are shared: a cell owns a pixel, in
+/// every grid, once it has claimed the pixel's mask byte (see radar_solution.h).
 
 #pragma once
 
@@ -18,10 +18,10 @@ struct ACQUISITION_SCENE {
     double last_azimuth_time_s = 0.0;
     double near_range_time_s = 0.0;
     double far_range_time_s = 0.0;
-    double prf_hz = 0.0;                        ///< azimuth sampling rate, lines per second
-    double azimuth_sampling_interval_s = 0.0;   ///< 1 / prf_hz
-    double rsf_hz = 0.0;                        ///< range sampling rate
-    double range_sampling_interval_s = 0.0;     ///< 1 / rsf_hz
+    double prf_hz = 0.0;                       ///< azimuth sampling rate, lines per second
+    double azimuth_sampling_interval_s = 0.0;  ///< 1 / prf_hz
+    double rsf_hz = 0.0;                       ///< range sampling rate
+    double range_sampling_interval_s = 0.0;    ///< 1 / rsf_hz
     double carrier_frequency_hz = 0.0;
     double azimuth_bandwidth_hz = 0.0;
 };
@@ -71,7 +71,8 @@ struct SHIFT_GRIDS {
     [[nodiscard]] bool Wanted() const { return range != nullptr && azimuth != nullptr; }
 };
 
-/// Earth-fixed coordinates (metres) and DEM height (metres), each on its own if wanted, one size and one pair of factors.
+/// Earth-fixed coordinates (metres) and DEM height (metres), each on its own if wanted, one size and one pair of
+/// factors.
 struct EARTH_GRIDS {
     int azimuth_factor = 1;
     int range_factor = 1;
