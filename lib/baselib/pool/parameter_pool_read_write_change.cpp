@@ -1,0 +1,33 @@
+#include "lib/baselib/pool/parameter_pool_read_write_change.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "lib/baselib/pool/pool_update.h"
+
+PARAMETER_POOL_READ_WRITE_CHANGE::PARAMETER_POOL_READ_WRITE_CHANGE(const std::string& path) {
+    Log().Message(LOGGING_LEVEL::DEBUG, "construct pool_rwc: %s", path.c_str());
+    Open(path);
+    if (IsWritable()) return;
+    Log().Message(LOGGING_LEVEL::ALARM, "can not open pool file for update %s", path.c_str());
+    throw CAN_NOT_OPEN_POOL();
+}
+
+void PARAMETER_POOL_READ_WRITE_CHANGE::Update() {
+    if (pending_.IsEmpty()) return;
+    FILE* const stream = Stream();
+    if (!IsWritable() || faccessat(AT_FDCWD, FileName().c_str(), W_OK, AT_EACCESS) != 0) {
+        Log().Message(LOGGING_LEVEL::ALARM, "no permission to change pool file: %s", FileName().c_str());
+        throw NO_UPDATE_PERMISSION_FOR_POOL();
+    }
+    POOL_UPDATE update(stream, FileName(), Directory());
+    CountUpdate();
+    try {
+        update.Run(pending_);
+    } catch (...) {
+        // What is missing in the pool now stands in the temporary file; a further update would seal the loss.
+        if (update.HasTruncatedPool()) ForbidUpdates();
+        throw;
+    }
+    pending_.Clear();
+}

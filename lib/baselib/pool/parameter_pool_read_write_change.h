@@ -1,0 +1,39 @@
+/// \file parameter_pool_read_write_change.h
+/// A pool whose entries can be changed: Change() collects, Update() writes all collected entries into the file at once.
+/// The destructor writes nothing: who wants the changes calls Update() and hears of its failure.
+
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "lib/baselib/pool/parameter_pool.h"
+#include "lib/baselib/pool/parameter_pool_list.h"
+
+class PARAMETER_POOL_READ_WRITE_CHANGE : public PARAMETER_POOL {
+  public:
+    /// @throws CAN_NOT_OPEN_POOL, also for a file that can only be read
+    explicit PARAMETER_POOL_READ_WRITE_CHANGE(const std::string& path);
+
+    /// Notes the entry's new value; reading sees it after Update().
+    /// @param comments lines to stand above the entry
+    /// @throws INVALID_PARAMETER_VALUE, PARAMETER_KEY_TOO_LONG or ERROR_ARGUMENT for what the format cannot hold
+    template <class T>
+    void Change(const std::string& key, const T& value, std::vector<std::string> comments = {}) {
+        static_assert(kPoolType<T> != 0, "no type of pool values");
+        PARAMETER_POOL_ITEM item{key, POOL_TYPE(kPoolType<T>), PoolValueText(value), std::move(comments)};
+        item.Check();
+        pending_.Put(std::move(item));
+    }
+
+    /// Writes the collected entries: an entry of the file is replaced in place (the first one of its key), further ones
+    /// follow at the end of the file. Every other line stays byte for byte.
+    /// The new content is complete on disk, in a temporary file beside the pool, before the pool is truncated.
+    /// @throws NO_UPDATE_PERMISSION_FOR_POOL, CORRUPTED_PARAMETER_POOL (the pool is unchanged), ERROR_I_O,
+    ///         ERROR_PARAMETER_POOL; the entries then stay collected
+    void Update();
+
+  private:
+    PARAMETER_POOL_LIST pending_;
+};
