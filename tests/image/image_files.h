@@ -1,5 +1,5 @@
 /// \file image_files.h
-/// Help for tests on image files: a folder of their own, whole files as strings, bytes written in hexadecimal.
+/// Help for tests on image files: a folder of their own, whole files as strings, bytes written in hexadecimal, the log.
 
 #pragma once
 
@@ -51,4 +51,12 @@ inline std::string Bytes(const std::string& hexadecimal) {
         bytes += static_cast<char>(std::stoi(digits.substr(i, 2), nullptr, 16));
     }
     return bytes;
+}
+
+/// What the action logs on the screen.
+template <class ACTION>
+std::string LogOf(const ACTION& action) {
+    testing::internal::CaptureStdout();
+    action();
+    return testing::internal::GetCapturedStdout();
 }

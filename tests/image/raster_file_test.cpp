@@ -1,12 +1,27 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <string>
 
+#include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/image/mem_mgr.h"
+#include "lib/baselib/image/system_error_text.h"
 #include "tests/image/image_files.h"
 
 namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
 
 struct PIXEL_CASE {
     PIXEL_TYPE pixel_type;
@@ -68,6 +83,294 @@ TEST(RasterFile, EveryPixelTypeIsSavedMappedAndCopiedByteForByte) {
         EXPECT_EQ(STORAGE_STATE::IN_MEMORY, copy.Storage());
         EXPECT_EQ(pixels, std::string(reinterpret_cast<const char*>(copy.Data()), pixels.size()));
     }
+}
+
+TEST(RasterFile, TheWorkedExampleOfTheDocumentIsWhatTheProgramWritesAndReads) {
+    std::string example;
+    std::ifstream document(std::string(VELMORA_SOURCE_DIR) + "/docs/raster_files.md");
+    for (std::string line; std::getline(document, line);) {
+        if (line.rfind("59a66a95 ", 0) == 0) example = line.substr(0, line.find("  "));
+    }
+    example.erase(std::remove(example.begin(), example.end(), '|'), example.end());
+    ASSERT_NE("", example);
+    const SCRATCH_FOLDER folder;
+    const std::string path = folder.Path("example.ras");
+    WriteFile(path, Bytes(example));
+    MEM_MGR image;
+    image.MapInt16(path, ACCESS_MODE::READ_ONLY);
+    ASSERT_EQ(2, image.Columns());
+    ASSERT_EQ(1, image.Rows());
+    EXPECT_EQ(1, image.GetNumRecMatrix<std::int16_t>()[0][0]);
+    EXPECT_EQ(-2, image.GetNumRecMatrix<std::int16_t>()[0][1]);
+    image.SaveSunRasterFile(folder.Path("again.ras"), 0666);
+    EXPECT_EQ(Bytes(example), FileBytes(folder.Path("again.ras")));
+}
+
+TEST(RasterFile, AnImageWithoutPixelsIsABareHeader) {
+    const SCRATCH_FOLDER folder;
+    for (const auto& [columns, rows] : {std::pair{0, 0}, {0, 3}, {3, 0}}) {
+        MEM_MGR image;
+        image.Allocate(0, 0, columns - 1, rows - 1, PIXEL_TYPE::FLT_15);
+        const std::string path = folder.Path("empty");
+        image.SaveSunRasterFile(path, 0666);
+        const std::string expected = Bytes("59a66a95 0000000" + std::to_string(columns) + "0000000" +
+                                           std::to_string(rows) + "00000040 00000000 00000062 00000000 00000000");
+        EXPECT_EQ(expected, FileBytes(path));
+        image.MapFlt15(path, ACCESS_MODE::READ_ONLY);
+        EXPECT_EQ(columns, image.Columns());
+        EXPECT_EQ(rows, image.Rows());
+        EXPECT_THAT(LogOf([&] {
+                        EXPECT_THROW(image.MapFileChecked(path, ACCESS_MODE::READ_ONLY, PIXEL_TYPE::FLT_15),
+                                     ERROR_IMAGE);
+                    }),
+                    HasSubstr(path + ": the image has no pixels"));
+        image.CreateFile(path, columns, rows, PIXEL_TYPE::FLT_15);
+        image.Flush(MS_SYNC);
+        EXPECT_EQ(expected, FileBytes(path));
+    }
+}
+
+TEST(RasterFile, AColourMapLiesBetweenHeaderAndPixels) {
+    const SCRATCH_FOLDER folder;
+    const std::string path = folder.Path("colours");
+    // 7 bytes: three parts of 2, one byte left over.
+    WriteFile(path, Bytes("59a66a95 00000002 00000001 00000008 00000002 00000001 00000001 00000007"
+                          "0102 0304 0506 07 aabb"));
+    MEM_MGR image;
+    image.MapUInt8(path, ACCESS_MODE::READ_ONLY);
+    EXPECT_EQ(39, image.HeaderSize());
+    EXPECT_EQ(0xbb, image.GetNumRecMatrix<std::uint8_t>()[0][1]);
+    const COLOUR_MAP map = image.ColourMap();
+    EXPECT_EQ(2, map.entries);
+    EXPECT_EQ(1, map.red[0]);
+    EXPECT_EQ(3, map.green[0]);
+    EXPECT_EQ(6, map.blue[1]);
+    const MEM_MGR copy(image);
+    image.Free();
+    EXPECT_EQ(COLOUR_MAP_OWNER::ARRAY_DELETE, copy.ColourMap().owner);
+    EXPECT_EQ(4, copy.ColourMap().green[1]);
+    // Wider pixels at an odd byte: mapped and copied, but no pointer to them is given out.
+    WriteFile(path, Bytes("59a66a95 00000001 00000001 00000010 00000002 00000001 00000001 00000003 010203 aabb"));
+    image.MapInt16(path, ACCESS_MODE::READ_ONLY);
+    EXPECT_THROW(image.GetNumRecMatrix<std::int16_t>(), ERROR_IMAGE);
+    MEM_MGR aligned(image);
+    EXPECT_EQ(static_cast<std::int16_t>(0xbbaa), aligned.GetNumRecMatrix<std::int16_t>()[0][0]);
+}
+
+TEST(RasterFile, OnlyWidthHeightAndMapLengthDecideWhetherAFileIsMapped) {
+    struct CASE {
+        const char* name;
+        const char* file;
+        bool mapped;
+        const char* log;  ///< of the checked mapping
+    };
+    const char* const kPixels = "00000000 0000";
+    const CASE cases[] = {
+        {"as it should be", "59a66a95 00000001 00000003 00000010 00000006 00000001 00000000 00000000", true, ""},
+        {"length 0", "59a66a95 00000001 00000003 00000010 00000000 00000001 00000000 00000000", true, ""},
+        {"wrong magic", "12345678 00000001 00000003 00000010 00000006 00000001 00000000 00000000", true,
+         "magic 0x12345678"},
+        {"wrong depth", "59a66a95 00000001 00000003 00000020 00000006 00000001 00000000 00000000", true, "depth 32"},
+        {"wrong length", "59a66a95 00000001 00000003 00000010 00000007 00000001 00000000 00000000", true, "length 7"},
+        {"wrong type", "59a66a95 00000001 00000003 00000010 00000006 ffffffff 00000000 00000000", true, ""},
+        {"a row too many", "59a66a95 00000001 00000004 00000010 00000006 00000001 00000000 00000000", false,
+         "too short"},
+        {"a byte too many", "59a66a95 00000001 00000003 00000010 00000006 00000001 00000001 00000001", false,
+         "too short"},
+        {"2^64 bytes", "59a66a95 ffffffff ffffffff 00000010 00000006 00000001 00000000 00000000", false, "too short"},
+        {"map of 4 GiB", "59a66a95 00000001 00000003 00000010 00000006 00000001 00000001 ffffffff", false,
+         "too short"}};
+    const SCRATCH_FOLDER folder;
+    const std::string path = folder.Path("file");
+    for (const CASE& c : cases) {
+        SCOPED_TRACE(c.name);
+        WriteFile(path, Bytes(std::string(c.file) + kPixels));
+        MEM_MGR image;
+        const auto map = [&] { image.MapFile(path, ACCESS_MODE::READ_WRITE, PIXEL_TYPE::INT_16); };
+        const auto map_checked = [&] { image.MapFileChecked(path, ACCESS_MODE::READ_ONLY, PIXEL_TYPE::INT_16); };
+        if (c.mapped) {
+            EXPECT_THAT(LogOf(map), Not(HasSubstr(path)));
+            EXPECT_EQ(3, image.Rows());
+            EXPECT_THAT(LogOf(map_checked), HasSubstr(c.log));
+        } else {
+            EXPECT_THAT(LogOf([&] { EXPECT_THROW(map(), ERROR_IMAGE); }), HasSubstr(path + ": too short"));
+            EXPECT_THROW(map_checked(), ERROR_IMAGE);
+            EXPECT_EQ(STORAGE_STATE::EMPTY, image.Storage());
+        }
+    }
+}
+
+TEST(RasterFile, MappingFailures) {
+    const SCRATCH_FOLDER folder;
+    const std::string missing = folder.Path("missing");
+    MEM_MGR image;
+    EXPECT_EQ(
+        "DEBUG : global : map file with access mode 2\nDEBUG : global : map file with prot flag 3\n"
+        "\033[7mALARM : global : MEM_MGR: can not open: " +
+            missing +
+            "\n\033[0m"
+            "\033[7mALARM : global : ENOENT: see: man page of open\n\033[0m"
+            "\033[7mALARM : global : " +
+            missing + ": No such file or directory\n\033[0m",
+        LogOf([&] { EXPECT_THROW(image.MapRgb(missing, ACCESS_MODE::READ_WRITE), ERROR_CAN_NOT_OPEN_FILE); }));
+    ASSERT_EQ(0, mkfifo(folder.Path("fifo").c_str(), 0600));
+    WriteFile(folder.Path("short"), std::string(31, 'x'));
+    WriteFile(folder.Path("file"), Bytes("59a66a95 00000000 00000000 00000010 00000000 00000001 00000000 00000000"));
+    const std::pair<std::string, ACCESS_MODE> unreadable[] = {{folder.Path("short"), ACCESS_MODE::READ_ONLY},
+                                                              {folder.Path("fifo"), ACCESS_MODE::READ_ONLY},
+                                                              {folder.Path(""), ACCESS_MODE::READ_ONLY},
+                                                              {folder.Path("file"), ACCESS_MODE::WRITE_ONLY}};
+    for (const auto& [path, mode] : unreadable) {
+        EXPECT_THAT(LogOf([&] { EXPECT_THROW(image.MapUInt8(path, mode), ERROR_CAN_NOT_READ_FILE); }),
+                    HasSubstr("MEM_MGR: can not read header from: " + path + "\n"));
+    }
+}
+
+TEST(RasterFile, OpenErrorsHaveTheirLines) {
+    const std::pair<int, const char*> named[] = {{EACCES, "EACCES"},
+                                                 {EAGAIN, "EAGAIN"},
+                                                 {EEXIST, "EEXIST"},
+                                                 {EFAULT, "EFAULT"},
+                                                 {EINTR, "EINTR"},
+                                                 {EIO, "EIO"},
+                                                 {EISDIR, "EISDIR"},
+                                                 {ELOOP, "ELOOP"},
+                                                 {EMFILE, "EMFILE"},
+                                                 {EMULTIHOP, "EMULTIHOP"},
+                                                 {ENAMETOOLONG, "ENAMETOOLONG"},
+                                                 {ENFILE, "ENFILE"},
+                                                 {ENOENT, "ENOENT"},
+                                                 {ENOLINK, "ENOLINK"},
+                                                 {ENOMEM, "ENOMEM"},
+                                                 {ENOSPC, "ENOSPC"},
+                                                 {ENOSR, "ENOSR"},
+                                                 {ENOTDIR, "ENOTDIR"},
+                                                 {ENXIO, "ENXIO"}};
+    for (const auto& [number, name] : named) {
+        EXPECT_EQ(std::string(name) + ": see: man page of open", OpenErrorText(number));
+    }
+    EXPECT_STREQ("open unknown system error code", OpenErrorText(EROFS));
+}
+
+TEST(RasterFile, OutputsReplaceFilesAndFollowLinks) {
+    const SCRATCH_FOLDER folder;
+    const mode_t mask = umask(0027);
+    MEM_MGR image;
+    image.Allocate(0, 0, 1, 1, PIXEL_TYPE::INT_16);
+    const std::string target = folder.Path("target");
+    ASSERT_EQ(0, symlink("target", folder.Path("link").c_str()));
+    WriteFile(folder.Path("created"), std::string(5000, 'x'));
+    for (int pass = 0; pass < 2; ++pass) {
+        image.SaveSunRasterFile(folder.Path("link"), 0666);
+        EXPECT_EQ(40U, FileBytes(target).size());
+        EXPECT_TRUE(std::filesystem::is_symlink(folder.Path("link")));
+        struct stat status {};
+        ASSERT_EQ(0, stat(target.c_str(), &status));
+        EXPECT_EQ(0640U, status.st_mode & 0777U);
+        WriteFile(target, std::string(5000, 'x'));
+    }
+    MEM_MGR created;
+    created.CreateFile(folder.Path("created"), 2, 2, PIXEL_TYPE::INT_16);
+    created.GetNumRecMatrix<std::int16_t>()[1][1] = 0x0102;
+    created.Free();
+    EXPECT_EQ(Bytes("59a66a95 00000002 00000002 00000010 00000008 00000001 00000000 00000000 0000 0000 0000 0201"),
+              FileBytes(folder.Path("created")));
+    umask(mask);
+}
+
+TEST(RasterFile, OutputFailuresNameThePathAndDamageNothing) {
+    const SCRATCH_FOLDER folder;
+    const std::string plain = folder.Path("plain");
+    WriteFile(plain, "user's own");
+    ASSERT_EQ(0, mkfifo(folder.Path("fifo").c_str(), 0600));
+    MEM_MGR image;
+    image.Allocate(0, 0, 9, 9, PIXEL_TYPE::U_INT_8);
+    for (const std::string& path : {plain + "/below", folder.Path("no/folder"), folder.Path(""), folder.Path("fifo")}) {
+        SCOPED_TRACE(path);
+        EXPECT_THAT(LogOf([&] { EXPECT_THROW(image.SaveSunRasterFile(path, 0666), ERROR_CAN_NOT_OPEN_FILE); }),
+                    HasSubstr("MEM_MGR: can not open: " + path + "\n"));
+        MEM_MGR created;
+        EXPECT_THAT(LogOf([&] {
+                        EXPECT_THROW(created.CreateFile(path, 9, 9, PIXEL_TYPE::U_INT_8), ERROR_CAN_NOT_CREATE_FILE);
+                    }),
+                    testing::AllOf(HasSubstr("creating file with dimensions 9 x 9: " + path), HasSubstr(path + ": ")));
+    }
+    EXPECT_THAT(LogOf([&] { EXPECT_THROW(image.SaveSunRasterFile("/dev/full", 0666), ERROR_CAN_NOT_WRITE_FILE); }),
+                HasSubstr("MEM_MGR: can not save header for /dev/full\n"));
+    EXPECT_THAT(LogOf([&] { EXPECT_THROW(MEM_MGR().SaveSunRasterFile(plain, 0666), ERROR_ALGORITHM); }),
+                HasSubstr("MEM_MGR: unknown data type\n"));
+    EXPECT_EQ("user's own", FileBytes(plain));
+
+    const std::string own = folder.Path("own");
+    image.SaveSunRasterFile(own, 0666);
+    ASSERT_EQ(0, link(own.c_str(), folder.Path("other name").c_str()));
+    image.MapUInt8(own, ACCESS_MODE::READ_ONLY);
+    EXPECT_THROW(image.SaveSunRasterFile(folder.Path("other name"), 0666), ERROR_CAN_NOT_OPEN_FILE);
+    EXPECT_EQ(132U, FileBytes(own).size());
+}
+
+TEST(RasterFile, SizesBeyondTheHeadersWordsAreRefusedBeforeAnythingIsCreated) {
+    const SCRATCH_FOLDER folder;
+    const std::string path = folder.Path("huge");
+    constexpr long long kTwo32 = 1LL << 32;
+    const std::pair<long long, long long> sizes[] = {
+        {kTwo32 / 4, 1}, {1, kTwo32 / 4}, {65536, 16384}, {kTwo32, 0}, {0, kTwo32}, {-1, 4}, {1LL << 62, 1LL << 62}};
+    for (const auto& [columns, rows] : sizes) {
+        MEM_MGR image;
+        EXPECT_THAT(LogOf([&, columns = columns, rows = rows] {
+                        EXPECT_THROW(image.CreateFile(path, columns, rows, PIXEL_TYPE::FLT_6), ERROR_IMAGE);
+                    }),
+                    HasSubstr(path + ": a raster file can not hold"));
+        EXPECT_FALSE(std::filesystem::exists(path));
+    }
+}
+
+TEST(RasterFile, AFullDiskIsAnErrorBeforeAnyPixelIsTouched) {
+    const SCRATCH_FOLDER folder;
+    std::filesystem::create_directory(folder.Path("disk"));
+    if (mount("none", folder.Path("disk").c_str(), "tmpfs", 0, "size=1m") != 0) {
+        GTEST_SKIP() << "no right to mount a small disk: " << std::strerror(errno);
+    }
+    const std::string path = folder.Path("disk/image");
+    MEM_MGR image;
+    EXPECT_THAT(
+        LogOf([&] { EXPECT_THROW(image.CreateFile(path, 1024, 1024, PIXEL_TYPE::INT_16), ERROR_NO_DISK_SPACE); }),
+        HasSubstr(path + ": no room for an image of 1024 x 1024 pixels, 2097184 bytes: No space left on device"));
+    EXPECT_FALSE(std::filesystem::exists(path)) << "the file of a failed creation is removed";
+    ASSERT_EQ(0, symlink("target", path.c_str()));
+    EXPECT_THROW(image.CreateFile(path, 1024, 1024, PIXEL_TYPE::INT_16), ERROR_NO_DISK_SPACE);
+    EXPECT_TRUE(std::filesystem::is_symlink(path)) << "a link to the output stays";
+    EXPECT_FALSE(std::filesystem::exists(folder.Path("disk/target")));
+
+    image.Allocate(0, 0, 1023, 1023, PIXEL_TYPE::INT_16);
+    EXPECT_THAT(LogOf([&] { EXPECT_THROW(image.SaveSunRasterFile(path, 0666), ERROR_CAN_NOT_WRITE_FILE); }),
+                HasSubstr("MEM_MGR: unable to write into: " + path + "\n"));
+    EXPECT_GT(FileBytes(path).size(), 500000U) << "what was written stays";
+    umount(folder.Path("disk").c_str());
+}
+
+TEST(RasterFileDeathTest, AFailedMmapHasItsLines) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "a sanitizer can not live with little address space";
+#endif
+    const SCRATCH_FOLDER folder;
+    const std::string path = folder.Path("large");
+    WriteFile(path, Bytes("59a66a95 00010000 00004000 00000008 00000000 00000001 00000000 00000000"));
+    ASSERT_EQ(0, truncate(path.c_str(), 32 + (1LL << 30)));
+    const auto map_in_little_memory = [&] {
+        dup2(STDERR_FILENO, STDOUT_FILENO);
+        const rlimit limit{512 << 20, 512 << 20};
+        setrlimit(RLIMIT_AS, &limit);
+        MEM_MGR image;
+        try {
+            image.MapUInt8(path, ACCESS_MODE::READ_ONLY);
+        } catch (const ERROR_CAN_NOT_MMAP&) {
+            _exit(7);
+        }
+    };
+    EXPECT_EXIT(
+        map_in_little_memory(), testing::ExitedWithCode(7),
+        "ALARM : global : MEM_MGR: mmap: mmap failed..\n.*MEM_MGR: Cannot allocate memory\n(.|\n)*large: can not");
 }
 
 }  // namespace

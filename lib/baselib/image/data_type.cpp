@@ -1,48 +1,36 @@
 #include "lib/baselib/image/data_type.h"
 
-#include <vector>
-
-#include "lib/baselib/errors/error_exception.h"
-#include "lib/baselib/logging/logging.h"
+#include <cstddef>
+#include <iterator>
 
 namespace BASIC::TYPES {
 
 namespace {
 
-struct ROW {
-    std::string name;
-    int size_bytes;
-};
+constexpr ENUM_BASE::ROW kNames[] = {
+    {0, "int_8"},     {1, "u_int_8"},     {2, "int_16"},    {3, "u_int_16"},    {4, "int_32"},    {5, "u_int_32"},
+    {6, "int_64"},    {7, "u_int_64"},    {8, "flt_2"},     {9, "flt_6"},       {10, "flt_15"},   {11, "flt_30"},
+    {12, "c_int_8"},  {13, "c_u_int_8"},  {14, "c_int_16"}, {15, "c_u_int_16"}, {16, "c_int_32"}, {17, "c_u_int_32"},
+    {18, "c_int_64"}, {19, "c_u_int_64"}, {20, "c_flt_2"},  {21, "c_flt_6"},    {22, "c_flt_15"}, {23, "c_flt_30"},
+    {24, "rgb"},      {25, "others"}};
 
-const std::vector<ROW>& Table() {
-    static const std::vector<ROW> table = {
-        {"int_8", 1},      {"u_int_8", 1},   {"int_16", 2},     {"u_int_16", 2},  {"int_32", 4},
-        {"u_int_32", 4},   {"int_64", 8},    {"u_int_64", 8},   {"flt_2", 2},     {"flt_6", 4},
-        {"flt_15", 8},     {"flt_30", 16},   {"c_int_8", 2},    {"c_u_int_8", 2}, {"c_int_16", 4},
-        {"c_u_int_16", 4}, {"c_int_32", 8},  {"c_u_int_32", 8}, {"c_int_64", 16}, {"c_flt_2", 4},
-        {"c_flt_6", 8},    {"c_flt_15", 16}, {"c_flt_30", 32},  {"rgb", 3},       {"others", 0}};
-    return table;
-}
+/// By code.
+constexpr int kSizesBytes[] = {1, 1, 2, 2, 4, 4, 8, 8, 2, 4, 8, 16, 2, 2, 4, 4, 8, 8, 16, 16, 4, 8, 16, 32, 3, 0};
 
-int IdOf(const std::string& name) {
-    const std::vector<ROW>& table = Table();
-    for (std::size_t id = 0; id < table.size(); ++id) {
-        if (table[id].name == name) return static_cast<int>(id);
-    }
-    Log().Message(LOGGING_LEVEL::ALARM, "data type \"%s\" is not known", name.c_str());
-    throw ERROR_ARGUMENT();
-}
+static_assert(std::size(kNames) == std::size(kSizesBytes));
 
 }  // namespace
 
 DATA_TYPE::DATA_TYPE() : DATA_TYPE("others") {}
-DATA_TYPE::DATA_TYPE(const std::string& name) : id_(IdOf(name)) {}
-
-const std::string& DATA_TYPE::Text() const {
-    return Table()[static_cast<std::size_t>(id_)].name;
+DATA_TYPE::DATA_TYPE(const std::string& name) {
+    AssignText(name, true);
 }
-int DATA_TYPE::Size() const {
-    return Table()[static_cast<std::size_t>(id_)].size_bytes;
+
+std::span<const ENUM_BASE::ROW> DATA_TYPE::Rows() const {
+    return kNames;
+}
+void DATA_TYPE::RowAssigned() {
+    size_bytes_ = kSizesBytes[static_cast<std::size_t>(Id())];
 }
 
 }  // namespace BASIC::TYPES

@@ -6,26 +6,31 @@
 
 #pragma once
 
+#include <span>
 #include <string>
+
+#include "lib/baselib/errors/enum_base.h"
 
 namespace BASIC::TYPES {
 
-/// Code, name and bytes per element of one data type; codes are the positions in the table, from 0.
-class DATA_TYPE {
+/// Code (the identifier, from 0), name (the text) and bytes per element of one data type.
+class DATA_TYPE : public ENUM_BASE {
   public:
     /// "others": no element, size 0.
     DATA_TYPE();
-    /// @param name  as in the table, for example "int_16"
-    /// @throws ERROR_ARGUMENT for a name that is not in the table
+    /// @param name  exactly as in the table, for example "int_16"
+    /// @throws ERROR_ENUM_BASE_INVALID_VALUE for a name that is not in the table
     explicit DATA_TYPE(const std::string& name);
 
-    int Id() const { return id_; }
-    const std::string& Text() const;
     /// Bytes per element; 0 for "others".
-    int Size() const;
+    [[nodiscard]] int Size() const { return size_bytes_; }
+
+  protected:
+    [[nodiscard]] std::span<const ROW> Rows() const override;
+    void RowAssigned() override;
 
   private:
-    int id_;
+    int size_bytes_ = 0;
 };
 
 }  // namespace BASIC::TYPES

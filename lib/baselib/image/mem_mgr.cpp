@@ -28,15 +28,6 @@ long long Extent(long long first, long long last, const char* what) {
     return extent;
 }
 
-const PIXEL_TYPE_RECORD& KnownPixelType(PIXEL_TYPE pixel_type) {
-    const PIXEL_TYPE_RECORD* const type = FindPixelType(pixel_type);
-    if (type == nullptr) {
-        Log() << LOGGING_LEVEL::ALARM << "MEM_MGR: unknown pixeltype\n";
-        throw ERROR_NOT_SUPPORTED_PIXEL_TYPE();
-    }
-    return *type;
-}
-
 /// Zeroed memory; large blocks cost nothing until they are touched.
 std::byte* AllocatePixels(long long columns, long long rows, int bytes_per_pixel) {
     long long bytes = 0;

@@ -2,6 +2,9 @@
 
 #include <iterator>
 
+#include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/logging/logging.h"
+
 namespace {
 
 // Type word 1 is the plain type and 3 the RGB type of the raster format; 92 to 99 are this program's own codes.
@@ -22,4 +25,13 @@ const PIXEL_TYPE_RECORD* FindPixelType(PIXEL_TYPE pixel_type) {
     const auto number = static_cast<unsigned>(pixel_type);
     if (number < 1 || number > std::size(kPixelTypes)) return nullptr;
     return &kPixelTypes[number - 1];
+}
+
+const PIXEL_TYPE_RECORD& KnownPixelType(PIXEL_TYPE pixel_type) {
+    const PIXEL_TYPE_RECORD* const type = FindPixelType(pixel_type);
+    if (type == nullptr) {
+        Log() << LOGGING_LEVEL::ALARM << "MEM_MGR: unknown pixeltype\n";
+        throw ERROR_NOT_SUPPORTED_PIXEL_TYPE();
+    }
+    return *type;
 }

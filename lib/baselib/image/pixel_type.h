@@ -33,6 +33,10 @@ struct PIXEL_TYPE_RECORD {
 /// The record of a pixel type, or null for a value outside 1 to 12.
 const PIXEL_TYPE_RECORD* FindPixelType(PIXEL_TYPE pixel_type);
 
+/// The record of a pixel type.
+/// @throws ERROR_NOT_SUPPORTED_PIXEL_TYPE for a value outside 1 to 12
+const PIXEL_TYPE_RECORD& KnownPixelType(PIXEL_TYPE pixel_type);
+
 /// 16-bit real, as its bits: no arithmetic is done on it.
 struct FLT_2_BITS {
     std::uint16_t bits{};

@@ -32,9 +32,7 @@ int OpenForMapping(const std::string& path, ACCESS_MODE mode) {
     // O_NONBLOCK: opening a FIFO must end in an error, not in waiting for a writer. It means nothing to regular files.
     const int number = open(path.c_str(), OpenFlags(mode) | O_CLOEXEC | O_NONBLOCK);
     if (number < 0) {
-        const int error = errno;
-        Log().Message(LOGGING_LEVEL::ALARM, "MEM_MGR: can not open: %s", path.c_str());
-        Log().Message(LOGGING_LEVEL::ALARM, "%s", OpenErrorText(error));
+        LogOpenFailure(path, errno);
         throw ERROR_CAN_NOT_OPEN_FILE();
     }
     return number;
@@ -109,21 +107,16 @@ void MEM_MGR::MapFileChecked(const std::string& path, ACCESS_MODE mode, PIXEL_TY
 
 void MEM_MGR::Map(const std::string& path, ACCESS_MODE mode, PIXEL_TYPE pixel_type, bool checked) {
     Free();
-    const PIXEL_TYPE_RECORD* const type = FindPixelType(pixel_type);
-    if (type == nullptr) {
-        Log() << LOGGING_LEVEL::ALARM << "MEM_MGR: unknown pixeltype\n";
-        throw ERROR_NOT_SUPPORTED_PIXEL_TYPE();
-    }
+    const PIXEL_TYPE_RECORD& type = KnownPixelType(pixel_type);
     Log().Message(LOGGING_LEVEL::DEBUG, "map file with access mode %d", static_cast<int>(mode));
     Log().Message(LOGGING_LEVEL::DEBUG, "map file with prot flag %d", Protection(mode));
     FILE_DESCRIPTOR file(OpenForMapping(path, mode));
     const RASTER_HEADER header = ReadHeader(path, file.Get());
     if (checked) RefuseNoPixels(path, header);
-    RefuseShortFile(path, file.Get(), header, *type);
-    if (checked) WarnOfOddHeader(path, header, *type);
+    RefuseShortFile(path, file.Get(), header, type);
+    if (checked) WarnOfOddHeader(path, header, type);
     const long long map_length = header.map_length;
-    MapOpenFile(path, file.Get(), Protection(mode), kRasterHeaderBytes + map_length, header.width, header.height,
-                *type);
+    MapOpenFile(path, file.Get(), Protection(mode), kRasterHeaderBytes + map_length, header.width, header.height, type);
     file.Release();
     PointColourMapIntoMapping(map_length);
 }

@@ -1,6 +1,9 @@
 #include "lib/baselib/image/system_error_text.h"
 
 #include <cerrno>
+#include <cstring>
+
+#include "lib/baselib/logging/logging.h"
 
 namespace {
 
@@ -55,4 +58,10 @@ const char* OpenErrorText(int error_number) {
 
 const char* MsyncErrorText(int error_number) {
     return Find(kMsyncErrors, error_number, "unhandled msync() error");
+}
+
+void LogOpenFailure(const std::string& path, int error_number) {
+    Log().Message(LOGGING_LEVEL::ALARM, "MEM_MGR: can not open: %s", path.c_str());
+    Log().Message(LOGGING_LEVEL::ALARM, "%s", OpenErrorText(error_number));
+    Log().Message(LOGGING_LEVEL::ALARM, "%s: %s", path.c_str(), std::strerror(error_number));
 }

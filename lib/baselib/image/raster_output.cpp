@@ -1,0 +1,55 @@
+#include "lib/baselib/image/raster_output.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstring>
+#include <limits>
+
+#include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/image/system_error_text.h"
+#include "lib/baselib/logging/logging.h"
+
+namespace {
+
+constexpr long long kMaxWord = std::numeric_limits<std::uint32_t>::max();
+
+}  // namespace
+
+RASTER_HEADER RasterHeaderFor(const std::string& path, long long columns, long long rows,
+                              const PIXEL_TYPE_RECORD& type) {
+    long long length = 0;
+    const bool fits = columns >= 0 && rows >= 0 && columns <= kMaxWord && rows <= kMaxWord &&
+                      !__builtin_mul_overflow(columns, rows, &length) &&
+                      !__builtin_mul_overflow(length, type.bytes, &length) && length <= kMaxWord;
+    if (!fits) {
+        Log().Message(LOGGING_LEVEL::ALARM,
+                      "%s: a raster file can not hold %lld x %lld pixels of %d bytes: its header counts at most %lld "
+                      "columns, rows and bytes",
+                      path.c_str(), columns, rows, type.bytes, kMaxWord);
+        throw ERROR_IMAGE();
+    }
+    RASTER_HEADER header;
+    header.width = static_cast<std::uint32_t>(columns);
+    header.height = static_cast<std::uint32_t>(rows);
+    header.depth = 8 * static_cast<std::uint32_t>(type.bytes);
+    header.length = static_cast<std::uint32_t>(length);
+    header.type = type.type_word;
+    return header;
+}
+
+int OpenRasterOutput(const std::string& path, mode_t permissions) {
+    const int number = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOCTTY, permissions);
+    if (number < 0) {
+        const int error = errno;
+        LogOpenFailure(path, error);
+        errno = error;
+    }
+    return number;
+}
+
+bool IsFileOfKind(int file_descriptor, mode_t kind) {
+    struct stat status {};
+    return fstat(file_descriptor, &status) == 0 && (status.st_mode & S_IFMT) == kind;
+}

@@ -1,0 +1,25 @@
+/// \file raster_output.h
+/// What creating and saving a raster file have in common.
+
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+
+#include "lib/baselib/image/pixel_type.h"
+#include "lib/baselib/image/raster_header.h"
+
+/// The header of an image of this size.
+/// @param path  for the message
+/// @throws ERROR_IMAGE when the columns, rows or pixel bytes do not fit their 32-bit words
+RASTER_HEADER RasterHeaderFor(const std::string& path, long long columns, long long rows,
+                              const PIXEL_TYPE_RECORD& type);
+
+/// Opens a file for reading and writing, and creates it when it is not there. A link is followed: users link outputs to
+/// other disks. The file is not cut to length 0 yet, so that the caller can look first at what it is.
+/// @return the descriptor; or -1, the reason logged and errno set
+int OpenRasterOutput(const std::string& path, mode_t permissions);
+
+/// Is the open file of this kind: S_IFREG, S_IFCHR, ...?
+bool IsFileOfKind(int file_descriptor, mode_t kind);
