@@ -1,0 +1,76 @@
+#!/usr/bin/python3
+"""Times whole runs of velmora on a synthetic scene and prints, per number of threads, what stage B and memory cost.
+
+Usage: benchmarks/whole_program.py [--scene square|wide] [--binary PATH] [--threads 1,2] [--repeat 3] [options of make_scene.py]
+Products: phase, shifts at factor 4, height; about 2 million DEM points. The best of the repeats counts: noise of the machine
+only ever adds time. Stage B is timed from outside, between the
+arrival of its banner and of the next stage's on the program's standard output. DEM points are those of the simulated
+rows and columns; pixels are those of the simulated area. Needs python3-numpy and /proc-style resource usage (Linux).
+"""
+
+import argparse
+import os
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+import time
+
+REPOSITORY = pathlib.Path(__file__).resolve().parents[1]
+COMMON = ["--products", "phase", "shifts", "height", "--shift-factors", "4", "4", "--dem-margin-m", "500", "--high-m", "1800"]
+SCENES = {"square": ["--samples", "2000", "--lines", "2000", "--dem-spacing-m", "15"],
+          "wide": ["--samples", "10000", "--lines", "2500", "--dem-spacing-m", "25"]}
+
+
+def timed_run(binary, folder, threads):
+    """Seconds of stage B and of the whole run, peak memory in MiB, and the log lines."""
+    environment = {"PATH": os.environ["PATH"], "PARALLEL": str(threads)}
+    start = time.monotonic()
+    process = subprocess.Popen([binary, "-pcf", "scene.pcf"], cwd=folder, env=environment, stdout=subprocess.PIPE,
+                               stdin=subprocess.DEVNULL, text=True)
+    arrivals, lines = {}, []
+    for line in process.stdout:
+        for stage in ("B. PHASE SIMULATION", "C. OUTPUT TO FILE SAVING"):
+            if stage in line:
+                arrivals[stage[0]] = time.monotonic()
+        lines.append(line)
+    _, status, usage = os.wait4(process.pid, 0)
+    process.returncode = os.waitstatus_to_exitcode(status)
+    if process.returncode != 0:
+        sys.exit("velmora ended with status %d:\n%s" % (process.returncode, "".join(lines[-10:])))
+    return arrivals["C"] - arrivals["B"], time.monotonic() - start, usage.ru_maxrss / 1024.0, "".join(lines)
+
+
+def counts(log):
+    columns, rows = (re.search(r"   %s: (\d+) -> (\d+)" % axis, log) for axis in "xy")
+    extended = [re.search(r"nr_%s_simulation:\.* (\d+)" % word, log) for word in ("samples", "lines")]
+    return (int(columns[2]) - int(columns[1]) + 1) * (int(rows[2]) - int(rows[1]) + 1), extended
+
+
+def main(arguments):
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--scene", choices=SCENES, default="wide")
+    parser.add_argument("--binary", default=str(REPOSITORY / "build" / "release" / "app" / "velmora"))
+    parser.add_argument("--threads", default="1,2")
+    parser.add_argument("--repeat", type=int, default=3)
+    options, scene = parser.parse_known_args(arguments)
+    with tempfile.TemporaryDirectory(prefix="velmora_benchmark_") as folder:
+        subprocess.run([REPOSITORY / "demo" / "make_scene.py", folder, *COMMON, *SCENES[options.scene], *scene], check=True)
+        pair = pathlib.Path(folder, "insar.pool").read_text() + pathlib.Path(folder, "master.pool").read_text()
+        pixels = 1
+        for word in ("samples", "lines"):
+            pixels *= int(re.search(r"n_%s INT_32 (\d+)" % word, pair)[1])
+        print("%7s %12s %14s %14s %12s %12s" % ("threads", "stage B [s]", "DEM points/s", "pixels/s", "whole [s]", "peak [MiB]"))
+        for threads in options.threads.split(","):
+            runs = [timed_run(options.binary, folder, threads) for _ in range(options.repeat)]
+            stage_s, whole_s, memory = (min(run[i] for run in runs) for i in range(3))
+            points, extended = counts(runs[0][3])
+            simulated = int(extended[0][1]) * int(extended[1][1]) if all(extended) else pixels
+            print("%7s %12.3f %14.0f %14.0f %12.3f %12.1f"
+                  % (threads, stage_s, points / stage_s, simulated / stage_s, whole_s, memory))
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
