@@ -11,7 +11,7 @@ from .ellipsoid import WGS84
 from .map_grid import DATUM, MAP_GRID, UTM, utm_zone
 from .options import PRODUCT_FILES, SCENE_OPTIONS
 from .placement import ACQUISITION, place
-from .radar_geometry import LEFT, RIGHT, SPEED_OF_LIGHT_M_S, geolocate, zero_doppler
+from .radar_geometry import LEFT, RIGHT, geolocate, zero_doppler
 
 EDGE_M, EDGE_LINES = 60.0, 12  # the area that the program visits reaches this far beyond the first and last line
 

@@ -7,6 +7,8 @@ DEM at the point found. Two ways that share neither code nor direction.
 
 import numpy as np
 
+import velmora_run  # noqa: F401  (makes scene_maker importable)
+
 from scene_maker import terrain
 from scene_maker.radar_geometry import SPEED_OF_LIGHT_M_S, geolocate, zero_doppler
 
