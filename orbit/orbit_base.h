@@ -1,0 +1,81 @@
+/// \file orbit_base.h
+/// What the rest of the system knows of an orbit: position, velocity and acceleration of a satellite at any time inside
+/// the span of its state vectors.
+/// Frame: Earth-fixed, metres, seconds. Axis: seconds since the orbit's reference time, for every time type.
+/// Life: set up and read once, then queried only.
+/// Threads: queries are const, take no lock and allocate nothing; everything else belongs to one thread.
+
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "orbit/interpolation_request.h"
+#include "orbit/orbit_configuration.h"
+#include "orbit/orbit_ids.h"
+#include "orbit/reference_time.h"
+#include "orbit/state_vector.h"
+
+class ORBIT_BASE {
+  public:
+    virtual ~ORBIT_BASE() = default;
+
+    /// Copies from an orbit of the same concrete type. @throws ERROR_ARGUMENT, after logging, from any other
+    virtual ORBIT_BASE& operator=(const ORBIT_BASE& aorbit);
+    [[nodiscard]] virtual std::unique_ptr<ORBIT_BASE> Clone() const;
+
+    /// @param t_s  seconds since the reference time, inside FirstTime() to LastTime(). Outside, the outermost piece of the
+    /// interpolation goes on; hermite and localhermite end the process there.
+    /// @throws ERROR_ARGUMENT, after logging, while there are no state vectors
+    [[nodiscard]] virtual VECTOR_3D<double> Position(double t_s) const;      ///< m
+    [[nodiscard]] virtual VECTOR_3D<double> Velocity(double t_s) const;      ///< m/s, first derivative of the position
+    [[nodiscard]] virtual VECTOR_3D<double> Acceleration(double t_s) const;  ///< m/s^2, second derivative
+    /// All three for little more than the price of one.
+    [[nodiscard]] virtual ORBIT_STATE State(double t_s) const;
+
+    /// Times of the first and last state vector in seconds since the reference time, as the interpolation sees them (for
+    /// orbits of single precision rounded to float).
+    [[nodiscard]] virtual double FirstTime() const;
+    [[nodiscard]] virtual double LastTime() const;
+    [[nodiscard]] virtual int StateVectorCount() const;
+
+    /// To be set before the state vectors are read. @throws ERROR_ARGUMENT, after logging, for another time type than the
+    /// orbit's own
+    virtual void SetReferenceTime(const ANY_TIME& time);
+    [[nodiscard]] virtual ANY_TIME ReferenceTime() const;
+
+    /// Reads the state vectors from the pool, or from the place that the pool's configuration names, and creates the
+    /// interpolation. A failure leaves the orbit as it was.
+    /// @throws ERROR_EXCEPTION after a line that names file and key
+    virtual void ReadFromParameterPool(PARAMETER_POOL& pool);
+
+    /// Writes a table of the given and the interpolated position at every state vector.
+    /// @throws ERROR_CAN_NOT_CREATE_FILE, ERROR_CAN_NOT_WRITE_FILE, after logging
+    virtual void SavePolynomial(const std::string& file_name) const;
+
+    /// @name Set-up, shared by all orbits
+    /// @{
+    void SetTypeId(ORBIT_TYPE_ID id) { type_id_ = id; }
+    void SetInterpolation(const INTERPOLATION_REQUEST& request) { interpolation_ = request; }
+    void SetConfiguration(ORBIT_CONFIGURATION configuration) { configuration_ = std::move(configuration); }
+    [[nodiscard]] ORBIT_TYPE_ID TypeId() const { return type_id_; }
+    [[nodiscard]] const INTERPOLATION_REQUEST& Interpolation() const { return interpolation_; }
+    [[nodiscard]] const ORBIT_CONFIGURATION& Configuration() const { return configuration_; }
+    /// @}
+
+  protected:
+    ORBIT_BASE() = default;
+    ORBIT_BASE(const ORBIT_BASE&) = default;
+    void CopySetupFrom(const ORBIT_BASE& other);
+
+  private:
+    ORBIT_TYPE_ID type_id_ = ORBIT_TYPE_ID::POOL_DOUBLE_DOUBLE;
+    INTERPOLATION_REQUEST interpolation_;
+    ORBIT_CONFIGURATION configuration_;
+};
+
+/// Logs the signature of an assignment that was given an orbit of another concrete type, and throws ERROR_ARGUMENT.
+[[noreturn]] void RefuseAssignment(const char* signature);
+
+/// Logs that there is no orbit, or one of a type nobody expects, and throws ERROR_ARGUMENT.
+[[noreturn]] void RefuseCoreObject();

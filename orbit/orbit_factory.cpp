@@ -1,0 +1,90 @@
+#include "orbit/orbit_factory.h"
+
+#include "orbit/cheby_poly.h"
+#include "orbit/hermite_poly.h"
+#include "orbit/local_interpolation.h"
+#include "orbit/polynom.h"
+#include "orbit/polynom_fit.h"
+#include "orbit/pool_orbit.h"
+#include "lib/baselib/logging/logging.h"
+
+namespace {
+
+using CREATE = std::unique_ptr<ORBIT_BASE> (*)();
+using ROWS_OF_TYPE = std::array<CREATE, kInterpolations>;
+
+template <class CONCRETE_ORBIT>
+std::unique_ptr<ORBIT_BASE> Create() {
+    return std::make_unique<CONCRETE_ORBIT>();
+}
+
+std::unique_ptr<ORBIT_BASE> CreateNothing() { return nullptr; }
+
+template <class T, class I>
+using LOCAL = LOCAL_INTERPOLATION<T, I, POINT<T>>;
+template <class T>
+using LOCAL_HERMITE = LOCAL_INTERPOLATION<T, HERMITE_POLY<T>, DPOINT<T>>;
+
+/// Pool orbits, one per interpolation, in the order of their ids.
+template <class T, class S>
+constexpr ROWS_OF_TYPE kPoolRows = {
+    Create<POOL_ORBIT<T, S, POLYNOM<T>, POINT<T>>>,
+    Create<POOL_ORBIT<T, S, POLYNOM_FIT<T>, POINT<T>>>,
+    CreateNothing,
+    Create<POOL_ORBIT<T, S, LOCAL<T, POLYNOM<T>>, POINT<T>>>,
+    Create<POOL_ORBIT<T, S, LOCAL<T, POLYNOM_FIT<T>>, POINT<T>>>,
+    Create<POOL_ORBIT<T, S, CHEBY_POLY<T>, POINT<T>>>,
+    Create<POOL_ORBIT<T, S, LOCAL<T, CHEBY_POLY<T>>, POINT<T>>>,
+    Create<POOL_ORBIT<T, S, HERMITE_POLY<T>, DPOINT<T>>>,
+    Create<POOL_ORBIT<T, S, LOCAL_HERMITE<T>, DPOINT<T>>>,
+    CreateNothing,
+};
+
+/// Record database orbits are not built yet.
+constexpr ROWS_OF_TYPE kMdbRows = {CreateNothing, CreateNothing, CreateNothing, CreateNothing, CreateNothing,
+                                   CreateNothing, CreateNothing, CreateNothing, CreateNothing, CreateNothing};
+
+const ROWS_OF_TYPE* const kRowsOfTypes[kOrbitTypes] = {
+    &kPoolRows<float, double>,  &kPoolRows<float, UNIVERSAL_TIME>,  &kPoolRows<float, MISSION_ELAPSED_TIME>,
+    &kPoolRows<double, double>, &kPoolRows<double, UNIVERSAL_TIME>, &kPoolRows<double, MISSION_ELAPSED_TIME>,
+    &kMdbRows,                  &kMdbRows,                          &kMdbRows};
+
+ORBIT_FACTORY_TABLE BuildTable() {
+    ORBIT_FACTORY_TABLE table{};
+    for (int type = 0; type < kOrbitTypes; ++type) {
+        for (int interpolation = 0; interpolation < kInterpolations; ++interpolation) {
+            const auto type_id = static_cast<ORBIT_TYPE_ID>(type + 1);
+            const auto interpolation_id = static_cast<INTERPOLATION_ID>(interpolation);
+            table[static_cast<size_t>(type * kInterpolations + interpolation)] = {
+                type_id, TextOf(type_id), interpolation_id, TextOf(interpolation_id),
+                (*kRowsOfTypes[type])[static_cast<size_t>(interpolation)]};
+        }
+    }
+    return table;
+}
+
+const ORBIT_FACTORY_ROW& RowOf(ORBIT_TYPE_ID type_id, INTERPOLATION_ID interpolation_id) {
+    for (const ORBIT_FACTORY_ROW& row : OrbitFactoryTable()) {
+        if (row.type_id == type_id && row.interpolation_id == interpolation_id) return row;
+    }
+    RefuseCoreObject();
+}
+
+}  // namespace
+
+const ORBIT_FACTORY_TABLE& OrbitFactoryTable() {
+    static const ORBIT_FACTORY_TABLE table = BuildTable();
+    return table;
+}
+
+std::unique_ptr<ORBIT_BASE> CreateOrbit(ORBIT_TYPE_ID type_id, const INTERPOLATION_REQUEST& request) {
+    std::unique_ptr<ORBIT_BASE> orbit = RowOf(type_id, request.id).create();
+    if (orbit == nullptr) {
+        Log().Message(LOGGING_LEVEL::ALARM, "ORBIT: there is no orbit \"%s\" with the interpolation \"%s\"",
+                      TextOf(type_id), TextOf(request.id));
+        RefuseCoreObject();
+    }
+    orbit->SetTypeId(type_id);
+    orbit->SetInterpolation(request);
+    return orbit;
+}

@@ -1,0 +1,41 @@
+/// \file pool_orbit.h
+/// An orbit whose state vectors stand in a parameter pool, in three lists: times, positions, velocities.
+
+#pragma once
+
+#include "orbit/orbit.h"
+
+template <class T, class S, class I, class P>
+class POOL_ORBIT final : public ORBIT<T, S, I, P> {
+  public:
+    POOL_ORBIT() = default;
+    POOL_ORBIT(const POOL_ORBIT&) = default;
+
+    POOL_ORBIT& operator=(const POOL_ORBIT& other) {
+        this->CopyFrom(other);
+        return *this;
+    }
+
+    POOL_ORBIT& operator=(const ORBIT_BASE& apool_orbit) override {
+        const auto* const same_type = dynamic_cast<const POOL_ORBIT*>(&apool_orbit);
+        if (same_type == nullptr) {
+            RefuseAssignment("virtual POOL_ORBIT<T,S,I,P>& operator=( const ORBIT_BASE& apool_orbit )");
+        }
+        return *this = *same_type;
+    }
+
+    [[nodiscard]] std::unique_ptr<ORBIT_BASE> Clone() const override { return std::make_unique<POOL_ORBIT>(*this); }
+
+    /// Reads the lists whose keys the configuration names.
+    void ReadFromParameterPool(PARAMETER_POOL& pool) override {
+        const ORBIT_CONFIGURATION& names = this->Configuration();
+        this->TakeOver(ReadStateVectorsFromPool<T, S>(pool, names),
+                       {names.pool_file, names.param_key, names.value_key, names.velocity_key});
+    }
+
+    /// The older name of ReadFromParameterPool.
+    void ReadPool(PARAMETER_POOL& pool) {
+        Log() << LOGGING_LEVEL::INFO << "Deprecated function! Please use read() instead!\n";
+        ReadFromParameterPool(pool);
+    }
+};
