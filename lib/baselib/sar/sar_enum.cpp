@@ -1,0 +1,28 @@
+#include "lib/baselib/sar/sar_enum.h"
+
+#include "lib/baselib/logging/logging.h"
+
+namespace SAR {
+
+void SAR_ENUM::FromText(const std::string& text) {
+    for (const ROW& row : Table().rows) {
+        if (text == row.text) return AssignId(row.id, true);
+    }
+    for (const ALTERNATIVE_TEXT& alternative : Table().alternative_texts) {
+        if (text == alternative.text) return AssignId(alternative.id, true);
+    }
+    AssignText(text, true);  // no text matches: fails with the value and the valid ones
+}
+
+void SAR_ENUM::ReadFromParameterPool(PARAMETER_POOL& pool) {
+    const auto text = pool.Get<std::string>(Table().pool_key);
+    try {
+        FromText(text);
+    } catch (const BASIC::TYPES::ERROR_ENUM_BASE_INVALID_VALUE&) {
+        Log().Message(LOGGING_LEVEL::ALARM, "%s: key \"%s\": unknown value \"%s\"", pool.FileName().c_str(),
+                      Table().pool_key, text.c_str());
+        throw;
+    }
+}
+
+}  // namespace SAR
