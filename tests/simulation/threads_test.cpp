@@ -1,0 +1,186 @@
+#include "simulation/threads.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdlib>
+#include <limits>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "lib/baselib/errors/enum_base.h"
+#include "lib/baselib/errors/error_exception.h"
+#include "simulation/thread_arg.h"
+#include "tests/image/image_files.h"
+
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+struct TEST_ARG : THREAD_ARG {
+    pthread_t thread{};
+};
+using RUNNER = THREADS<TEST_ARG, unsigned int>;
+
+void SetParallel(const char* text) {
+    setenv("PARALLEL", text, 1);
+}
+
+TEST(Threads, CutsTheRowsIntoContiguousBlocks) {
+    struct CASE {
+        const char* parallel;
+        unsigned first, end;
+        std::vector<std::pair<unsigned, unsigned>> blocks;  // start, length
+    };
+    const CASE cases[] = {{"4", 0, 10, {{0, 3}, {3, 3}, {6, 2}, {8, 2}}},
+                          {"3", 100, 109, {{100, 3}, {103, 3}, {106, 3}}},
+                          {"7", 5, 8, {{5, 1}, {6, 1}, {7, 1}}},
+                          {"1", 5, 8, {{5, 3}}},
+                          {"2", 4294967290U, 4294967295U, {{4294967290U, 3}, {4294967293U, 2}}},
+                          {"1", 5, 5, {}},
+                          {"3", 0, 0, {}}};
+    for (const CASE& c : cases) {
+        SCOPED_TRACE(std::string(c.parallel) + " threads from row " + std::to_string(c.first));
+        SetParallel(c.parallel);
+        RUNNER runner(c.first, c.end, [](TEST_ARG* argument) { argument->thread = pthread_self(); });
+        runner.Run();
+        ASSERT_EQ(static_cast<int>(c.blocks.size()), runner.Count());
+        for (int i = 0; i < runner.Count(); ++i) {
+            const TEST_ARG& argument = runner.Arguments()[i];
+            EXPECT_EQ(c.blocks[static_cast<size_t>(i)], std::pair(argument.start, argument.length));
+            EXPECT_EQ(static_cast<unsigned>(i), argument.thread_number);
+            EXPECT_EQ(0U, argument.status);
+            EXPECT_EQ(std::string(c.parallel) == "1", pthread_equal(argument.thread, pthread_self()) != 0);
+        }
+    }
+    EXPECT_THROW(RUNNER(3, 2, [](TEST_ARG*) {}), ERROR_ARGUMENT);
+}
+
+TEST(Threads, OneThreadCanBeForcedToBeARealOne) {
+    SetParallel("1");
+    RUNNER runner(0, 3, [](TEST_ARG* argument) { argument->thread = pthread_self(); });
+    runner.ForceThreads();
+    runner.Run();
+    EXPECT_EQ(0, pthread_equal(runner.Arguments()[0].thread, pthread_self()));
+}
+
+TEST(Threads, TheEnvironmentGivesTheCount) {
+    unsetenv("PARALLEL");
+    EXPECT_EQ(sysconf(_SC_NPROCESSORS_ONLN), ThreadCount());
+    const std::pair<const char*, int> numbers[] = {
+        {"3", 3}, {" 5", 5}, {"+2", 2}, {"4x", 4}, {"99999999999999999999", std::numeric_limits<int>::max()}};
+    for (const auto& [text, count] : numbers) {
+        SetParallel(text);
+        EXPECT_EQ("", LogOf([&, count = count] { EXPECT_EQ(count, ThreadCount()); }));
+    }
+    SetParallel("-2");
+    EXPECT_THAT(LogOf([] { EXPECT_EQ(1, ThreadCount()); }), HasSubstr("WARN  : global : PARALLEL: \"-2\""));
+    for (const char* const text : {"0", "x", ""}) {
+        SetParallel(text);
+        EXPECT_EQ("", LogOf([] { EXPECT_EQ(1, ThreadCount()); })) << "once per run";
+    }
+}
+
+/// Fails in rows 10 and above, in the way of its number.
+void Fail(TEST_ARG* argument, int way) {
+    if (argument->start + argument->length <= 10) return;
+    switch (way) {
+        case 0:
+            argument->status = 42;
+            return;
+        case 1:
+            throw ERROR_NO_MEMORY();
+        case 2:
+            throw "a plain text";
+        case 3:
+            throw std::runtime_error("a standard error");
+        case 4:
+            throw BASIC::TYPES::ERROR_ENUM_BASE_INVALID_VALUE("v", "C", "");
+        default:
+            throw 7;
+    }
+}
+
+TEST(Threads, AnyFailureIsLoggedWithItsRowsAndEndsTheRunAfterTheJoin) {
+    const char* const reasons[] = {"failed with status 42",
+                                   "not enough memory",
+                                   "a plain text",
+                                   "a standard error",
+                                   "enumeration data type - invalid value of class C: v",
+                                   "exception of an unknown kind"};
+    const std::pair<const char*, const char*> threads_and_rows[] = {{"1", "rows 0..19: "}, {"4", "rows 15..19: "}};
+    for (const auto& [parallel, rows] : threads_and_rows) {
+        SetParallel(parallel);
+        for (int way = 0; way < 6; ++way) {
+            SCOPED_TRACE(std::string(parallel) + ": " + reasons[way]);
+            std::atomic<int> started = 0;
+            const auto run = [&, way] {
+                RUNNER runner(0, 20, [&, way](TEST_ARG* argument) {
+                    ++started;
+                    Fail(argument, way);
+                });
+                runner.Run();
+            };
+            const std::string log = LogOf([&] {
+                try {
+                    run();
+                    ADD_FAILURE() << "no exception";
+                } catch (const char* text) {
+                    EXPECT_STREQ("error in thread execution", text);
+                }
+            });
+            EXPECT_THAT(log, HasSubstr(std::string("ALARM : global : ") + rows + reasons[way] + "\n"));
+            EXPECT_THAT(log, Not(HasSubstr("rows 0..4")));
+            EXPECT_EQ(std::atoi(parallel), started) << "all threads have run, and were joined, before the runner went";
+        }
+    }
+}
+
+TEST(Threads, TheDestructorTellsOfAFailureThatNobodyHasSeen) {
+    SetParallel("3");
+    std::string seen;
+    try {
+        RUNNER runner(0, 3, [](TEST_ARG*) { throw "every thread"; });
+        try {
+            runner.Run();
+        } catch (const char* text) {
+            seen = text;
+        }
+    } catch (const char* text) {
+        seen += std::string(", ") + text;
+    }
+    EXPECT_EQ("error in thread execution, error in thread execution", seen);
+}
+
+TEST(ThreadsDeathTest, AThreadThatTheSystemDoesNotGiveIsExplained) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "a sanitizer can not live with little address space";
+#endif
+    const auto run_in_little_memory = [] {
+        dup2(STDERR_FILENO, STDOUT_FILENO);
+        SetParallel("100");
+        const rlimit limit{256 << 20, 256 << 20};  // 8 MiB of stack per thread
+        setrlimit(RLIMIT_AS, &limit);
+        std::atomic<int> ended = 0;
+        try {
+            RUNNER runner(0, 100, [&](TEST_ARG*) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(100));
+                ++ended;
+            });
+            runner.Run();
+        } catch (const char* text) {
+            if (std::string(text) == "can not create thread" && ended > 0) _exit(7);
+        }
+    };
+    EXPECT_EXIT(run_in_little_memory(), testing::ExitedWithCode(7),
+                "can not create thread due to error number: 11\n.*reason: Resource temporarily unavailable");
+}
+
+}  // namespace
