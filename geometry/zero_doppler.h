@@ -1,7 +1,7 @@
 /// \file zero_doppler.h
-/// The zero-Doppler iteration itself, on any orbit that answers Position, Velocity and Acceleration for a time and
-/// knows the span of its data (FirstTime, LastTime). CalcSlaveTime is its form for the program's orbits. Times:
-/// seconds; the orbit is evaluated at t + offset_s.
+/// The zero-Doppler iteration itself, on any orbit whose State(t) gives position_m, velocity_m_s and acceleration_m_s2.
+/// CalcSlaveTime is its form for the program's orbits.
+/// Times: seconds; the orbit is evaluated at t + offset_s.
 
 #pragma once
 
@@ -27,11 +27,12 @@ struct TIME_WINDOW {
 inline constexpr double kZeroDopplerTolerance = 1e-9;  ///< residual, m^2/s, and step, s
 inline constexpr int kZeroDopplerMaxIterations = 100;
 
-/// V(t) . (S(t) - P) and the line of sight, at one time.
+/// V(t) . (S(t) - P), m^2/s.
 template <class ORBIT>
 [[nodiscard]] double DopplerResidual(const ORBIT& orbit, double offset_s, const VECTOR_3D<double>& point_m,
                                      double time_s) {
-    return DotProduct(orbit.Velocity(time_s + offset_s), orbit.Position(time_s + offset_s) - point_m);
+    const auto state = orbit.State(time_s + offset_s);
+    return DotProduct(state.velocity_m_s, state.position_m - point_m);
 }
 
 /// Newton's method on V . (S - P), slope A . (S - P) + V . V. A step that would leave the window ends on its edge.
@@ -42,16 +43,15 @@ template <class ORBIT>
     constexpr double kLongestStep_s = 1e6;
     ZERO_DOPPLER solution = {first_guess_s, 0.0, 0.0, 0.0, false};
     for (int iteration = 0; iteration < kZeroDopplerMaxIterations; ++iteration) {
-        const double orbit_time_s = solution.time_s + offset_s;
-        const VECTOR_3D<double> velocity = orbit.Velocity(orbit_time_s);
-        const VECTOR_3D<double> acceleration = orbit.Acceleration(orbit_time_s);
-        const VECTOR_3D<double> sight_m = orbit.Position(orbit_time_s) - point_m;
+        const auto state = orbit.State(solution.time_s + offset_s);
+        const VECTOR_3D<double> sight_m = state.position_m - point_m;
         solution.range_m = Length(sight_m);
-        solution.residual = DotProduct(velocity, sight_m);
+        solution.residual = DotProduct(state.velocity_m_s, sight_m);
         solution.converged = std::abs(solution.residual) <= kZeroDopplerTolerance;
         if (solution.converged) break;
 
-        const double slope = DotProduct(acceleration, sight_m) + DotProduct(velocity, velocity);
+        const double slope =
+            DotProduct(state.acceleration_m_s2, sight_m) + DotProduct(state.velocity_m_s, state.velocity_m_s);
         // A vanishing slope would divide by zero with the traps on; the window holds whatever step comes out.
         const bool steep = std::abs(solution.residual) < kLongestStep_s * std::abs(slope);
         solution.last_step_s = steep ? -solution.residual / slope : std::copysign(kLongestStep_s, -solution.residual);

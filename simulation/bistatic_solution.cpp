@@ -8,7 +8,6 @@
 #include "geometry/zero_doppler.h"
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/logging/logging.h"
-#include "orbit/basis_functions.h"
 #include "orbit/general_orbit.h"
 #include "orbit/svdfit.h"
 
@@ -52,8 +51,8 @@ BISTATIC_SOLUTION::BISTATIC_SOLUTION(const SCENE& scene, const SETTINGS& setting
       excess_s_(settings.sample_count, 0.0),
       squared_travel_time_(settings.sample_count, 0.0L) {}
 
-void BISTATIC_SOLUTION::Prepare() {
-    aperture_s_ = ReferenceAperture();
+void BISTATIC_SOLUTION::PrepareForAperture(double aperture_s) {
+    aperture_s_ = aperture_s;
     if (!(aperture_s_ > 0.0)) {
         Log().Message(LOGGING_LEVEL::ALARM,
                       "bistatic solution: aperture time %g s of the slave is not above 0 (az_bandwidth %g Hz, "
@@ -97,11 +96,9 @@ double BISTATIC_SOLUTION::ReferenceAperture() const {
 double BISTATIC_SOLUTION::ApertureAt(const VECTOR_3D<double>& point_m, double slave_time_s,
                                      double slave_range_m) const {
     const ACQUISITION_SCENE& slave = scene_.slave;
-    const double orbit_time_s = slave_time_s + slave.orbit.offset_s;
-    const VECTOR_3D<double> sight_m = slave.orbit.orbit->Position(orbit_time_s) - point_m;
-    const VECTOR_3D<double> velocity = slave.orbit.orbit->Velocity(orbit_time_s);
-    const VECTOR_3D<double> acceleration = slave.orbit.orbit->Acceleration(orbit_time_s);
-    const double curvature = DotProduct(sight_m, acceleration) + DotProduct(velocity, velocity);
+    const ORBIT_STATE state = slave.orbit.orbit->State(slave_time_s + slave.orbit.offset_s);
+    const double curvature = DotProduct(state.position_m - point_m, state.acceleration_m_s2) +
+                             DotProduct(state.velocity_m_s, state.velocity_m_s);
     if (!(curvature > 0.0)) return 0.0;
     return 2.0 * (slave_range_m / kSpeedOfLight) * 0.25 * slave.azimuth_bandwidth_hz * kSpeedOfLight * kSpeedOfLight /
            (curvature * slave.carrier_frequency_hz);
@@ -189,7 +186,8 @@ BISTATIC_SOLUTION::EQUIVALENT BISTATIC_SOLUTION::Solve(const VECTOR_3D<double>& 
         squared_travel_time_[i] = travel_s * travel_s;
     }
     const PARABOLA y = Fit();
-    const long double radicand = y.c2 == 0.0L ? -1.0L : y.c0 - 0.25L * y.c1 * y.c1 / y.c2;
+    // A parabola that opens downwards has a longest path; taken for the shortest it would be a silent wrong result.
+    const long double radicand = y.c2 > 0.0L ? y.c0 - 0.25L * y.c1 * y.c1 / y.c2 : -1.0L;
     if (radicand < 0.0L) {
         Log().Message(
             LOGGING_LEVEL::ALARM,

@@ -37,7 +37,9 @@ class BISTATIC_SOLUTION {
     /// Aperture time and the fit's constant part, once before the first Solve. The aperture is that of the DEM's
     /// centre, or of the centre of the simulated rows and columns where the former lies outside the orbits' data.
     /// Errors: an aperture time that is not above 0 is logged at ALARM, then ERROR_PARAMETER.
-    void Prepare();
+    void Prepare() { PrepareForAperture(ReferenceAperture()); }
+    /// The same for a given aperture time in seconds.
+    void PrepareForAperture(double aperture_s);
 
     /// @param point_m         ground point
     /// @param master_time_s   its zero-Doppler time and range towards the master
@@ -78,10 +80,3 @@ class BISTATIC_SOLUTION {
     std::vector<long double> fit_operator_;         ///< (order + 1) x samples: ordinates to coefficients
     std::array<long long, kMaxFurtherIterations + 1> histogram_{};
 };
-
-/// Both orbits' times are mixed by the solution, hence counted from one instant: moves the slave's handle and azimuth
-/// times from the slave orbit's reference to the master's, leap seconds counted, and tells so at INFO when they differ.
-/// Slave pixels are differences on one axis and so stay what they were.
-/// Errors: references of two kinds (UTC, elapsed
-/// time, plain number) are logged at ALARM, then ERROR_PARAMETER.
-void CarrySlaveOntoMasterAxis(const ACQUISITION_SCENE& master, ACQUISITION_SCENE& slave);

@@ -9,6 +9,13 @@
 #include "geometry/vector_arithmetic.h"
 
 template <class T>
+struct CIRCULAR_STATE {
+    VECTOR_3D<T> position_m;
+    VECTOR_3D<T> velocity_m_s;
+    VECTOR_3D<T> acceleration_m_s2;
+};
+
+template <class T>
 struct CIRCULAR_ORBIT {
     T radius_m = 7071000;
     T inclination_rad = T(1.7);
@@ -37,6 +44,8 @@ struct CIRCULAR_ORBIT {
                               CrossProduct(Rotation(), CrossProduct(Rotation(), inertial)),
                           t);
     }
+
+    [[nodiscard]] CIRCULAR_STATE<T> State(T t) const { return {Position(t), Velocity(t), Acceleration(t)}; }
 
   private:
     static VECTOR_3D<T> Rotation() { return {0, 0, kEarthRate}; }

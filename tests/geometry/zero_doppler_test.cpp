@@ -81,12 +81,10 @@ TEST(ZeroDoppler, CountsTimesFromTheHandlesOwnInstant) {
 struct STANDING_ORBIT {
     mutable int evaluations = 0;
     VECTOR_3D<double> velocity{0.0, 0.0, 0.0};
-    VECTOR_3D<double> Position(double) const {
+    CIRCULAR_STATE<double> State(double) const {
         ++evaluations;
-        return {7e6, 0.0, 0.0};
+        return {{7e6, 0.0, 0.0}, velocity, {-velocity.x * velocity.x / 6e5, 0.0, 0.0}};
     }
-    VECTOR_3D<double> Velocity(double) const { return velocity; }
-    VECTOR_3D<double> Acceleration(double) const { return {-velocity.x * velocity.x / 6e5, 0.0, 0.0}; }
 };
 
 TEST(ZeroDoppler, EndsWithinTheWindowWhereThereIsNoSolution) {
