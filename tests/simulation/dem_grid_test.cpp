@@ -1,0 +1,151 @@
+#include "simulation/dem_grid.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <vector>
+
+#include "geometry/constants.h"
+#include "geometry/vector_arithmetic.h"
+#include "lib/baselib/errors/error_exception.h"
+#include "tests/time/log_capture.h"
+
+namespace {
+
+constexpr double kA = 6378137.0;
+constexpr double kB = 6356752.315;
+
+/// 3 rows of 4 samples: 100, 101, ... row by row.
+struct SMALL_DEM {
+    std::vector<short> samples;
+    std::vector<const short*> rows;
+    DEM_GRID grid;
+
+    explicit SMALL_DEM(const char* kind) {
+        for (short i = 0; i < 12; ++i) samples.push_back(static_cast<short>(100 + i));
+        for (int row = 0; row < 3; ++row) rows.push_back(samples.data() + 4 * row);
+        grid.kind = kind;
+        grid.rows = 3;
+        grid.columns = 4;
+        grid.heights = rows.data();
+        grid.height_offset_m = -20.0;
+        grid.geodetic = {kA, SquaredEccentricity(kA, kB), {}};
+    }
+};
+
+TEST(DemGrid, GivesPositionsOfAGeographicGrid) {
+    SMALL_DEM dem("geo");
+    dem.grid.x0 = 10.0;
+    dem.grid.y0 = 50.0;
+    dem.grid.dx = dem.grid.dy = 0.5;
+    dem.grid.geodetic.datum.shift_m = {1.0, 2.0, 3.0};
+    VECTOR_3D<double> p;
+    float height_m = 0.0F;
+    Get_Earth_Position_From_DEM(dem.grid, 3, 2, p.x, p.y, p.z, &height_m);
+    EXPECT_EQ(height_m, 91.0F);
+    const VECTOR_3D<double> expected =
+        GeographicToCartesian({11.5 * kRadiansPerDegree, 49.0 * kRadiansPerDegree, 91.0}, kA, dem.grid.geodetic.e2);
+    EXPECT_LE(Length(p - expected - VECTOR_3D<double>{1.0, 2.0, 3.0}), 1e-8);
+    Get_Earth_Position_From_DEM(dem.grid, 0, 0, p.x, p.y, p.z);  // the height need not be asked for
+}
+
+TEST(DemGrid, TakesTheNearestHeightBesideAUtmGrid) {
+    SMALL_DEM dem("UTM");
+    dem.grid.utm.emplace(kA, dem.grid.geodetic.e2, 32, false);
+    dem.grid.x0 = 600000.0;
+    dem.grid.y0 = 5300000.0;
+    dem.grid.dx = dem.grid.dy = 30.0;
+    const struct {
+        int column;
+        int row;
+        float height_m;
+    } cases[] = {{0, 0, 80.0F}, {-5, 1, 84.0F}, {9, 9, 91.0F}, {2, -1, 82.0F}};
+    for (const auto& c : cases) {
+        VECTOR_3D<double> p;
+        float height_m = 0.0F;
+        Get_Earth_Position_From_DEM(dem.grid, c.column, c.row, p.x, p.y, p.z, &height_m);
+        EXPECT_EQ(height_m, c.height_m);
+        // The place itself is not clamped.
+        const POINT<double> back = LocateInDem(dem.grid, p);
+        EXPECT_NEAR(back.x, c.column, 1e-6);
+        EXPECT_NEAR(back.y, c.row, 1e-6);
+    }
+}
+
+TEST(DemGrid, RefusesKindsItDoesNotKnow) {
+    SMALL_DEM dem("LAMBERT");
+    double column = 0.0;
+    double row = 0.0;
+    double p[3];
+    EXPECT_THAT(
+        LoggedBy([&] { EXPECT_THROW(Get_Earth_Position_From_DEM(dem.grid, 0, 0, p[0], p[1], p[2]), ERROR_DATA); }),
+        testing::HasSubstr("DEM grid must be UTM or GEO : LAMBERT\n"));
+    EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(Get_Local_DEM_From_GEO(dem.grid, column, row, 1.0, 1.0), ERROR_DATA); }),
+                testing::HasSubstr("DEM grid must be UTM or GEO : LAMBERT\n"));
+    dem.grid.kind = "Utm";
+    EXPECT_THAT(
+        LoggedBy([&] { EXPECT_THROW(Get_Local_DEM_From_GEO(dem.grid, column, row, 1.0, 1.0), ERROR_NOT_IMPLEMENTED); }),
+        testing::HasSubstr("Get_Local_DEM_From_GEO not yet implemented for UTM\n"));
+}
+
+TEST(DemGrid, TakesOffOneTurnAtMost) {
+    SMALL_DEM dem("GEO");
+    dem.grid.dx = dem.grid.dy = 0.25;
+    dem.grid.y0 = 40.0;
+    const struct {
+        double x0;
+        double longitude_deg;
+        double column;
+    } cases[] = {
+        {10.0, 12.0, 8.0},
+        {-118.0, 242.0, 1440.0},  // exactly one turn off stays: only beyond it is one taken off
+        {-118.0, 242.5, 2.0},
+        {-118.0, 241.5, 1438.0},  // just west of the edge: a turn too far, which LocateInDem mends
+        {200.0, -161.0, -4.0},    // below minus one turn: one is added
+    };
+    for (const auto& c : cases) {
+        dem.grid.x0 = c.x0;
+        double column = 0.0;
+        double row = 0.0;
+        Get_Local_DEM_From_GEO(dem.grid, column, row, c.longitude_deg, 39.0);
+        EXPECT_NEAR(column, c.column, 1e-9) << c.longitude_deg;
+        EXPECT_NEAR(row, 4.0, 1e-9);
+    }
+}
+
+TEST(DemGrid, FindsAPointInWhateverTurnTheDemIsWritten) {
+    const DATUM seven_parameters = {false,
+                                    {598.1, 73.7, 418.2},
+                                    1.0000067,
+                                    {{1.0, -1.2e-05, 2.2e-07}, {1.2e-05, 1.0, 9.8e-07}, {-2.2e-07, -9.8e-07, 1.0}}};
+    const struct {
+        const char* name;
+        double x0;
+        double column;
+    } cases[] = {
+        {"118 west, negative", -118.3, 1.5},     {"118 west, above 180", 241.7, 1.5},
+        {"just outside the west", -118.3, -0.2}, {"across 180", 179.6, 3.0},
+        {"across 180, negative", -180.4, 3.0},   {"across Greenwich, 359.9", 359.9, 2.5},
+        {"just outside the east", 10.0, 4.4},
+    };
+    for (const auto& c : cases) {
+        for (const bool shifted : {false, true}) {
+            SCOPED_TRACE(c.name);
+            SMALL_DEM dem("GEO");
+            dem.grid.x0 = c.x0;
+            dem.grid.y0 = -33.0;
+            dem.grid.dx = 0.2;
+            dem.grid.dy = 0.1;
+            if (shifted) dem.grid.geodetic.datum = seven_parameters;
+            const GEOGRAPHIC place = {(c.x0 + c.column * 0.2) * kRadiansPerDegree, -33.15 * kRadiansPerDegree, 2000.0};
+            const POINT<double> found = LocateInDem(
+                dem.grid,
+                DatumForward(dem.grid.geodetic.datum, GeographicToCartesian(place, kA, dem.grid.geodetic.e2)));
+            EXPECT_NEAR(found.x, c.column, 1e-9);
+            EXPECT_NEAR(found.y, 1.5, 1e-9);
+        }
+    }
+}
+
+}  // namespace
