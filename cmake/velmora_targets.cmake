@@ -12,12 +12,25 @@ function(velmora_library name)
   target_link_libraries(velmora_${name} ${scope} ${arg_USES} velmora_flags Threads::Threads)
 endfunction()
 
-# velmora_test(NAME SOURCES ... USES ...): one test program per library, run with the product's floating-point traps on.
-# A sanitizer run and a plain run differ in the preset only.
+# velmora_test(NAME SOURCES ... USES ... [LABEL threads]): one test program per library, run with the product's
+# floating-point traps on. A sanitizer run and a plain run differ in the preset only. The label is for tests that start
+# threads or concern what threads call: ThreadSanitizer builds run these only, and the target threads_tests builds them.
 function(velmora_test name)
-  cmake_parse_arguments(arg "" "" "SOURCES;USES" ${ARGN})
+  cmake_parse_arguments(arg "" "LABEL" "SOURCES;USES" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   list(TRANSFORM arg_USES PREPEND velmora_)
   target_link_libraries(${name} PRIVATE ${arg_USES} velmora_floating_point_traps GTest::gmock GTest::gtest_main)
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST)
+  if(arg_LABEL)
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES LABELS ${arg_LABEL})
+    velmora_label_target(${arg_LABEL} ${name})
+  else()
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST)
+  endif()
+endfunction()
+
+function(velmora_label_target label program)
+  if(NOT TARGET ${label}_tests)
+    add_custom_target(${label}_tests)
+  endif()
+  add_dependencies(${label}_tests ${program})
 endfunction()

@@ -8,15 +8,15 @@ jobs=$(nproc)
 
 tools/setup.sh
 
-run_preset() {  # preset, then arguments of ctest
-    local preset=$1
-    shift
+run_preset() {  # preset, target to build, then arguments of ctest
+    local preset=$1 target=$2
+    shift 2
     echo "== $preset"
     cmake --preset "$preset"
-    cmake --build --preset "$preset" --parallel "$jobs"
+    cmake --build --preset "$preset" --parallel "$jobs" --target "$target"
     ctest --preset "$preset" --parallel "$jobs" "$@"
 }
 
-run_preset tsan --label-regex threads
-run_preset asan
-run_preset release
+run_preset tsan threads_tests --label-regex threads
+run_preset asan all
+run_preset release all

@@ -275,6 +275,17 @@ def test_missing_mandatory_key_waits_for_the_keyboard_and_is_ended_by_the_alarm(
     _assert_failed_without_products(folder)
 
 
+def test_missing_mandatory_key_with_a_closed_keyboard_ends_at_once(fresh_scene):
+    _, folder = fresh_scene(**SMALL)
+    edit_control_file(folder, RANGE_TIME_SHIFT=None)
+    before = pool_bytes(folder)
+    run = velmora(folder, environment={"SECONDS_ON_PARAMETER_INPUT": "100"}, limit_s=50)
+    assert run.status == 1, run.explanation()
+    assert "RANGE_TIME_SHIFT" in run.lines("ALARM")[0] and run.lines("ALARM")[-1] == LAST_LINE
+    assert pool_bytes(folder) == before
+    _assert_failed_without_products(folder)
+
+
 def test_keyboard_answers_a_missing_key(fresh_scene):
     _, folder = fresh_scene(**SMALL)
     edit_control_file(folder, LOOKS_AZ=None)

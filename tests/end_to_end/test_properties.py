@@ -158,20 +158,6 @@ def _refine(made, folder):
                           "lower_northing FLT_15 %.17g" % (pool["upper_northing"] - 0.5 * dy * new.shape[0]))
 
 
-def test_the_number_of_threads_does_not_matter(fresh_scene):
-    """Byte for byte for one thread twice; beyond rounding only where two cells claim a pixel for several threads."""
-    runs = {}
-    for name, parallel in (("1", "1"), ("1 again", "1"), ("2", "2"), ("5", "5"), ("1000", "1000")):
-        _, folder = fresh_scene(name.replace(" ", "_"), **SIZE, shift_factors=(2, 2), earth_factors=(1, 3))
-        runs[name] = succeed(folder, parallel=parallel)
-    for name in ("SIMU_PHASE", "RG_COREG", "AZ_COREG", "X_EARTH", "Y_EARTH", "Z_EARTH", "H_EARTH"):
-        one = runs["1"].product(name)
-        assert np.array_equal(one, runs["1 again"].product(name)), name
-        for parallel in ("2", "5", "1000"):
-            difference = runs[parallel].product(name).astype(float) - one
-            assert judge.share_over(difference, 0.01 + judge.ulp(one)) <= 0.002, (name, parallel)
-
-
 # Ranges and azimuths of the shift, Earth and geocoding factors, and image sizes that are and are not multiples of them.
 FACTORS = [((4, 2), (3, 3), (), (141, 110)), ((1, 1), (5, 4), (), (140, 113)), ((2, 2), (3, 5), (2, 3), (140, 110)),
            ((1, 1), (1, 1), (2, 2), (139, 111)), ((5, 5), (4, 4), (3, 2), (143, 107)), ((3, 4), (2, 2), (5, 5), (97, 101))]

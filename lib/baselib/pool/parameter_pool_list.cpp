@@ -10,8 +10,7 @@ namespace {
 
 template <class ERROR>
 [[noreturn]] void Fail(const std::string& key, const std::string& reason) {
-    Log().Message(LOGGING_LEVEL::ALARM, "parameter pool: parameter key >> %s << can not be written: %s", key.c_str(),
-                  reason.c_str());
+    Log().Message(LOGGING_LEVEL::ALARM, "key \"%s\": %s", key.c_str(), reason.c_str());
     throw ERROR();
 }
 

@@ -31,3 +31,8 @@ void PARAMETER_POOL_READ_WRITE_CHANGE::Update() {
     }
     pending_.Clear();
 }
+
+void PARAMETER_POOL_READ_WRITE_CHANGE::LogRefusal(const std::string& key) const {
+    Log().Message(LOGGING_LEVEL::ALARM, "%s: key \"%s\": the value can not be written into the pool",
+                  FileName().c_str(), key.c_str());
+}

@@ -22,9 +22,14 @@ class PARAMETER_POOL_READ_WRITE_CHANGE : public PARAMETER_POOL {
     template <class T>
     void Change(const std::string& key, const T& value, std::vector<std::string> comments = {}) {
         static_assert(kPoolType<T> != 0, "no type of pool values");
-        PARAMETER_POOL_ITEM item{key, POOL_TYPE(kPoolType<T>), PoolValueText(value), std::move(comments)};
-        item.Check();
-        pending_.Put(std::move(item));
+        try {
+            PARAMETER_POOL_ITEM item{key, POOL_TYPE(kPoolType<T>), PoolValueText(value), std::move(comments)};
+            item.Check();
+            pending_.Put(std::move(item));
+        } catch (const ERROR_EXCEPTION&) {
+            LogRefusal(key);
+            throw;
+        }
     }
 
     /// Writes the collected entries: an entry of the file is replaced in place (the first one of its key), further ones
@@ -35,5 +40,7 @@ class PARAMETER_POOL_READ_WRITE_CHANGE : public PARAMETER_POOL {
     void Update();
 
   private:
+    void LogRefusal(const std::string& key) const;
+
     PARAMETER_POOL_LIST pending_;
 };

@@ -170,11 +170,8 @@ std::string PoolFieldText(double value) {
 
 std::string PoolFieldText(const std::string& value) {
     if (value.find_first_of(std::string_view("\"\n\r\0", 4)) != std::string::npos) {
-        Log().Message(
-            LOGGING_LEVEL::ALARM,
-            "parameter pool: the string >>%s<< holds a double quote, a line end or a zero byte and can not be "
-            "written into a pool",
-            value.c_str());
+        Log().Message(LOGGING_LEVEL::ALARM, "the string >>%s<< holds a double quote, a line end or a zero byte",
+                      value.c_str());
         throw INVALID_PARAMETER_VALUE();
     }
     return '"' + value + '"';

@@ -1,0 +1,70 @@
+#include "lib/baselib/controller/control_file.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <thread>
+
+#include "tests/controller/temporary_folder.h"
+
+namespace {
+
+class ControlFileTest : public testing::Test {
+  protected:
+    std::string Entries() {
+        std::string text;
+        while (const auto entry = file_.NextEntry()) text += "[" + entry->key + "=" + entry->value + "]";
+        return text;
+    }
+
+    TEMPORARY_FOLDER folder_;
+    CONTROL_FILE file_;
+};
+
+TEST_F(ControlFileTest, SplitsLinesIntoTwoWords) {
+    struct CASE {
+        std::string content, entries;
+    };
+    const CASE cases[] = {
+        {"", ""},
+        {"KEY value and more\n", "[KEY=value]"},
+        {"KEY\n\tOTHER \t x", "[KEY=][OTHER=x]"},
+        {"\n  \nKEY v\r\n", "[=][=][KEY=v]"},
+        {std::string("KEY\0x y\nB c\n", 12), "[KEY=][B=c]"},
+        // A line of 1024 characters is whole with its end in the next read; a longer one goes on as a line of its own.
+        {"KEY " + std::string(1020, 'v') + "\nB c\n", "[KEY=" + std::string(1020, 'v') + "][=][B=c]"},
+        {"KEY " + std::string(1020, 'v') + "REST w\n", "[KEY=" + std::string(1020, 'v') + "][REST=w]"},
+        {std::string(5000, 'k') + "\n", "[" + std::string(1024, 'k') + "=][" + std::string(1024, 'k') + "=][" +
+                                            std::string(1024, 'k') + "=][" + std::string(1024, 'k') + "=][" +
+                                            std::string(904, 'k') + "=]"},
+    };
+    for (const CASE& c : cases) {
+        Write("pcf", c.content);
+        ASSERT_TRUE(file_.Open("pcf"));
+        EXPECT_EQ(Entries(), c.entries);
+    }
+}
+
+TEST_F(ControlFileTest, KeysLeaveTheReadingPosition) {
+    Write("pcf", "A 1\n\nB 2\nC\n");
+    ASSERT_TRUE(file_.Open("pcf"));
+    EXPECT_EQ(file_.NextEntry()->key, "A");
+    EXPECT_THAT(file_.Keys(), testing::ElementsAre("A", "B", "C"));
+    EXPECT_EQ(Entries(), "[=][B=2][C=]");
+}
+
+TEST_F(ControlFileTest, RefusesFoldersAndTakesPipesAndEndlessDevices) {
+    EXPECT_FALSE(file_.Open("nothing"));
+    EXPECT_FALSE(file_.Open("."));
+    EXPECT_TRUE(file_.Open("/dev/zero")) << "read up to a limit";
+    ASSERT_EQ(mkfifo("pipe", 0600), 0);
+    std::thread writer([] { Write("pipe", "A 1\nB 2\n"); });
+    ASSERT_TRUE(file_.Open("pipe"));
+    writer.join();
+    EXPECT_EQ(Entries(), "[A=1][B=2]");
+    file_.Rewind();
+    EXPECT_EQ(Entries(), "[A=1][B=2]");
+}
+
+}  // namespace

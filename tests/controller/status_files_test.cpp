@@ -1,0 +1,67 @@
+#include "lib/baselib/controller/status_files.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "tests/controller/temporary_folder.h"
+
+namespace {
+
+/// What an attacker, or a mishap, leaves under the name of the status file. "victim" must stay as it is.
+struct OBSTACLE {
+    const char* name;
+    void (*place)();
+};
+const OBSTACLE kObstacles[] = {
+    {"nothing", [] {}},
+    {"an earlier status file", [] { Write("ERROR.x", "0"); }},
+    {"a long file", [] { Write("ERROR.x", std::string(10000, 'x')); }},
+    {"a link to a file", [] { ASSERT_EQ(symlink("victim", "ERROR.x"), 0); }},
+    {"a link to nowhere", [] { ASSERT_EQ(symlink("nowhere", "ERROR.x"), 0); }},
+    {"a second name of a file", [] { ASSERT_EQ(link("victim", "ERROR.x"), 0); }},
+    {"a pipe that nobody reads", [] { ASSERT_EQ(mkfifo("ERROR.x", 0600), 0); }},
+};
+
+TEST(WriteStatusFile, HoldsTheDigitWhateverStoodThere) {
+    for (const OBSTACLE& obstacle : kObstacles) {
+        SCOPED_TRACE(obstacle.name);
+        const TEMPORARY_FOLDER folder;
+        Write("victim", "precious");
+        obstacle.place();
+        EXPECT_TRUE(WriteStatusFile("ERROR.x", '1'));
+        EXPECT_EQ(Content("ERROR.x"), "1");
+        EXPECT_TRUE(std::filesystem::is_regular_file(std::filesystem::symlink_status("ERROR.x")));
+        EXPECT_EQ(Content("victim"), "precious");
+        EXPECT_FALSE(std::filesystem::exists("nowhere"));
+    }
+}
+
+TEST(WriteStatusFile, TellsWhenItCannot) {
+    const TEMPORARY_FOLDER folder;
+    std::filesystem::create_directories("ERROR.x/full");
+    Write("file", "");
+    EXPECT_FALSE(WriteStatusFile("ERROR.x", '1')) << "a folder of this name";
+    EXPECT_FALSE(WriteStatusFile("file/ERROR.x", '1')) << "a path below a file";
+    EXPECT_FALSE(WriteStatusFile("nowhere/ERROR.x", '1'));
+}
+
+TEST(StatusFiles, AreRewrittenInPlaceAndRemovedByName) {
+    const TEMPORARY_FOLDER folder;
+    Write("ERROR.x", "0");
+    struct stat before = {};
+    struct stat after = {};
+    ASSERT_EQ(stat("ERROR.x", &before), 0);
+    ASSERT_TRUE(WriteStatusFile("ERROR.x", '1'));
+    ASSERT_EQ(stat("ERROR.x", &after), 0);
+    EXPECT_EQ(before.st_ino, after.st_ino) << "no moment without the file";
+    Write("victim", "precious");
+    ASSERT_EQ(symlink("victim", "OK.x"), 0);
+    RemoveStatusFile("OK.x");
+    EXPECT_EQ(Content("victim"), "precious");
+    EXPECT_FALSE(CanBeRead("OK.x"));
+    ASSERT_EQ(mkfifo("STOP.x", 0600), 0);
+    EXPECT_TRUE(CanBeRead("STOP.x")) << "without waiting for a writer";
+}
+
+}  // namespace
