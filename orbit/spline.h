@@ -1,0 +1,39 @@
+/// \file spline.h
+/// Natural cubic spline through all support points: second derivative 0 at both ends.
+/// Accuracy: in the middle of the data of order h^4 in value, h^2 in second derivative; the condition at the ends costs
+/// h^2 near them, fading by a factor of about 4 per point inwards.
+
+#pragma once
+
+#include <vector>
+
+#include "orbit/interpolation.h"
+#include "orbit/jet.h"
+
+template <class T>
+class SPLINE final : public INTERPOLATION<T, POINT<T>> {
+  public:
+    /// Up to this many interior points the continuity system is solved as a full matrix; beyond, where the matrix would
+    /// grow to gigabytes and the time with its cube, as the tridiagonal system that it is.
+    static constexpr int kMaxFullSystem = 500;
+
+    using INTERPOLATION<T, POINT<T>>::Create;
+    /// @throws ERROR_ARGUMENT also for fewer than two points
+    void Create(const ARRAY<POINT<T>>& points) override;
+    void Evaluate(T x, T& value, T& first, T& second) const override;
+    /// A spline has no polynomial coefficients: logs a WARNING and returns nothing.
+    ARRAY<T> GetCoeffs() const override;
+
+  private:
+    /// a + b d + c d^2 + e d^3 with d = x - left point of the interval
+    struct CUBIC {
+        double a, b, c, e;
+    };
+
+    SUPPORT_POINTS points_;
+    std::vector<CUBIC> cubics_;  ///< one per interval
+    REACH reach_;
+};
+
+extern template class SPLINE<float>;
+extern template class SPLINE<double>;
