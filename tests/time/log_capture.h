@@ -18,7 +18,7 @@ std::string LoggedBy(FUNCTION function, LOGGING_LEVEL level = LOGGING_LEVEL::DEB
     function();
     std::fflush(stdout);
     std::string text = testing::internal::GetCapturedStdout();
-    Log().SetScreenThreshold(static_cast<int>(LOGGING_LEVEL::NO_MESSAGE));
+    Log().SetScreenThreshold(static_cast<int>(LOGGING_LEVEL::DEBUG));  // as at the start
     return text;
 }
 

@@ -1,0 +1,381 @@
+#include "simulation/bistatic_solution.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+
+#include "geometry/zero_doppler.h"
+#include "lib/baselib/errors/error_exception.h"
+#include "simulation/common_time_axis.h"
+#include "tests/simulation/test_scene.h"
+#include "tests/time/log_capture.h"
+#include "time/time_axis.h"
+
+namespace {
+
+using POINT_LD = VECTOR_3D<long double>;
+constexpr long double kC = 299792458.0L;
+
+/// Two satellites in formation, in closed form.
+struct FORMATION {
+    CIRCULAR_ORBIT<long double> master;
+    CIRCULAR_ORBIT<long double> slave;
+};
+
+template <class T>
+CIRCULAR_ORBIT<double> Double(const CIRCULAR_ORBIT<T>& orbit) {
+    return {static_cast<double>(orbit.radius_m), static_cast<double>(orbit.inclination_rad),
+            static_cast<double>(orbit.node_rad), static_cast<double>(orbit.argument_rad)};
+}
+
+FORMATION Formation(double argument_rad, double along_m, double across_m) {
+    FORMATION f;
+    f.master = {7071000.0L, 1.71L, 0.4L, argument_rad};
+    f.slave = f.master;
+    f.slave.argument_rad += along_m / f.master.radius_m;
+    // Half the distance upwards, half sideways by turning the plane.
+    f.slave.radius_m += static_cast<long double>(across_m) / 2;
+    f.slave.node_rad += static_cast<long double>(across_m) / 2 / f.master.radius_m;
+    return f;
+}
+
+/// Travel time master - point - slave of the echo received at t, iterated until it stands still.
+long double TravelTime(const FORMATION& f, const POINT_LD& p, long double t) {
+    const long double receive_s = Length(f.slave.Position(t) - p) / kC;
+    long double travel_s = 2 * receive_s;
+    for (int i = 0; i < 30; ++i) travel_s = Length(f.master.Position(t - travel_s) - p) / kC + receive_s;
+    return travel_s;
+}
+
+struct MINIMUM {
+    long double receive_time_s;
+    long double travel_s;
+};
+
+/// Golden-section search, then the vertex of a parabola 2 ms wide: to some 1e-11 s.
+MINIMUM ShortestTravel(const FORMATION& f, const POINT_LD& p, long double near_s) {
+    const long double ratio = (std::sqrt(5.0L) - 1.0L) / 2.0L;
+    long double low = near_s - 5.0L;
+    long double high = near_s + 5.0L;
+    while (high - low > 1e-5L) {
+        const long double left = high - ratio * (high - low);
+        const long double right = low + ratio * (high - low);
+        (TravelTime(f, p, left) < TravelTime(f, p, right) ? high : low) =
+            TravelTime(f, p, left) < TravelTime(f, p, right) ? right : left;
+    }
+    const long double middle = (low + high) / 2.0L;
+    const long double step = 1e-3L;
+    const long double before = TravelTime(f, p, middle - step);
+    const long double after = TravelTime(f, p, middle + step);
+    const long double vertex =
+        middle + 0.5L * step * (before - after) / (before - 2.0L * TravelTime(f, p, middle) + after);
+    return {vertex, TravelTime(f, p, vertex)};
+}
+
+/// A scene of orbits alone, and one ground point solved towards both.
+class PAIR {
+  public:
+    PAIR(const FORMATION& f, double look, double height_m)
+        : motion_(f),
+          master_orbit_(OrbitFrom(MotionOf(Double(f.master)))),
+          slave_orbit_(OrbitFrom(MotionOf(Double(f.slave)))) {
+        scene.master.orbit = {master_orbit_.get(), 0.0};
+        scene.slave.orbit = {slave_orbit_.get(), 0.0};
+        scene.master.carrier_frequency_hz = scene.slave.carrier_frequency_hz = 9.65e9;
+        scene.slave.azimuth_bandwidth_hz = 2600.0;
+        scene.bistatic = true;
+        const CIRCULAR_ORBIT<double> master = Double(f.master);
+        point_m = geolocation_fast(master.Position(1.25), master.Velocity(1.25), look, height_m, 6356752.315, 6378137.0,
+                                   0.0055, 0.0)
+                      .point_m;
+        master_time_s = CalcSlaveTime(scene.master.orbit, point_m, &master_range_m, 0.0);
+        slave_time_s = CalcSlaveTime(scene.slave.orbit, point_m, &slave_range_m, 0.0);
+    }
+
+    [[nodiscard]] BISTATIC_SOLUTION::EQUIVALENT Solve(double aperture_s) const {
+        BISTATIC_SOLUTION solution(scene);
+        solution.PrepareForAperture(aperture_s);
+        return solution.Solve(point_m, master_time_s, master_range_m, slave_time_s, {3, 4});
+    }
+
+    /// The aperture of the point itself: bandwidth over Doppler rate, in closed form.
+    [[nodiscard]] double Aperture() const {
+        const CIRCULAR_STATE<double> s = Double(motion_.slave).State(slave_time_s);
+        return slave_range_m * (kSpeedOfLight / 9.65e9) * 2600.0 /
+               (2.0 *
+                (DotProduct(s.position_m - point_m, s.acceleration_m_s2) + DotProduct(s.velocity_m_s, s.velocity_m_s)));
+    }
+
+    [[nodiscard]] POINT_LD Point() const { return {point_m.x, point_m.y, point_m.z}; }
+    [[nodiscard]] double MiddleTime() const { return 0.5 * (master_time_s + slave_time_s); }
+    /// The equivalent time that belongs to a receive time and its travel time.
+    [[nodiscard]] double EquivalentTime(long double receive_time_s, long double travel_s) const {
+        return static_cast<double>(master_range_m / kC + (receive_time_s - travel_s));
+    }
+
+    SCENE scene;
+    VECTOR_3D<double> point_m{};
+    double master_time_s = 0.0;
+    double master_range_m = 0.0;
+    double slave_time_s = 0.0;
+    double slave_range_m = 0.0;
+
+  private:
+    FORMATION motion_;
+    std::unique_ptr<ORBIT_OF_POOL> master_orbit_;
+    std::unique_ptr<ORBIT_OF_POOL> slave_orbit_;
+};
+
+TEST(BistaticSolution, FindsTheShortestTwoWayPath) {
+    for (const double argument_rad : {0.7, 2.2}) {  // ascending, descending
+        for (const double look : {1.0, -1.0}) {
+            for (const double along_m : {0.0, 100.0, 1e3, 1e4}) {
+                for (const double across_m : {0.0, 100.0, 1e3, 1e4}) {
+                    const FORMATION f = Formation(argument_rad, along_m, across_m);
+                    const PAIR pair(f, look, 1500.0);
+                    const BISTATIC_SOLUTION::EQUIVALENT found = pair.Solve(pair.Aperture());
+                    const MINIMUM truth = ShortestTravel(f, pair.Point(), pair.MiddleTime());
+                    const double range_m = static_cast<double>(truth.travel_s * kC / 2);
+                    const double time_s = pair.EquivalentTime(truth.receive_time_s, truth.travel_s);
+                    EXPECT_NEAR(found.range_m, range_m, 1e-6) << along_m << " " << across_m;
+                    EXPECT_NEAR(found.time_s, time_s, 5e-7) << along_m << " " << across_m;
+
+                    // The same samples through an exact parabola.
+                    const long double half_s = pair.Aperture() / 2;
+                    std::array<long double, 3> y{};
+                    for (int i = 0; i < 3; ++i) {
+                        const long double t = TravelTime(f, pair.Point(), pair.MiddleTime() + (i - 1) * half_s);
+                        y[i] = t * t;
+                    }
+                    const long double c1 = (y[2] - y[0]) / 2;
+                    const long double c2 = (y[0] + y[2]) / 2 - y[1];
+                    const long double travel_s = std::sqrt(y[1] - c1 * c1 / c2 / 4);
+                    EXPECT_NEAR(found.time_s, pair.EquivalentTime(pair.MiddleTime() - half_s * c1 / c2 / 2, travel_s),
+                                1e-9);
+
+                    if (along_m == 0.0 && across_m == 0.0) {
+                        // The satellite moves on while the echo travels: the phase of one image with itself is not 0.
+                        const double wave_number = 4.0 * kPi * 9.65e9 / kSpeedOfLight;
+                        const double phase_rad = wave_number * (found.range_m - pair.master_range_m);
+                        EXPECT_NEAR(phase_rad, wave_number * (range_m - pair.master_range_m), 1e-3);
+                        EXPECT_GT(std::abs(phase_rad), 1e-3);
+                        EXPECT_LT(std::abs(phase_rad), 0.5);
+                    }
+                }
+            }
+        }
+    }
+}
+
+TEST(BistaticSolution, ErrsInTimeWithTheSquareOfTheAperture) {
+    const FORMATION f = Formation(2.2, 1e4, 1e3);
+    const PAIR pair(f, 1.0, 1500.0);
+    const MINIMUM truth = ShortestTravel(f, pair.Point(), pair.MiddleTime());
+    const double time_s = pair.EquivalentTime(truth.receive_time_s, truth.travel_s);
+    double previous_s = pair.Solve(4.0).time_s - time_s;
+    for (const double aperture_s : {2.0, 1.0, 0.5}) {
+        const double error_s = pair.Solve(aperture_s).time_s - time_s;
+        EXPECT_NEAR(previous_s / error_s, 4.0, 0.4) << aperture_s;
+        previous_s = error_s;
+    }
+}
+
+TEST(BistaticSolution, AddsTheCorrectionPolynomial) {
+    PAIR pair(Formation(0.7, 100.0, 100.0), 1.0, 0.0);
+    const BISTATIC_SOLUTION::EQUIVALENT plain = pair.Solve(0.5);
+    const double u = 2.0 * plain.range_m / kSpeedOfLight - 0.005;
+    pair.scene.correction.fast_time_reference_s = 0.005;
+    const struct {
+        std::vector<double> coefficients;
+        double correction_s;
+    } cases[] = {
+        {{}, 0.0},
+        {{0.25}, 0.25},
+        {{3e-6, -1.5e-3, 0.02}, 3e-6 - 1.5e-3 * u + 0.02 * u * u},
+        {{0.0, 0.0, 0.0, 7e3, -1e4}, 7e3 * u * u * u - 1e4 * u * u * u * u},
+    };
+    for (const auto& c : cases) {
+        pair.scene.correction.coefficients = c.coefficients;
+        EXPECT_NEAR(pair.Solve(0.5).time_s, plain.time_s + c.correction_s, 1e-12);
+        EXPECT_EQ(pair.Solve(0.5).range_m, plain.range_m);
+    }
+}
+
+TEST(BistaticSolution, TellsHowManyIterationsItTook) {
+    const PAIR pair(Formation(0.7, 300.0, 200.0), 1.0, 0.0);
+    BISTATIC_SOLUTION solution(pair.scene);
+    EXPECT_EQ(LoggedBy([&] { solution.LogStatistics(); }, LOGGING_LEVEL::TRACE),
+              "TRACE : global : BISTATIC_B: histogram of iterations:\n");
+    solution.PrepareForAperture(0.5);
+    const auto solve = [&] {
+        (void)solution.Solve(pair.point_m, pair.master_time_s, pair.master_range_m, pair.slave_time_s, {0, 0});
+    };
+    for (int i = 0; i < 10; ++i) solve();
+    const std::string log = LoggedBy([&] { solution.LogStatistics(); }, LOGGING_LEVEL::TRACE);
+    // The excess of the last point starts the next one where this one ended: one look each, from the second on.
+    EXPECT_THAT(log, testing::HasSubstr("1 iterations: 27 occurrences\n"));
+    EXPECT_THAT(log, testing::Not(testing::HasSubstr("101 iterations")));
+}
+
+TEST(BistaticSolution, LowersTheOrderOnceForTooFewSamples) {
+    const PAIR pair(Formation(0.7, 300.0, 200.0), 1.0, 0.0);
+    const std::string log = LoggedBy([&] {
+        BISTATIC_SOLUTION solution(pair.scene, {.sample_count = 2});
+        solution.PrepareForAperture(0.5);
+        for (int i = 0; i < 2; ++i) {
+            // A line has no minimum.
+            EXPECT_THROW(
+                (void)solution.Solve(pair.point_m, pair.master_time_s, pair.master_range_m, pair.slave_time_s, {17, 4}),
+                ERROR_ALGORITHM);
+        }
+    });
+    const std::string text = "POLYFIT: reduce polynomial fit order 2 -> 1\n";
+    ASSERT_NE(log.find(text), std::string::npos);
+    EXPECT_EQ(log.find(text, log.find(text) + 1), std::string::npos);
+    EXPECT_THAT(log, testing::HasSubstr("DEM column 17, row 4"));
+    // More samples than coefficients: a real least-squares fit, close to the parabola through three.
+    BISTATIC_SOLUTION five(pair.scene, {.sample_count = 5});
+    five.PrepareForAperture(0.5);
+    EXPECT_NEAR(five.Solve(pair.point_m, pair.master_time_s, pair.master_range_m, pair.slave_time_s, {0, 0}).range_m,
+                pair.Solve(0.5).range_m, 1e-6);
+}
+
+TEST(BistaticSolution, NamesThePointWhoseTravelTimesHaveNoMinimum) {
+    // Accelerating straight towards the point: the path has a maximum, no minimum.
+    const auto falling = [](double t) {
+        return CIRCULAR_STATE<double>{{7e6 - 4.0 * t * t, 0.0, 0.0}, {-8.0 * t, 0.0, 0.0}, {-8.0, 0.0, 0.0}};
+    };
+    const std::unique_ptr<ORBIT_OF_POOL> orbit = OrbitFrom(falling);
+    SCENE scene;
+    scene.master.orbit = scene.slave.orbit = {orbit.get(), 0.0};
+    BISTATIC_SOLUTION solution(scene);
+    solution.PrepareForAperture(0.5);
+    const std::string log = LoggedBy([&] {
+        EXPECT_THROW((void)solution.Solve({6.4e6, 0.0, 0.0}, 0.0, 6e5, 0.0, {12, 34}), ERROR_ALGORITHM);
+    });
+    EXPECT_THAT(log, testing::HasSubstr("DEM column 12, row 34"));
+}
+
+TEST(BistaticSolution, RefusesAnApertureOfNoTime) {
+    PAIR pair(Formation(0.7, 300.0, 200.0), 1.0, 0.0);
+    BISTATIC_SOLUTION solution(pair.scene);
+    EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(solution.PrepareForAperture(0.0), ERROR_PARAMETER); }),
+                testing::HasSubstr("aperture time 0 s"));
+}
+
+double ApertureInClosedForm(const TEST_SCENE& s, const VECTOR_3D<double>& point_m) {
+    const ZERO_DOPPLER zero = SolveZeroDoppler(s.slave_motion, 0.0, point_m, 0.0, {-80.0, 80.0});
+    const CIRCULAR_STATE<double> slave = s.slave_motion.State(zero.time_s);
+    const double rate = DotProduct(slave.position_m - point_m, slave.acceleration_m_s2) +
+                        DotProduct(slave.velocity_m_s, slave.velocity_m_s);
+    return zero.range_m * (kSpeedOfLight / s.scene.slave.carrier_frequency_hz) * s.scene.slave.azimuth_bandwidth_hz /
+           (2.0 * rate);
+}
+
+TEST(BistaticSolution, TakesTheApertureOfTheDemCentre) {
+    TEST_SCENE s({.dem_size = 90});
+    s.scene.bistatic = true;
+    BISTATIC_SOLUTION solution(s.scene);
+    solution.Prepare();
+    EXPECT_NEAR(solution.ApertureTime(), ApertureInClosedForm(s, s.PointAt(45, 45)), 1e-9);
+}
+
+TEST(BistaticSolution, TakesTheSimulatedCentreOfADemThatReachesBeyondTheOrbits) {
+    // 6000 km of DEM: its centre lies 1500 km and more beyond the state vectors, where the interpolation would end the
+    // process if it were asked.
+    TEST_SCENE s({.dem_size = 90});
+    s.scene.bistatic = true;
+    std::vector<const short*> rows(200000, s.heights.Table()[0]);
+    s.scene.dem.rows = static_cast<int>(rows.size());
+    s.scene.dem.heights = rows.data();
+    s.scene.simulated = {20, 60, 10, 50};
+    BISTATIC_SOLUTION solution(s.scene);
+    const std::string log = LoggedBy([&] { solution.Prepare(); });
+    EXPECT_THAT(log, testing::HasSubstr("the reference point is column 30, row 40\n"));
+    EXPECT_NEAR(solution.ApertureTime(), ApertureInClosedForm(s, s.PointAt(30, 40)), 1e-4 * solution.ApertureTime());
+}
+
+TEST(BistaticSolution, FillsTheImageOfASinglePassPair) {
+    TEST_SCENE s({.name = "bistatic", .argument_rad = 0.7, .look = -1.0});
+    s.scene.bistatic = true;
+    s.scene.slave.azimuth_bandwidth_hz = 2000.0;
+    s.scene.correction = {{1e-6, 2e-3}, 0.0058};
+    s.Run();
+    ASSERT_EQ(s.MaskCount(), s.request.image_rows * s.request.image_columns);
+    FORMATION f;
+    f.master = {s.master_motion.radius_m, s.master_motion.inclination_rad, s.master_motion.node_rad,
+                s.master_motion.argument_rad};
+    f.slave = {s.slave_motion.radius_m, s.slave_motion.inclination_rad, s.slave_motion.node_rad,
+               s.slave_motion.argument_rad};
+    for (const auto& [row, column] : {std::array{0, 0}, {30, 35}, {59, 69}, {5, 60}}) {
+        // The pixel's own products tell its ground point to half a metre, which moves path and pixel alike; so hold
+        // the difference of phase against the difference of path at the point itself.
+        const VECTOR_3D<double> p = {s.x.At(row, column), s.y.At(row, column), s.z.At(row, column)};
+        const ZERO_DOPPLER master = SolveZeroDoppler(s.master_motion, 0.0, p, 0.0, {-80.0, 80.0});
+        const MINIMUM truth = ShortestTravel(f, {p.x, p.y, p.z}, 0.1);
+        const double range_m = static_cast<double>(truth.travel_s * kC / 2);
+        const double phase_rad = 4.0 * kPi * 5.405e9 / kSpeedOfLight * (range_m - master.range_m);
+        EXPECT_NEAR(s.phase.At(row, column), phase_rad, 0.2 + 1e-7 * std::abs(phase_rad));
+        const double travel_s = static_cast<double>(truth.travel_s);
+        const double time_s = master.range_m / kSpeedOfLight + static_cast<double>(truth.receive_time_s) - travel_s +
+                              1e-6 + 2e-3 * (travel_s - 0.0058);
+        EXPECT_NEAR(s.shift_azimuth.At(row, column), (time_s - s.scene.slave.first_azimuth_time_s) * 700.0, 0.1);
+        EXPECT_NEAR(s.shift_range.At(row, column), (travel_s - s.scene.slave.near_range_time_s) * 15e6, 0.1);
+    }
+}
+
+std::vector<std::string> UtcTimes(const UNIVERSAL_TIME& zero) {
+    std::vector<std::string> times;
+    for (int i = 0; i < 17; ++i) {
+        times.push_back(TIME_AXIS<UNIVERSAL_TIME>::ToText(TIME_AXIS<UNIVERSAL_TIME>::Plus(zero, -80.0 + 10.0 * i)));
+    }
+    return times;
+}
+
+TEST(CommonTimeAxis, CountsTheSlaveFromTheMastersInstant) {
+    using AXIS = TIME_AXIS<UNIVERSAL_TIME>;
+    const FORMATION f = Formation(0.7, 1000.0, 300.0);
+    const UNIVERSAL_TIME master_zero = AXIS::FromText("31-DEC-2016/23:59:55.000000");
+    const UNIVERSAL_TIME slave_zero = AXIS::FromText("01-JAN-2017/00:00:00.500000");  // a leap second between: 6.5 s
+    const auto master_orbit = OrbitFrom(MotionOf(Double(f.master)), "hermite_0_8", "orbit_pool_double_utc",
+                                        AXIS::ToText(master_zero), UtcTimes(master_zero));
+    const auto same_orbit = OrbitFrom(MotionOf(Double(f.slave)), "hermite_0_8", "orbit_pool_double_utc",
+                                      AXIS::ToText(master_zero), UtcTimes(master_zero));
+    // The same motion, its state vectors at other instants.
+    const CIRCULAR_ORBIT<double> slave = Double(f.slave);
+    const auto later_orbit = OrbitFrom([&](double t) { return slave.State(t + 6.5); }, "hermite_0_8",
+                                       "orbit_pool_double_utc", AXIS::ToText(slave_zero), UtcTimes(slave_zero));
+    const auto plain_orbit = OrbitFrom(MotionOf(slave));
+
+    ACQUISITION_SCENE master;
+    master.orbit = {master_orbit.get(), 0.0};
+    ACQUISITION_SCENE same;
+    same.orbit = {same_orbit.get(), 0.0};
+    same.first_azimuth_time_s = 3.0;
+    EXPECT_EQ(LoggedBy([&] { CarrySlaveOntoMasterAxis(master, same); }, LOGGING_LEVEL::INFO), "");
+    EXPECT_EQ(same.orbit.offset_s, 0.0);
+
+    ACQUISITION_SCENE later;
+    later.orbit = {later_orbit.get(), 0.0};
+    later.first_azimuth_time_s = 3.0 - 6.5;
+    later.last_azimuth_time_s = 4.0 - 6.5;
+    EXPECT_THAT(LoggedBy([&] { CarrySlaveOntoMasterAxis(master, later); }, LOGGING_LEVEL::INFO),
+                testing::HasSubstr("+6.500000 [s]\n"));
+    EXPECT_EQ(later.first_azimuth_time_s, 3.0);
+    EXPECT_EQ(later.last_azimuth_time_s, 4.0);
+    const VECTOR_3D<double> ground = PAIR(f, 1.0, 0.0).point_m;
+    double range_same_m = 0.0;
+    double range_later_m = 0.0;
+    EXPECT_NEAR(CalcSlaveTime(same.orbit, ground, &range_same_m, 0.0),
+                CalcSlaveTime(later.orbit, ground, &range_later_m, 0.0), 2e-9);
+    EXPECT_NEAR(range_same_m, range_later_m, 1e-7);
+
+    ACQUISITION_SCENE plain;
+    plain.orbit = {plain_orbit.get(), 0.0};
+    EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(CarrySlaveOntoMasterAxis(master, plain), ERROR_PARAMETER); }),
+                testing::HasSubstr("orbit_reference_time of the master is of the kind \"UTC\""));
+}
+
+}  // namespace
