@@ -5,9 +5,9 @@
 
 #include "lib/baselib/pool/pool_update.h"
 
-PARAMETER_POOL_READ_WRITE_CHANGE::PARAMETER_POOL_READ_WRITE_CHANGE(const std::string& path) {
+void PARAMETER_POOL_READ_WRITE_CHANGE::Open(const std::string& path) {
     Log().Message(LOGGING_LEVEL::DEBUG, "construct pool_rwc: %s", path.c_str());
-    Open(path);
+    PARAMETER_POOL::Open(path);
     if (IsWritable()) return;
     Log().Message(LOGGING_LEVEL::ALARM, "can not open pool file for update %s", path.c_str());
     throw CAN_NOT_OPEN_POOL();

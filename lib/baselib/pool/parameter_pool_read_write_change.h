@@ -13,8 +13,13 @@
 
 class PARAMETER_POOL_READ_WRITE_CHANGE : public PARAMETER_POOL {
   public:
+    /// A pool without a file; Open() follows.
+    PARAMETER_POOL_READ_WRITE_CHANGE() = default;
+    /// @throws as Open
+    explicit PARAMETER_POOL_READ_WRITE_CHANGE(const std::string& path) { Open(path); }
+
     /// @throws CAN_NOT_OPEN_POOL, also for a file that can only be read
-    explicit PARAMETER_POOL_READ_WRITE_CHANGE(const std::string& path);
+    void Open(const std::string& path);
 
     /// Notes the entry's new value; reading sees it after Update().
     /// @param comments lines to stand above the entry
