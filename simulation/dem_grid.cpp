@@ -34,16 +34,15 @@ GEOGRAPHIC GeographicOfGeoSample(const DEM_GRID& dem, int column, int row) {
 
 }  // namespace
 
+GEOGRAPHIC GeographicOfDemSample(const DEM_GRID& dem, int column, int row) {
+    if (IsKind(dem, "GEO")) return GeographicOfGeoSample(dem, column, row);
+    if (IsKind(dem, "UTM")) return GeographicOfUtmSample(dem, column, row);
+    RefuseKind(dem);
+}
+
 void Get_Earth_Position_From_DEM(const DEM_GRID& dem, int column, int row, double& x_m, double& y_m, double& z_m,
                                  float* height_m) {
-    GEOGRAPHIC position;
-    if (IsKind(dem, "GEO")) {
-        position = GeographicOfGeoSample(dem, column, row);
-    } else if (IsKind(dem, "UTM")) {
-        position = GeographicOfUtmSample(dem, column, row);
-    } else {
-        RefuseKind(dem);
-    }
+    const GEOGRAPHIC position = GeographicOfDemSample(dem, column, row);
     const VECTOR_3D<double> point_m =
         DatumForward(dem.geodetic.datum, GeographicToCartesian(position, dem.geodetic.a_m, dem.geodetic.e2));
     x_m = point_m.x;

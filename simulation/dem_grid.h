@@ -27,6 +27,10 @@ struct DEM_GRID {
     std::optional<UTM_PROJECTION> utm{};  ///< present for a "UTM" grid
 };
 
+/// DEM sample to longitude, latitude (radians) on the DEM's own ellipsoid and height (metres, offset included). Indices
+/// and errors as below.
+[[nodiscard]] GEOGRAPHIC GeographicOfDemSample(const DEM_GRID& dem, int column, int row);
+
 /// DEM sample to Earth-fixed position; the height of the sample, offset included, if asked for.
 /// A "GEO" index must lie inside the grid (not checked). A "UTM" index may lie outside: the position follows the grid's
 /// lines, the height is that of the nearest sample.
