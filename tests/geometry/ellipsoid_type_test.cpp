@@ -1,6 +1,14 @@
 #include "geometry/ellipsoid_type.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+
+#include "lib/baselib/pool/parameter_pool.h"
+#include "lib/baselib/pool/pool_errors.h"
+#include "tests/time/log_capture.h"
 
 namespace {
 
@@ -40,6 +48,24 @@ TEST(EllipsoidType, RefusesAnotherName) {
         EXPECT_NE(error.Message().find(": WGS 84"), std::string::npos);
     }
     EXPECT_EQ(EllipsoidType<double>::ValidNames(), "'Airy' 'Bessel' 'GRS80' 'WGS84' '-' ");
+}
+
+TEST(EllipsoidType, ReadsItsNameFromAPool) {
+    const std::string path = testing::TempDir() + "/ellipsoid_type_test.pool";
+    const auto read = [&](const char* entry) {
+        std::ofstream(path) << entry;
+        PARAMETER_POOL pool(path);
+        EllipsoidType<double> type;
+        type.ReadFromParameterPool(pool);
+        return type;
+    };
+    EXPECT_EQ(read("ellipsoid_type STR \"bessel\"\n").Text(), "Bessel");
+    const std::string log = LoggedBy([&] {
+        EXPECT_THROW(read("ellipsoid_type STR \"Besel\"\n"), BASIC::TYPES::ERROR_ENUM_BASE_INVALID_VALUE);
+        EXPECT_THROW(read("other STR \"Bessel\"\n"), ERROR_PARAMETER_POOL);
+    });
+    EXPECT_THAT(log, testing::HasSubstr(path + ": key \"ellipsoid_type\": \"Besel\" is none of 'Airy'"));
+    std::remove(path.c_str());
 }
 
 }  // namespace
