@@ -27,9 +27,9 @@ constexpr PARAMETERS kParameters[kInterpolations] = {
     {7, 9, 2},              // localpolyfit
     {9, kUnused, 0},        // chebyshev
     {7, 9, 2},              // localchebyshev
-    {kUnused, 8, 1},        // hermite
-    {kUnused, 8, 2},        // localhermite
-    {8, kUnused, 0},        // everett
+    {kUnused, 4, 1},        // hermite
+    {kUnused, 4, 2},        // localhermite
+    {6, kUnused, 0},        // everett
 };
 
 const PARAMETERS& ParametersOf(INTERPOLATION_ID id) { return kParameters[static_cast<int>(id)]; }

@@ -10,9 +10,9 @@
 ///     polyfit, chebyshev              order 9
 ///     localpolynom                    count 8
 ///     localpolyfit, localchebyshev    order 7, count 9
-///     hermite                         count 8, the nodes
-///     localhermite                    count 8, a piece and its nodes
-///     everett                         order 8
+///     hermite                         count 4, the nodes
+///     localhermite                    count 4, a piece and its nodes
+///     everett                         order 6
 ///
 /// Words that an interpolation does not use may hold anything: in "hermite_0_8" nobody reads the 0.
 

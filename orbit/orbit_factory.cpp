@@ -1,11 +1,14 @@
 #include "orbit/orbit_factory.h"
 
 #include "orbit/cheby_poly.h"
+#include "orbit/everett.h"
 #include "orbit/hermite_poly.h"
 #include "orbit/local_interpolation.h"
+#include "orbit/mdb_orbit.h"
 #include "orbit/polynom.h"
 #include "orbit/polynom_fit.h"
 #include "orbit/pool_orbit.h"
+#include "orbit/spline.h"
 #include "lib/baselib/logging/logging.h"
 
 namespace {
@@ -30,24 +33,35 @@ template <class T, class S>
 constexpr ROWS_OF_TYPE kPoolRows = {
     Create<POOL_ORBIT<T, S, POLYNOM<T>, POINT<T>>>,
     Create<POOL_ORBIT<T, S, POLYNOM_FIT<T>, POINT<T>>>,
-    CreateNothing,
+    Create<POOL_ORBIT<T, S, SPLINE<T>, POINT<T>>>,
     Create<POOL_ORBIT<T, S, LOCAL<T, POLYNOM<T>>, POINT<T>>>,
     Create<POOL_ORBIT<T, S, LOCAL<T, POLYNOM_FIT<T>>, POINT<T>>>,
     Create<POOL_ORBIT<T, S, CHEBY_POLY<T>, POINT<T>>>,
     Create<POOL_ORBIT<T, S, LOCAL<T, CHEBY_POLY<T>>, POINT<T>>>,
     Create<POOL_ORBIT<T, S, HERMITE_POLY<T>, DPOINT<T>>>,
     Create<POOL_ORBIT<T, S, LOCAL_HERMITE<T>, DPOINT<T>>>,
-    CreateNothing,
+    Create<POOL_ORBIT<T, S, EVERETT<T>, POINT<T>>>,
 };
 
-/// Record database orbits are not built yet.
-constexpr ROWS_OF_TYPE kMdbRows = {CreateNothing, CreateNothing, CreateNothing, CreateNothing, CreateNothing,
-                                   CreateNothing, CreateNothing, CreateNothing, CreateNothing, CreateNothing};
+/// Record database orbits, always of double precision.
+template <class S>
+constexpr ROWS_OF_TYPE kMdbRows = {
+    Create<MDB_ORBIT<double, S, POLYNOM<double>, POINT<double>>>,
+    Create<MDB_ORBIT<double, S, POLYNOM_FIT<double>, POINT<double>>>,
+    Create<MDB_ORBIT<double, S, SPLINE<double>, POINT<double>>>,
+    Create<MDB_ORBIT<double, S, LOCAL<double, POLYNOM<double>>, POINT<double>>>,
+    Create<MDB_ORBIT<double, S, LOCAL<double, POLYNOM_FIT<double>>, POINT<double>>>,
+    CreateNothing,
+    CreateNothing,
+    CreateNothing,
+    CreateNothing,
+    Create<MDB_ORBIT<double, S, EVERETT<double>, POINT<double>>>,
+};
 
 const ROWS_OF_TYPE* const kRowsOfTypes[kOrbitTypes] = {
     &kPoolRows<float, double>,  &kPoolRows<float, UNIVERSAL_TIME>,  &kPoolRows<float, MISSION_ELAPSED_TIME>,
     &kPoolRows<double, double>, &kPoolRows<double, UNIVERSAL_TIME>, &kPoolRows<double, MISSION_ELAPSED_TIME>,
-    &kMdbRows,                  &kMdbRows,                          &kMdbRows};
+    &kMdbRows<double>,          &kMdbRows<UNIVERSAL_TIME>,          &kMdbRows<MISSION_ELAPSED_TIME>};
 
 ORBIT_FACTORY_TABLE BuildTable() {
     ORBIT_FACTORY_TABLE table{};

@@ -97,7 +97,7 @@ TEST(PoolOrbit, TakesTimesOfItsOwnType) {
     // 150 s after the reference with its leap second in between, which a plain calendar does not see.
     EXPECT_LT(Distance(utc.Position(UNIVERSAL_TIME::FromText("01-JAN-2017/00:00:29")), CircularOrbit(150.0).position_m), 1e-6);
     const ORBIT_OF_POOL met = Read(OrbitPool({.type = "orbit_pool_double_met"}));
-    EXPECT_LT(Distance(met.Velocity(MISSION_ELAPSED_TIME::FromText("0000/00:00:30")), CircularOrbit(90.25).velocity_m_s),
+    EXPECT_LT(Distance(met.Velocity(MISSION_ELAPSED_TIME::FromText("0013/00:00:30.5")), CircularOrbit(90.25).velocity_m_s),
               1e-6);
     const ORBIT_OF_POOL plain = Read(OrbitPool({}));
     EXPECT_LT(Distance(plain.Position(ANY_TIME(1100.0)), CircularOrbit(100.0).position_m), 1e-6)
@@ -135,8 +135,8 @@ TEST(InterpolationText, GivesNameOrderAndCount) {
         {"hermite_x_6", HERMITE, -1, 6},               {"spline_x_y", SPLINE, -1, -1},
         {"polynom(99999999999999999999)", POLYNOM, -1, -1},
         {"polyfit_0", POLYFIT, 0, -1},                 {"localpolynom__4", LOCALPOLYNOM, -1, 8},
-        {"chebyshev_012", CHEBYSHEV, 12, -1},          {"hermite", HERMITE, -1, 8},
-        {"everett", EVERETT, 8, -1},                   {"localchebyshev_3", LOCALCHEBYSHEV, 3, 9},
+        {"chebyshev_012", CHEBYSHEV, 12, -1},          {"hermite", HERMITE, -1, 4},
+        {"everett", EVERETT, 6, -1},                   {"localchebyshev_3", LOCALCHEBYSHEV, 3, 9},
         {"localhermite_0_2", LOCALHERMITE, -1, 2},     {"hermite_0_1", HERMITE, -1, 1},
     };
     for (const TEXT_CASE& c : kCases) {
@@ -218,7 +218,7 @@ TEST(PoolOrbit, RefusesListsThatDoNotFitNamingFileAndKey) {
         {"a time twice", changed("times", "1013.5", "1003.5"),
          "key \"times\": state vector 1 (1003.5) is not later than the one before (1003.5)"},
         {"times that go back", changed("times", "1023.5", "1010"), "state vector 2 (1010) is not later"},
-        {"a time far away", changed("times", "1003.5", "-1e300"), "key \"times\": state vector 0: -1.00000000e+300 s is outside"},
+        {"a time far away", changed("times", "1003.5", "-1e300"), "key \"times\": state vector 0: -1e+300 s is outside"},
         {"a time that is none", changed("times", "1003.5", "nan"), "key \"times\""},
         {"a position in the wrong unit",
          [&](POOL_TEXT& pool) {
@@ -236,7 +236,7 @@ TEST(PoolOrbit, RefusesListsThatDoNotFitNamingFileAndKey) {
          "key \"velocities\""},
         {"a UTC text that is none", changed("times", "T23:58:13.500000", "T25:58:13.500000"),
          "orbit.pool: key \"times\": entry 1 \"2016-12-31T25:58:13.500000\" is no UTC time\n", "orbit_pool_double_utc"},
-        {"a MET text that is none", changed("times", "/00:00:56", "/00:00:61"), "MET_SCANNER: seconds are outside 0..59\n",
+        {"a MET text that is none", changed("times", "/23:59:13", "/23:59:61"), "MET_SCANNER: seconds are outside 0..59\n",
          "orbit_pool_double_met"},
         {"float coordinates in a pool of doubles", changed("positions", "FLT_15_V", "FLT_6_V"), "positions"},
         {"no reference time", [](POOL_TEXT& pool) { pool.Remove("orbit_reference_time"); }, "orbit_reference_time"},

@@ -74,14 +74,14 @@ class POOL_TEXT {
 struct ORBIT_SAMPLING {
     std::string type = "orbit_pool_double_double";
     std::string interpolation = "hermite_0_8";
-    std::string reference;  ///< empty: the usual one of the type
+    std::string reference = "";  ///< empty: the usual one of the type
     int count = 24;
     double first_s = 3.5;  ///< seconds since the reference time
     double step_s = 10.0;
 };
 
 inline constexpr const char* kUsualUtc = "31-DEC-2016/23:58:00.000000";  // a leap second lies in the middle of the samples
-inline constexpr const char* kUsualMet = "-0000/00:01:00.250000";        // the axis passes the mission's origin
+inline constexpr const char* kUsualMet = "+0012/23:59:00.250000";        // a day ends among the samples
 
 inline std::string Digits(double value, bool is_float) {
     char text[40];
@@ -113,7 +113,7 @@ inline std::vector<std::string> TimeItems(const ORBIT_SAMPLING& s) {
 }
 
 inline POOL_TEXT OrbitPool(const ORBIT_SAMPLING& s) {
-    const bool is_float = s.type.find("float") == std::string::npos ? false : s.type.find("pool_float") != std::string::npos;
+    const bool is_float = s.type.find("pool_float") != std::string::npos;
     const bool is_plain = s.type.ends_with("_double");
     std::vector<std::string> positions;
     std::vector<std::string> velocities;

@@ -9,7 +9,7 @@
 
 #include "lib/baselib/logging/logging.h"
 
-/// Lines logged at the level or above while the function ran.
+/// Lines logged at the level or above while the function ran, without the terminal's colours.
 template <class FUNCTION>
 std::string LoggedBy(FUNCTION function, LOGGING_LEVEL level = LOGGING_LEVEL::DEBUG) {
     Log().SetScreenThreshold(static_cast<int>(level));
@@ -19,6 +19,9 @@ std::string LoggedBy(FUNCTION function, LOGGING_LEVEL level = LOGGING_LEVEL::DEB
     std::fflush(stdout);
     std::string text = testing::internal::GetCapturedStdout();
     Log().SetScreenThreshold(static_cast<int>(LOGGING_LEVEL::DEBUG));  // as at the start
+    for (size_t at = text.find("\x1b["); at != std::string::npos; at = text.find("\x1b[")) {
+        text.erase(at, text.find('m', at) - at + 1);
+    }
     return text;
 }
 
