@@ -15,8 +15,8 @@ CHECK_TABLE::CHECK_TABLE(std::string file_name)
 void CHECK_TABLE::AddLine(double t_s, const VECTOR_3D<double>& given_m, const VECTOR_3D<double>& interpolated_m) {
     const VECTOR_3D<double>& g = given_m;
     const VECTOR_3D<double>& i = interpolated_m;
-    std::fprintf(file_.get(), "| %f | %e | %e | %e | %e | %e | %e | %e | %e | %e |\n", t_s, g.x, g.y, g.z, i.x, i.y, i.z,
-                 g.x - i.x, g.y - i.y, g.z - i.z);
+    std::fprintf(file_.get(), "| %f | %e | %e | %e | %e | %e | %e | %e | %e | %e |\n", t_s, g.x, g.y, g.z, i.x, i.y,
+                 i.z, g.x - i.x, g.y - i.y, g.z - i.z);
 }
 
 void CHECK_TABLE::Close() {

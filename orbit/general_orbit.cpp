@@ -61,9 +61,8 @@ void GENERAL_ORBIT<T, V>::ReadFromParameterPool(PARAMETER_POOL& pool) {
         NamingEntry(configuration, "orbit_interpolation", configuration.interpolation,
                     [&] { return ParseInterpolationText(configuration.interpolation); });
     GENERAL_ORBIT orbit;
-    orbit.core_ = NamingEntry(configuration, "orbit_representation", configuration.representation, [&] {
-        return CreateOrbit(OrbitTypeIdFromText(configuration.representation), request);
-    });
+    orbit.core_ = NamingEntry(configuration, "orbit_representation", configuration.representation,
+                              [&] { return CreateOrbit(OrbitTypeIdFromText(configuration.representation), request); });
     orbit.core_->SetConfiguration(configuration);
     NamingEntry(configuration, "orbit_reference_time", configuration.reference_time,
                 [&] { orbit.SetReferenceTime(configuration.reference_time); });

@@ -34,8 +34,8 @@ class GENERAL_ORBIT {
     /// @throws ERROR_ARGUMENT, after logging, for another type, or when there is nothing to copy
     virtual GENERAL_ORBIT& operator=(const GENERAL_ORBIT& agen_orbit);
 
-    /// Makes the orbit that the pool describes: type, interpolation, reference time, state vectors. A failure leaves this
-    /// object as it was.
+    /// Makes the orbit that the pool describes: type, interpolation, reference time, state vectors. A failure leaves
+    /// this object as it was.
     /// @throws ERROR_EXCEPTION after lines that name file, key and value
     void ReadFromParameterPool(PARAMETER_POOL& pool);
 

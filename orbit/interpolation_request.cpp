@@ -32,7 +32,9 @@ constexpr PARAMETERS kParameters[kInterpolations] = {
     {6, kUnused, 0},        // everett
 };
 
-const PARAMETERS& ParametersOf(INTERPOLATION_ID id) { return kParameters[static_cast<int>(id)]; }
+const PARAMETERS& ParametersOf(INTERPOLATION_ID id) {
+    return kParameters[static_cast<int>(id)];
+}
 
 std::vector<std::string> Words(const std::string& text) {
     std::vector<std::string> words;
@@ -70,7 +72,8 @@ int NumberOrRefuse(const std::string& word, const WORD& description) {
 }
 
 /// @return the number to use, kUnused where the interpolation has no use for the word
-int ParameterOfWord(const std::vector<std::string>& words, size_t position, int default_value, const WORD& description) {
+int ParameterOfWord(const std::vector<std::string>& words, size_t position, int default_value,
+                    const WORD& description) {
     if (position >= words.size()) {
         if (default_value != kUnused) {
             Log().Message(LOGGING_LEVEL::INFO, "ORBIT: interpolation \"%s\" gives no %s: %d is used",

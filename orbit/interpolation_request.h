@@ -32,10 +32,10 @@ inline constexpr int kHighestOrder = 100;
 inline constexpr int kMostSupportPoints = 100;
 
 /// Defaults are told at INFO, the words found at PARAMETER.
-/// @throws ERROR_ARGUMENT, after logging, for a text without a word, an unknown name, and for a word that is used and is
-/// no decimal number or outside its range (order 0 to 100, count 2 to 100, nodes of hermite 1 to 100)
+/// @throws ERROR_ARGUMENT, after logging, for a text without a word, an unknown name, and for a word that is used and
+/// is no decimal number or outside its range (order 0 to 100, count 2 to 100, nodes of hermite 1 to 100)
 [[nodiscard]] INTERPOLATION_REQUEST ParseInterpolationText(const std::string& text);
 
-/// The fewest state vectors that serve this request. Fits lower their order and local pieces their count instead, so two
-/// are enough for them.
+/// The fewest state vectors that serve this request. Fits lower their order and local pieces their count instead, so
+/// two are enough for them.
 [[nodiscard]] int FewestStateVectors(const INTERPOLATION_REQUEST& request);

@@ -35,15 +35,14 @@ class MDB_ORBIT final : public ORBIT<T, S, I, P> {
     }
 
     /// Opens the data file and notes its state. @throws as OrbitDataFile and OpenOrbitFile
-    void Open() {
-        OpenOrbitFile(mdb_, OrbitDataFile(this->Configuration().mdb, this->Configuration().pool_file));
-    }
+    void Open() { OpenOrbitFile(mdb_, OrbitDataFile(this->Configuration().mdb, this->Configuration().pool_file)); }
 
     /// Reads the open file and creates the interpolation. A failure leaves the orbit as it was.
     /// @throws ERROR_DATA, after logging, when the file was changed since Open
     void Read() {
         STATE_VECTORS<T, S> vectors = ReadOrbitFile<S>(mdb_);
-        this->TakeOver(std::move(vectors), {mdb_.FileName(), mdb_.GetRecordType().KeyItem().KeyName(), "x, y, z", "vx, vy, vz"});
+        this->TakeOver(std::move(vectors),
+                       {mdb_.FileName(), mdb_.GetRecordType().KeyItem().KeyName(), "x, y, z", "vx, vy, vz"});
         mdb_.Close();
     }
 

@@ -47,9 +47,15 @@ MDB_FILE SplitPath(const std::string& path) {
 
 }  // namespace
 
-const ID_TEXT* MissionIds() { return kMissionIds; }
-const ID_TEXT* OrbitSourceIds() { return kOrbitSourceIds; }
-const ID_TEXT* TapeSourceIds() { return kTapeSourceIds; }
+const ID_TEXT* MissionIds() {
+    return kMissionIds;
+}
+const ID_TEXT* OrbitSourceIds() {
+    return kOrbitSourceIds;
+}
+const ID_TEXT* TapeSourceIds() {
+    return kTapeSourceIds;
+}
 
 std::string TextOfId(const ID_TEXT* table, int id, const std::string& pool_file, const char* key) {
     for (const ID_TEXT* row = table; row->text != nullptr; ++row) {
@@ -70,8 +76,8 @@ MDB_FILE OrbitDataFile(const MDB_LOCATION& location, const std::string& pool_fil
     const std::string tape_source = TextOfId(TapeSourceIds(), location.tape_source_id, pool_file, "tape_source_id");
     const std::string source = TextOfId(OrbitSourceIds(), location.orbit_source_id, pool_file, "orbit_source_id");
     if (source.empty()) Log() << LOGGING_LEVEL::INFO << "ORBIT: orbit_source_id is not set\n";
-    return {location.root_path + "/" + mission + "/dt_" + digits(location.major_data_take_id, "major_data_take_id") + "_" +
-                digits(location.minor_data_take_id, "minor_data_take_id") + "/hddc_" +
+    return {location.root_path + "/" + mission + "/dt_" + digits(location.major_data_take_id, "major_data_take_id") +
+                "_" + digits(location.minor_data_take_id, "minor_data_take_id") + "/hddc_" +
                 digits(location.tape_id_number, "tape_id_number") + "_" + tape_source,
             source + "_" + digits(location.channel_id, "channel_id")};
 }

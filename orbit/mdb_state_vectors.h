@@ -1,6 +1,6 @@
 /// \file mdb_state_vectors.h
-/// Reading state vectors from a record database. Items: the key item is the time; "x" "y" "z" in metres, "vx" "vy" "vz" in
-/// metres per second.
+/// Reading state vectors from a record database. Items: the key item is the time; "x" "y" "z" in metres, "vx" "vy" "vz"
+/// in metres per second.
 
 #pragma once
 
@@ -12,8 +12,8 @@
 void OpenOrbitFile(MDB& mdb, const MDB_FILE& file);
 
 /// All records of the open file.
-/// @throws ERROR_DATA, after logging, when the file was changed since it was opened; const char* of MDB, and "can not cast
-/// from UTC to double" or "... MET ..." for a time item that is no plain number, after a line that names the file
+/// @throws ERROR_DATA, after logging, when the file was changed since it was opened; const char* of MDB, and "can not
+/// cast from UTC to double" or "... MET ..." for a time item that is no plain number, after a line that names the file
 template <class S>
 STATE_VECTORS<double, S> ReadOrbitFile(MDB& mdb);
 

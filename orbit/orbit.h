@@ -1,6 +1,6 @@
 /// \file orbit.h
-/// The concrete orbit: a list of state vectors and one interpolator per axis. Where the vectors come from is the business
-/// of the derived classes POOL_ORBIT and MDB_ORBIT.
+/// The concrete orbit: a list of state vectors and one interpolator per axis. Where the vectors come from is the
+/// business of the derived classes POOL_ORBIT and MDB_ORBIT.
 
 #pragma once
 
@@ -144,10 +144,9 @@ void ORBIT<T, S, I, P>::TakeOver(STATE_VECTORS<T, S> vectors, const STATE_VECTOR
         AXES axes = CreateAxes(vectors, abscissae);
         axes_ = std::move(axes);
     } catch (...) {
-        Log().Message(LOGGING_LEVEL::ALARM,
-                      "%s: the interpolation \"%s\" does not suit the %zu state vectors at key \"%s\"",
-                      source.file.c_str(), Configuration().interpolation.c_str(), vectors.size(),
-                      source.time_key.c_str());
+        Log().Message(
+            LOGGING_LEVEL::ALARM, "%s: the interpolation \"%s\" does not suit the %zu state vectors at key \"%s\"",
+            source.file.c_str(), Configuration().interpolation.c_str(), vectors.size(), source.time_key.c_str());
         throw;
     }
     vectors_ = std::move(vectors);

@@ -27,29 +27,53 @@ ORBIT_BASE& ORBIT_BASE::operator=(const ORBIT_BASE&) {
     RefuseAssignment("ORBIT_BASE: virtual ORBIT_BASE& operator=( const ORBIT_BASE&  aorbit )");
 }
 
-std::unique_ptr<ORBIT_BASE> ORBIT_BASE::Clone() const { RefuseOperation("Clone()"); }
+std::unique_ptr<ORBIT_BASE> ORBIT_BASE::Clone() const {
+    RefuseOperation("Clone()");
+}
 
-VECTOR_3D<double> ORBIT_BASE::Position(double) const { RefuseOperation("Position(double)"); }
+VECTOR_3D<double> ORBIT_BASE::Position(double) const {
+    RefuseOperation("Position(double)");
+}
 
-VECTOR_3D<double> ORBIT_BASE::Velocity(double) const { RefuseOperation("Velocity(double)"); }
+VECTOR_3D<double> ORBIT_BASE::Velocity(double) const {
+    RefuseOperation("Velocity(double)");
+}
 
-VECTOR_3D<double> ORBIT_BASE::Acceleration(double) const { RefuseOperation("Acceleration(double)"); }
+VECTOR_3D<double> ORBIT_BASE::Acceleration(double) const {
+    RefuseOperation("Acceleration(double)");
+}
 
-ORBIT_STATE ORBIT_BASE::State(double) const { RefuseOperation("State(double)"); }
+ORBIT_STATE ORBIT_BASE::State(double) const {
+    RefuseOperation("State(double)");
+}
 
-double ORBIT_BASE::FirstTime() const { RefuseOperation("FirstTime()"); }
+double ORBIT_BASE::FirstTime() const {
+    RefuseOperation("FirstTime()");
+}
 
-double ORBIT_BASE::LastTime() const { RefuseOperation("LastTime()"); }
+double ORBIT_BASE::LastTime() const {
+    RefuseOperation("LastTime()");
+}
 
-int ORBIT_BASE::StateVectorCount() const { RefuseOperation("StateVectorCount()"); }
+int ORBIT_BASE::StateVectorCount() const {
+    RefuseOperation("StateVectorCount()");
+}
 
-void ORBIT_BASE::SetReferenceTime(const ANY_TIME&) { RefuseOperation("SetReferenceTime(const ANY_TIME&)"); }
+void ORBIT_BASE::SetReferenceTime(const ANY_TIME&) {
+    RefuseOperation("SetReferenceTime(const ANY_TIME&)");
+}
 
-ANY_TIME ORBIT_BASE::ReferenceTime() const { RefuseOperation("ReferenceTime()"); }
+ANY_TIME ORBIT_BASE::ReferenceTime() const {
+    RefuseOperation("ReferenceTime()");
+}
 
-void ORBIT_BASE::ReadFromParameterPool(PARAMETER_POOL&) { RefuseOperation("ReadFromParameterPool(PARAMETER_POOL&)"); }
+void ORBIT_BASE::ReadFromParameterPool(PARAMETER_POOL&) {
+    RefuseOperation("ReadFromParameterPool(PARAMETER_POOL&)");
+}
 
-void ORBIT_BASE::SavePolynomial(const std::string&) const { RefuseOperation("SavePolynomial(const std::string&)"); }
+void ORBIT_BASE::SavePolynomial(const std::string&) const {
+    RefuseOperation("SavePolynomial(const std::string&)");
+}
 
 void ORBIT_BASE::CopySetupFrom(const ORBIT_BASE& other) {
     type_id_ = other.type_id_;

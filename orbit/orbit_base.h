@@ -24,8 +24,8 @@ class ORBIT_BASE {
     virtual ORBIT_BASE& operator=(const ORBIT_BASE& aorbit);
     [[nodiscard]] virtual std::unique_ptr<ORBIT_BASE> Clone() const;
 
-    /// @param t_s  seconds since the reference time, inside FirstTime() to LastTime(). Outside, the outermost piece of the
-    /// interpolation goes on; hermite and localhermite end the process there.
+    /// @param t_s  seconds since the reference time, inside FirstTime() to LastTime(). Outside, the outermost piece of
+    /// the interpolation goes on; hermite and localhermite end the process there.
     /// @throws ERROR_ARGUMENT, after logging, while there are no state vectors
     [[nodiscard]] virtual VECTOR_3D<double> Position(double t_s) const;      ///< m
     [[nodiscard]] virtual VECTOR_3D<double> Velocity(double t_s) const;      ///< m/s, first derivative of the position
@@ -33,14 +33,14 @@ class ORBIT_BASE {
     /// All three for little more than the price of one.
     [[nodiscard]] virtual ORBIT_STATE State(double t_s) const;
 
-    /// Times of the first and last state vector in seconds since the reference time, as the interpolation sees them (for
-    /// orbits of single precision rounded to float).
+    /// Times of the first and last state vector in seconds since the reference time, as the interpolation sees them
+    /// (for orbits of single precision rounded to float).
     [[nodiscard]] virtual double FirstTime() const;
     [[nodiscard]] virtual double LastTime() const;
     [[nodiscard]] virtual int StateVectorCount() const;
 
-    /// To be set before the state vectors are read. @throws ERROR_ARGUMENT, after logging, for another time type than the
-    /// orbit's own
+    /// To be set before the state vectors are read. @throws ERROR_ARGUMENT, after logging, for another time type than
+    /// the orbit's own
     virtual void SetReferenceTime(const ANY_TIME& time);
     [[nodiscard]] virtual ANY_TIME ReferenceTime() const;
 

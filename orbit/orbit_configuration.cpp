@@ -7,7 +7,9 @@
 
 namespace {
 
-std::string GetText(PARAMETER_POOL& pool, const char* key) { return pool.Get<STRING>(key).ToStd(); }
+std::string GetText(PARAMETER_POOL& pool, const char* key) {
+    return pool.Get<STRING>(key).ToStd();
+}
 
 int GetIdOr(PARAMETER_POOL& pool, const char* key, int default_id) {
     return pool.FindKey(key) ? pool.Get<int>(key) : default_id;

@@ -1,5 +1,6 @@
 #include "orbit/orbit_factory.h"
 
+#include "lib/baselib/logging/logging.h"
 #include "orbit/cheby_poly.h"
 #include "orbit/everett.h"
 #include "orbit/hermite_poly.h"
@@ -9,7 +10,6 @@
 #include "orbit/polynom_fit.h"
 #include "orbit/pool_orbit.h"
 #include "orbit/spline.h"
-#include "lib/baselib/logging/logging.h"
 
 namespace {
 
@@ -21,7 +21,9 @@ std::unique_ptr<ORBIT_BASE> Create() {
     return std::make_unique<CONCRETE_ORBIT>();
 }
 
-std::unique_ptr<ORBIT_BASE> CreateNothing() { return nullptr; }
+std::unique_ptr<ORBIT_BASE> CreateNothing() {
+    return nullptr;
+}
 
 template <class T, class I>
 using LOCAL = LOCAL_INTERPOLATION<T, I, POINT<T>>;

@@ -22,5 +22,6 @@ using ORBIT_FACTORY_TABLE = std::array<ORBIT_FACTORY_ROW, kOrbitTypes * kInterpo
 /// In order of type and then interpolation.
 [[nodiscard]] const ORBIT_FACTORY_TABLE& OrbitFactoryTable();
 
-/// The orbit of a pair, ready for its configuration. @throws ERROR_ARGUMENT, after logging, for a pair that creates none
+/// The orbit of a pair, ready for its configuration. @throws ERROR_ARGUMENT, after logging, for a pair that creates
+/// none
 [[nodiscard]] std::unique_ptr<ORBIT_BASE> CreateOrbit(ORBIT_TYPE_ID type_id, const INTERPOLATION_REQUEST& request);

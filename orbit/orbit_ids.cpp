@@ -16,9 +16,13 @@ constexpr const char* kInterpolationTexts[kInterpolations] = {
 
 }  // namespace
 
-const char* TextOf(ORBIT_TYPE_ID id) { return kOrbitTypeTexts[static_cast<int>(id) - 1]; }
+const char* TextOf(ORBIT_TYPE_ID id) {
+    return kOrbitTypeTexts[static_cast<int>(id) - 1];
+}
 
-const char* TextOf(INTERPOLATION_ID id) { return kInterpolationTexts[static_cast<int>(id)]; }
+const char* TextOf(INTERPOLATION_ID id) {
+    return kInterpolationTexts[static_cast<int>(id)];
+}
 
 ORBIT_TYPE_ID OrbitTypeIdFromText(const std::string& text) {
     for (int i = 0; i < kOrbitTypes; ++i) {

@@ -42,4 +42,6 @@ inline constexpr int kInterpolations = 10;
 [[nodiscard]] INTERPOLATION_ID InterpolationIdFromText(const std::string& text);
 
 /// True for the types that are read from a record database.
-[[nodiscard]] constexpr bool IsMdbType(ORBIT_TYPE_ID id) { return id >= ORBIT_TYPE_ID::MDB_DOUBLE_DOUBLE; }
+[[nodiscard]] constexpr bool IsMdbType(ORBIT_TYPE_ID id) {
+    return id >= ORBIT_TYPE_ID::MDB_DOUBLE_DOUBLE;
+}

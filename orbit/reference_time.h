@@ -16,8 +16,9 @@ using ANY_TIME = std::variant<double, UNIVERSAL_TIME, MISSION_ELAPSED_TIME>;
 [[nodiscard]] const char* KindOf(const ANY_TIME& time);
 [[nodiscard]] std::string TextOf(const ANY_TIME& time);
 
-/// Reads a reference time. The form of the text decides its kind: without ':' plain seconds, with ':' but without '-' MET,
-/// with both UTC. Hence a MET with a minus sign and a UTC text without '-' are read as what they are not, and refused.
+/// Reads a reference time. The form of the text decides its kind: without ':' plain seconds, with ':' but without '-'
+/// MET, with both UTC. Hence a MET with a minus sign and a UTC text without '-' are read as what they are not, and
+/// refused.
 /// @throws ERROR_DATA or ERROR_ARGUMENT, after logging
 [[nodiscard]] ANY_TIME ReferenceTimeFromText(const std::string& text);
 

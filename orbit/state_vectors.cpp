@@ -19,7 +19,9 @@ constexpr double kFarthest_m = 1e9;
 constexpr double kFastest_m_s = 1e6;
 constexpr double kLongest_s = 1e10;  // 300 years between state vector and reference time
 
-std::string NameOf(const std::string& file, const std::string& key) { return file + ": key \"" + key + "\""; }
+std::string NameOf(const std::string& file, const std::string& key) {
+    return file + ": key \"" + key + "\"";
+}
 
 [[noreturn]] void Refuse(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
@@ -80,7 +82,9 @@ VECTOR_3D<T> TripleAt(const ARRAY<T>& list, size_t index) {
     return {triple[0], triple[1], triple[2]};
 }
 
-bool IsPlausible(double value, double largest) { return std::isfinite(value) && std::fabs(value) <= largest; }
+bool IsPlausible(double value, double largest) {
+    return std::isfinite(value) && std::fabs(value) <= largest;
+}
 
 template <class T>
 void CheckTriple(const VECTOR_3D<T>& triple, double largest, const char* unit, const std::string& name, size_t entry) {
@@ -117,7 +121,8 @@ std::vector<S> TimesFromTexts(const std::vector<std::string>& texts, const std::
         if constexpr (std::is_same_v<S, MISSION_ELAPSED_TIME>) {
             if (ScanMetEntry(texts[i], times[i])) continue;
             ++failures;
-            Log().Message(LOGGING_LEVEL::ALARM, "%s: entry %zu \"%s\" is no MET time", name.c_str(), i, texts[i].c_str());
+            Log().Message(LOGGING_LEVEL::ALARM, "%s: entry %zu \"%s\" is no MET time", name.c_str(), i,
+                          texts[i].c_str());
         } else {
             try {
                 times[i] = TIME_AXIS<S>::FromText(texts[i]);
@@ -170,15 +175,25 @@ std::vector<T> CheckedAbscissae(const STATE_VECTORS<T, S>& vectors, const S& ref
 
 template STATE_VECTORS<float, double> ReadStateVectorsFromPool(PARAMETER_POOL&, const ORBIT_CONFIGURATION&);
 template STATE_VECTORS<float, UNIVERSAL_TIME> ReadStateVectorsFromPool(PARAMETER_POOL&, const ORBIT_CONFIGURATION&);
-template STATE_VECTORS<float, MISSION_ELAPSED_TIME> ReadStateVectorsFromPool(PARAMETER_POOL&, const ORBIT_CONFIGURATION&);
+template STATE_VECTORS<float, MISSION_ELAPSED_TIME> ReadStateVectorsFromPool(PARAMETER_POOL&,
+                                                                             const ORBIT_CONFIGURATION&);
 template STATE_VECTORS<double, double> ReadStateVectorsFromPool(PARAMETER_POOL&, const ORBIT_CONFIGURATION&);
 template STATE_VECTORS<double, UNIVERSAL_TIME> ReadStateVectorsFromPool(PARAMETER_POOL&, const ORBIT_CONFIGURATION&);
-template STATE_VECTORS<double, MISSION_ELAPSED_TIME> ReadStateVectorsFromPool(PARAMETER_POOL&, const ORBIT_CONFIGURATION&);
-template std::vector<float> CheckedAbscissae(const STATE_VECTORS<float, double>&, const double&, const INTERPOLATION_REQUEST&, const STATE_VECTOR_SOURCE&);
-template std::vector<float> CheckedAbscissae(const STATE_VECTORS<float, UNIVERSAL_TIME>&, const UNIVERSAL_TIME&, const INTERPOLATION_REQUEST&, const STATE_VECTOR_SOURCE&);
-template std::vector<float> CheckedAbscissae(const STATE_VECTORS<float, MISSION_ELAPSED_TIME>&, const MISSION_ELAPSED_TIME&, const INTERPOLATION_REQUEST&, const STATE_VECTOR_SOURCE&);
-template std::vector<double> CheckedAbscissae(const STATE_VECTORS<double, double>&, const double&, const INTERPOLATION_REQUEST&, const STATE_VECTOR_SOURCE&);
-template std::vector<double> CheckedAbscissae(const STATE_VECTORS<double, UNIVERSAL_TIME>&, const UNIVERSAL_TIME&, const INTERPOLATION_REQUEST&, const STATE_VECTOR_SOURCE&);
-template std::vector<double> CheckedAbscissae(const STATE_VECTORS<double, MISSION_ELAPSED_TIME>&, const MISSION_ELAPSED_TIME&, const INTERPOLATION_REQUEST&, const STATE_VECTOR_SOURCE&);
+template STATE_VECTORS<double, MISSION_ELAPSED_TIME> ReadStateVectorsFromPool(PARAMETER_POOL&,
+                                                                              const ORBIT_CONFIGURATION&);
+template std::vector<float> CheckedAbscissae(const STATE_VECTORS<float, double>&, const double&,
+                                             const INTERPOLATION_REQUEST&, const STATE_VECTOR_SOURCE&);
+template std::vector<float> CheckedAbscissae(const STATE_VECTORS<float, UNIVERSAL_TIME>&, const UNIVERSAL_TIME&,
+                                             const INTERPOLATION_REQUEST&, const STATE_VECTOR_SOURCE&);
+template std::vector<float> CheckedAbscissae(const STATE_VECTORS<float, MISSION_ELAPSED_TIME>&,
+                                             const MISSION_ELAPSED_TIME&, const INTERPOLATION_REQUEST&,
+                                             const STATE_VECTOR_SOURCE&);
+template std::vector<double> CheckedAbscissae(const STATE_VECTORS<double, double>&, const double&,
+                                              const INTERPOLATION_REQUEST&, const STATE_VECTOR_SOURCE&);
+template std::vector<double> CheckedAbscissae(const STATE_VECTORS<double, UNIVERSAL_TIME>&, const UNIVERSAL_TIME&,
+                                              const INTERPOLATION_REQUEST&, const STATE_VECTOR_SOURCE&);
+template std::vector<double> CheckedAbscissae(const STATE_VECTORS<double, MISSION_ELAPSED_TIME>&,
+                                              const MISSION_ELAPSED_TIME&, const INTERPOLATION_REQUEST&,
+                                              const STATE_VECTOR_SOURCE&);
 template std::vector<UNIVERSAL_TIME> TimesFromTexts(const std::vector<std::string>&, const std::string&);
 template std::vector<MISSION_ELAPSED_TIME> TimesFromTexts(const std::vector<std::string>&, const std::string&);

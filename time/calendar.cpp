@@ -11,10 +11,12 @@ constexpr int kDaysOfMonth[2][kMonths + 1] = {{-1, 31, 28, 31, 30, 31, 30, 31, 3
                                               {-1, 31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31}};
 constexpr int kDaysBeforeMonth[2][kMonths + 1] = {{-1, 0, 31, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334},
                                                   {-1, 0, 31, 60, 91, 121, 152, 182, 213, 244, 274, 305, 335}};
-constexpr const char* kMonthNames[kMonths + 1] = {"invalid month name", "JAN", "FEB", "MAR", "APR", "MAY", "JUN",
-                                                  "JUL",                "AUG", "SEP", "OCT", "NOV", "DEC"};
+constexpr const char* kMonthNames[kMonths + 1] = {
+    "invalid month name", "JAN", "FEB", "MAR", "APR", "MAY", "JUN", "JUL", "AUG", "SEP", "OCT", "NOV", "DEC"};
 
-bool IsMonth(int month) { return month >= 1 && month <= kMonths; }
+bool IsMonth(int month) {
+    return month >= 1 && month <= kMonths;
+}
 
 /// Days of the years 0 to year - 1; year 0 is a leap year.
 long long DaysBeforeYear(long long year) {
@@ -23,15 +25,21 @@ long long DaysBeforeYear(long long year) {
 
 }  // namespace
 
-bool IsLeapYear(int year) { return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0; }
+bool IsLeapYear(int year) {
+    return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+}
 
-int DaysOfMonth(int year, int month) { return kDaysOfMonth[IsLeapYear(year)][IsMonth(month) ? month : 0]; }
+int DaysOfMonth(int year, int month) {
+    return kDaysOfMonth[IsLeapYear(year)][IsMonth(month) ? month : 0];
+}
 
 int DayOfYear(int year, int month, int day) {
     return kDaysBeforeMonth[IsLeapYear(year)][IsMonth(month) ? month : 0] + day;
 }
 
-long long DayNumber(int year, int month, int day) { return DaysBeforeYear(year) + DayOfYear(year, month, day); }
+long long DayNumber(int year, int month, int day) {
+    return DaysBeforeYear(year) + DayOfYear(year, month, day);
+}
 
 CALENDAR_DATE DateOfDayNumber(long long day_number) {
     // The mean length of the year is never more than one year off; the loops settle that one.
@@ -45,7 +53,9 @@ CALENDAR_DATE DateOfDayNumber(long long day_number) {
     return {year, month, day_of_year - kDaysBeforeMonth[IsLeapYear(year)][month]};
 }
 
-const char* MonthName(int month) { return kMonthNames[IsMonth(month) ? month : 0]; }
+const char* MonthName(int month) {
+    return kMonthNames[IsMonth(month) ? month : 0];
+}
 
 int MonthNumber(const char* name) {
     int month = kMonths;

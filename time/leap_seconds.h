@@ -3,9 +3,10 @@
 ///
 /// The entries of 2012 and 2015 stand on 31 June, as deployed data were made with them. In consequence
 /// - 30-JUN-2012/23:59:60 and 30-JUN-2015/23:59:60 are no leap seconds for IsLeapSecond;
-/// - the ordering puts 31 June on 1 July, so these two seconds are counted one day late: a difference across midnight of
-///   30 June 2012 or 2015 is one second short when it ends on 1 July, and one across the following midnight is one second
-///   long when it starts on 1 July. From 30 June to 2 July and beyond all differences are right.
+/// - the ordering puts 31 June on 1 July, so these two seconds are counted one day late: a difference across midnight
+/// of
+///   30 June 2012 or 2015 is one second short when it ends on 1 July, and one across the following midnight is one
+///   second long when it starts on 1 July. From 30 June to 2 July and beyond all differences are right.
 /// Threads: the table is built by the first call and constant from then on.
 
 #pragma once

@@ -1,6 +1,7 @@
 /// \file met_scanner.h
-/// Reads mission elapsed times: [sign] days / hours : minutes : seconds [. fraction], canonically +0012/03:04:05.006007.
-/// The sign defaults to '+'; the separators may be any of / : - T and backslash; the fraction is read as in UTC texts.
+/// Reads mission elapsed times: [sign] days / hours : minutes : seconds [. fraction], canonically
+/// +0012/03:04:05.006007. The sign defaults to '+'; the separators may be any of / : - T and backslash; the fraction is
+/// read as in UTC texts.
 
 #pragma once
 

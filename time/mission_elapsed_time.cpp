@@ -29,13 +29,8 @@ MISSION_ELAPSED_TIME FromDaysAndMicroseconds(long long days, long long of_day) {
     CheckMetDays(days);
     const int seconds = static_cast<int>(of_day / 1'000'000);
     const int fraction = static_cast<int>(of_day % 1'000'000);
-    return {sign,
-            static_cast<int>(days),
-            seconds / 3600,
-            seconds / 60 % 60,
-            seconds % 60,
-            fraction / 1000,
-            fraction % 1000};
+    return {sign,         static_cast<int>(days), seconds / 3600, seconds / 60 % 60,
+            seconds % 60, fraction / 1000,        fraction % 1000};
 }
 
 long long MicrosecondsOfDay(const MISSION_ELAPSED_TIME& time) {
@@ -60,7 +55,9 @@ void CheckMetDays(long long days) {
     throw "can not represent MET value";
 }
 
-MISSION_ELAPSED_TIME MISSION_ELAPSED_TIME::FromText(const std::string& text) { return MET_SCANNER().Scan(text); }
+MISSION_ELAPSED_TIME MISSION_ELAPSED_TIME::FromText(const std::string& text) {
+    return MET_SCANNER().Scan(text);
+}
 
 MISSION_ELAPSED_TIME MISSION_ELAPSED_TIME::FromMicroseconds(long long microseconds) {
     return FromDaysAndMicroseconds(0, microseconds);
@@ -78,11 +75,17 @@ long long MISSION_ELAPSED_TIME::Microseconds() const {
     return sign * (days * kMicrosecondsPerDay + MicrosecondsOfDay(*this));
 }
 
-void MISSION_ELAPSED_TIME::Add(MET_UNIT unit, int count) { *this = Sum(*this, unit, count); }
+void MISSION_ELAPSED_TIME::Add(MET_UNIT unit, int count) {
+    *this = Sum(*this, unit, count);
+}
 
-void MISSION_ELAPSED_TIME::Subtract(MET_UNIT unit, int count) { *this = Sum(*this, unit, -static_cast<long long>(count)); }
+void MISSION_ELAPSED_TIME::Subtract(MET_UNIT unit, int count) {
+    *this = Sum(*this, unit, -static_cast<long long>(count));
+}
 
-MISSION_ELAPSED_TIME::operator double() const { throw "can not cast from MET to double"; }
+MISSION_ELAPSED_TIME::operator double() const {
+    throw "can not cast from MET to double";
+}
 
 MISSION_ELAPSED_TIME operator+(const MISSION_ELAPSED_TIME&, const MISSION_ELAPSED_TIME&) {
     throw "time operation not permitted";

@@ -19,8 +19,8 @@ struct MISSION_ELAPSED_TIME {
     int milliseconds = 0;
     int microseconds = 0;
 
-    static constexpr int kTextLength = 21;    ///< characters of a text
-    static constexpr int kTextStride = 22;    ///< bytes per text in a list: with its terminator
+    static constexpr int kTextLength = 21;  ///< characters of a text
+    static constexpr int kTextStride = 22;  ///< bytes per text in a list: with its terminator
     static constexpr int kMostDays = 9999;
 
     /// @throws ERROR_DATA, after logging

@@ -19,7 +19,9 @@ constexpr const char* kSeparators = "/:T\\";
 constexpr const char* kTokenTypeTexts[] = {"token_sign_minus", "token_sign_plus", "token_white", "token_number",
                                            "token_point",      "token_separator", "token_month", "token_zulu"};
 
-bool IsOneOf(char c, const char* set) { return c != '\0' && std::strchr(set, c) != nullptr; }
+bool IsOneOf(char c, const char* set) {
+    return c != '\0' && std::strchr(set, c) != nullptr;
+}
 
 int SaturatedValue(const std::string& digits) {
     constexpr int kLargest = std::numeric_limits<int>::max();

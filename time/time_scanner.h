@@ -1,7 +1,7 @@
 /// \file time_scanner.h
 /// Tokenizer of time texts: the primitives from which the UTC and MET scanners are built.
-/// The text ends at its size, at a NUL or at a line feed. Failures are thrown as const char* messages; the scanners turn
-/// them into exceptions.   Threads: a scanner belongs to one thread.
+/// The text ends at its size, at a NUL or at a line feed. Failures are thrown as const char* messages; the scanners
+/// turn them into exceptions.   Threads: a scanner belongs to one thread.
 
 #pragma once
 

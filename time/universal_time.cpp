@@ -22,7 +22,8 @@ long long CalendarMicroseconds(const UNIVERSAL_TIME& time) {
 }
 
 [[noreturn]] void ThrowNotRepresentable() {
-    Log().Message(LOGGING_LEVEL::ALARM, "UNIVERSAL_TIME: exceeding representable range of the years 0 to %d", kLastYear);
+    Log().Message(LOGGING_LEVEL::ALARM, "UNIVERSAL_TIME: exceeding representable range of the years 0 to %d",
+                  kLastYear);
     throw "can not represent UTC value";
 }
 
@@ -46,7 +47,9 @@ UNIVERSAL_TIME InsideLeapSecond(long long midnight, long long microseconds_after
 
 }  // namespace
 
-UNIVERSAL_TIME UNIVERSAL_TIME::FromText(const std::string& text) { return UTC_SCANNER().Scan(text); }
+UNIVERSAL_TIME UNIVERSAL_TIME::FromText(const std::string& text) {
+    return UTC_SCANNER().Scan(text);
+}
 
 UNIVERSAL_TIME UNIVERSAL_TIME::FromBrokenDownTime(const std::tm& broken_down) {
     return {broken_down.tm_year + 1900,
@@ -82,10 +85,13 @@ std::string UNIVERSAL_TIME::ToIsoText() const {
 
 long long UNIVERSAL_TIME::MillisecondsOfDay() const {
     const long long counted_minute = minute == kSpareMinute ? kSpareMinute - 1 : minute;
-    return hour * 60LL * kMillisecondsPerMinute + counted_minute * kMillisecondsPerMinute + second * 1000LL + millisecond;
+    return hour * 60LL * kMillisecondsPerMinute + counted_minute * kMillisecondsPerMinute + second * 1000LL +
+           millisecond;
 }
 
-UNIVERSAL_TIME::operator double() const { throw "can not cast from UTC to double"; }
+UNIVERSAL_TIME::operator double() const {
+    throw "can not cast from UTC to double";
+}
 
 std::weak_ordering operator<=>(const UNIVERSAL_TIME& a, const UNIVERSAL_TIME& b) {
     if (a.year != b.year) return a.year <=> b.year;
@@ -97,8 +103,8 @@ std::weak_ordering operator<=>(const UNIVERSAL_TIME& a, const UNIVERSAL_TIME& b)
 }
 
 DURATION operator-(const UNIVERSAL_TIME& later, const UNIVERSAL_TIME& earlier) {
-    const long long days = DayNumber(later.year, later.month, later.day) -
-                           DayNumber(earlier.year, earlier.month, earlier.day);
+    const long long days =
+        DayNumber(later.year, later.month, later.day) - DayNumber(earlier.year, earlier.month, earlier.day);
     const long long milliseconds = later.MillisecondsOfDay() - earlier.MillisecondsOfDay();
     return DURATION::Normalised(days, milliseconds + 1000LL * LeapSecondCount(earlier, later),
                                 static_cast<long long>(later.microsecond) - earlier.microsecond);
@@ -125,4 +131,6 @@ UNIVERSAL_TIME operator+(const UNIVERSAL_TIME& time, const DURATION& duration) {
     return FromCalendarMicroseconds(target);
 }
 
-UNIVERSAL_TIME operator+(const UNIVERSAL_TIME&, const UNIVERSAL_TIME&) { throw "time operation not permitted"; }
+UNIVERSAL_TIME operator+(const UNIVERSAL_TIME&, const UNIVERSAL_TIME&) {
+    throw "time operation not permitted";
+}

@@ -13,7 +13,9 @@ constexpr int kLeapSecond = 60;
 constexpr int kLastSecond = 62;
 constexpr size_t kCompactLength = 15;
 
-bool IsAt(const std::string& text, size_t position, char c) { return position < text.size() && text[position] == c; }
+bool IsAt(const std::string& text, size_t position, char c) {
+    return position < text.size() && text[position] == c;
+}
 
 [[noreturn]] void RefuseValue(const char* message, int value) {
     Log().Message(LOGGING_LEVEL::EXCEPTION, "%s%d", message, value);

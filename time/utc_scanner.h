@@ -31,8 +31,8 @@ class UTC_SCANNER {
   public:
     virtual ~UTC_SCANNER() = default;
 
-    /// @throws ERROR_DATA for anything that is no time, ERROR_ARGUMENT for an unknown month name; both after logging what
-    /// is wrong and the whole text
+    /// @throws ERROR_DATA for anything that is no time, ERROR_ARGUMENT for an unknown month name; both after logging
+    /// what is wrong and the whole text
     [[nodiscard]] UNIVERSAL_TIME Scan(const std::string& text) const;
 
   protected:

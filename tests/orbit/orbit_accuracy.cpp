@@ -1,6 +1,6 @@
 /// \file orbit_accuracy.cpp
-/// Tells how well each interpolation suits an orbit: leaves out state vectors, interpolates them from the rest and prints
-/// the errors as the rows of a table. Not a test: its figures stand in docs/orbits.md as advice.
+/// Tells how well each interpolation suits an orbit: leaves out state vectors, interpolates them from the rest and
+/// prints the errors as the rows of a table. Not a test: its figures stand in docs/orbits.md as advice.
 ///
 ///     orbit_accuracy STEP POOL...        keeps every STEP-th vector of the pools' orbits (double precision)
 
@@ -49,17 +49,26 @@ std::unique_ptr<ORBIT_BASE> CreateOrbit(const VECTORS& vectors, const INTERPOLAT
     using P = POINT<double>;
     using D = DPOINT<double>;
     switch (request.id) {
-        case INTERPOLATION_ID::POLYNOM: return Create<POLYNOM<double>, P>(vectors, request);
-        case INTERPOLATION_ID::POLYFIT: return Create<POLYNOM_FIT<double>, P>(vectors, request);
-        case INTERPOLATION_ID::SPLINE: return Create<SPLINE<double>, P>(vectors, request);
-        case INTERPOLATION_ID::LOCALPOLYNOM: return Create<LOCAL<POLYNOM<double>>, P>(vectors, request);
-        case INTERPOLATION_ID::LOCALPOLYFIT: return Create<LOCAL<POLYNOM_FIT<double>>, P>(vectors, request);
-        case INTERPOLATION_ID::CHEBYSHEV: return Create<CHEBY_POLY<double>, P>(vectors, request);
-        case INTERPOLATION_ID::LOCALCHEBYSHEV: return Create<LOCAL<CHEBY_POLY<double>>, P>(vectors, request);
-        case INTERPOLATION_ID::HERMITE: return Create<HERMITE_POLY<double>, D>(vectors, request);
+        case INTERPOLATION_ID::POLYNOM:
+            return Create<POLYNOM<double>, P>(vectors, request);
+        case INTERPOLATION_ID::POLYFIT:
+            return Create<POLYNOM_FIT<double>, P>(vectors, request);
+        case INTERPOLATION_ID::SPLINE:
+            return Create<SPLINE<double>, P>(vectors, request);
+        case INTERPOLATION_ID::LOCALPOLYNOM:
+            return Create<LOCAL<POLYNOM<double>>, P>(vectors, request);
+        case INTERPOLATION_ID::LOCALPOLYFIT:
+            return Create<LOCAL<POLYNOM_FIT<double>>, P>(vectors, request);
+        case INTERPOLATION_ID::CHEBYSHEV:
+            return Create<CHEBY_POLY<double>, P>(vectors, request);
+        case INTERPOLATION_ID::LOCALCHEBYSHEV:
+            return Create<LOCAL<CHEBY_POLY<double>>, P>(vectors, request);
+        case INTERPOLATION_ID::HERMITE:
+            return Create<HERMITE_POLY<double>, D>(vectors, request);
         case INTERPOLATION_ID::LOCALHERMITE:
             return Create<LOCAL_INTERPOLATION<double, HERMITE_POLY<double>, D>, D>(vectors, request);
-        case INTERPOLATION_ID::EVERETT: return Create<EVERETT<double>, P>(vectors, request);
+        case INTERPOLATION_ID::EVERETT:
+            return Create<EVERETT<double>, P>(vectors, request);
     }
     return nullptr;
 }
@@ -77,7 +86,8 @@ VECTORS PlainVectors(PARAMETER_POOL& pool, const ORBIT_CONFIGURATION& configurat
 VECTORS ReadVectors(const char* path) {
     PARAMETER_POOL pool(path);
     const ORBIT_CONFIGURATION configuration = ReadOrbitConfiguration(pool);
-    if (configuration.representation == "orbit_pool_double_utc") return PlainVectors<UNIVERSAL_TIME>(pool, configuration);
+    if (configuration.representation == "orbit_pool_double_utc")
+        return PlainVectors<UNIVERSAL_TIME>(pool, configuration);
     if (configuration.representation == "orbit_pool_double_met") {
         return PlainVectors<MISSION_ELAPSED_TIME>(pool, configuration);
     }
@@ -130,12 +140,34 @@ int main(int argc, char** argv) {
             const VECTORS all = ReadVectors(argv[i]);
             std::printf("%s: %zu vectors, every %zu. kept; worst error in the middle, anywhere [mm, mm/s]\n", argv[i],
                         all.size(), step);
-            for (const char* interpolation :
-                 {"polynom", "polyfit_5", "polyfit_7", "polyfit_9", "polyfit_11", "spline", "localpolynom_0_4", "localpolynom_0_6",
-                  "localpolynom_0_8", "localpolynom_0_10", "localpolyfit_5_7", "localpolyfit_7_9", "localpolyfit_7_11", "chebyshev_5",
-                  "chebyshev_7", "chebyshev_9", "chebyshev_11", "localchebyshev_5_7", "localchebyshev_7_9", "hermite_0_2",
-                  "hermite_0_4", "hermite_0_6", "hermite_0_8", "localhermite_0_4", "localhermite_0_8", "everett_4", "everett_6",
-                  "everett_8"}) {
+            for (const char* interpolation : {"polynom",
+                                              "polyfit_5",
+                                              "polyfit_7",
+                                              "polyfit_9",
+                                              "polyfit_11",
+                                              "spline",
+                                              "localpolynom_0_4",
+                                              "localpolynom_0_6",
+                                              "localpolynom_0_8",
+                                              "localpolynom_0_10",
+                                              "localpolyfit_5_7",
+                                              "localpolyfit_7_9",
+                                              "localpolyfit_7_11",
+                                              "chebyshev_5",
+                                              "chebyshev_7",
+                                              "chebyshev_9",
+                                              "chebyshev_11",
+                                              "localchebyshev_5_7",
+                                              "localchebyshev_7_9",
+                                              "hermite_0_2",
+                                              "hermite_0_4",
+                                              "hermite_0_6",
+                                              "hermite_0_8",
+                                              "localhermite_0_4",
+                                              "localhermite_0_8",
+                                              "everett_4",
+                                              "everett_6",
+                                              "everett_8"}) {
                 try {
                     PrintRow(interpolation, all, step);
                 } catch (const ERROR_EXCEPTION& error) {

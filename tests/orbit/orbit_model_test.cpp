@@ -5,8 +5,8 @@
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/pool/parameter_pool.h"
 #include "orbit/orbit_factory.h"
-#include "orbit/pool_orbit.h"
 #include "orbit/polynom.h"
+#include "orbit/pool_orbit.h"
 #include "tests/orbit/orbit_pools.h"
 #include "tests/time/log_capture.h"
 
@@ -48,11 +48,16 @@ struct ACCURACY {
 // Exact data: what remains is rounding (1e-9 m of a coordinate) and the error term of each method, for the local ones
 // r (w h)^n times 1e-3 or less. Spline: 5/384 h^4 r w^4 = 1.2e-3 m, and what is left of its wrong ends.
 constexpr ACCURACY kAccuracies[] = {
-    {"polynom", 1e-7, 1e-7, 1e-7},           {"polyfit_9", 1e-5, 1e-6, 1e-6},
-    {"spline", 5e-3, 1e-3, 1e-2},            {"localpolynom_0_8", 1e-7, 1e-8, 1e-8},
-    {"localpolyfit_7_9", 1e-7, 1e-8, 1e-8},  {"chebyshev_9", 1e-5, 1e-6, 1e-6},
-    {"localchebyshev_7_9", 1e-7, 1e-8, 1e-8}, {"hermite_0_8", 1e-7, 1e-8, 1e-8},
-    {"localhermite_0_8", 1e-7, 1e-8, 1e-8},  {"everett_8", 1e-7, 1e-8, 1e-8},
+    {"polynom", 1e-7, 1e-7, 1e-7},
+    {"polyfit_9", 1e-5, 1e-6, 1e-6},
+    {"spline", 5e-3, 1e-3, 1e-2},
+    {"localpolynom_0_8", 1e-7, 1e-8, 1e-8},
+    {"localpolyfit_7_9", 1e-7, 1e-8, 1e-8},
+    {"chebyshev_9", 1e-5, 1e-6, 1e-6},
+    {"localchebyshev_7_9", 1e-7, 1e-8, 1e-8},
+    {"hermite_0_8", 1e-7, 1e-8, 1e-8},
+    {"localhermite_0_8", 1e-7, 1e-8, 1e-8},
+    {"everett_8", 1e-7, 1e-8, 1e-8},
 };
 
 /// Largest errors in the middle third of the samples.
@@ -95,10 +100,12 @@ TEST(PoolOrbit, FollowsTheClosedFormInEveryTypeAndInterpolation) {
 TEST(PoolOrbit, TakesTimesOfItsOwnType) {
     const ORBIT_OF_POOL utc = Read(OrbitPool({.type = "orbit_pool_double_utc"}));
     // 150 s after the reference with its leap second in between, which a plain calendar does not see.
-    EXPECT_LT(Distance(utc.Position(UNIVERSAL_TIME::FromText("01-JAN-2017/00:00:29")), CircularOrbit(150.0).position_m), 1e-6);
-    const ORBIT_OF_POOL met = Read(OrbitPool({.type = "orbit_pool_double_met"}));
-    EXPECT_LT(Distance(met.Velocity(MISSION_ELAPSED_TIME::FromText("0013/00:00:30.5")), CircularOrbit(90.25).velocity_m_s),
+    EXPECT_LT(Distance(utc.Position(UNIVERSAL_TIME::FromText("01-JAN-2017/00:00:29")), CircularOrbit(150.0).position_m),
               1e-6);
+    const ORBIT_OF_POOL met = Read(OrbitPool({.type = "orbit_pool_double_met"}));
+    EXPECT_LT(
+        Distance(met.Velocity(MISSION_ELAPSED_TIME::FromText("0013/00:00:30.5")), CircularOrbit(90.25).velocity_m_s),
+        1e-6);
     const ORBIT_OF_POOL plain = Read(OrbitPool({}));
     EXPECT_LT(Distance(plain.Position(ANY_TIME(1100.0)), CircularOrbit(100.0).position_m), 1e-6)
         << "the reference number is subtracted";
@@ -130,14 +137,21 @@ struct TEXT_CASE {
 TEST(InterpolationText, GivesNameOrderAndCount) {
     using enum INTERPOLATION_ID;
     constexpr TEXT_CASE kCases[] = {
-        {"localpolyfit_5_9", LOCALPOLYFIT, 5, 9},      {"localpolyfit(5,9)", LOCALPOLYFIT, 5, 9},
-        {"--localpolyfit:5;:9)7", LOCALPOLYFIT, 5, 9}, {"hermite_0_8", HERMITE, -1, 8},
-        {"hermite_x_6", HERMITE, -1, 6},               {"spline_x_y", SPLINE, -1, -1},
+        {"localpolyfit_5_9", LOCALPOLYFIT, 5, 9},
+        {"localpolyfit(5,9)", LOCALPOLYFIT, 5, 9},
+        {"--localpolyfit:5;:9)7", LOCALPOLYFIT, 5, 9},
+        {"hermite_0_8", HERMITE, -1, 8},
+        {"hermite_x_6", HERMITE, -1, 6},
+        {"spline_x_y", SPLINE, -1, -1},
         {"polynom(99999999999999999999)", POLYNOM, -1, -1},
-        {"polyfit_0", POLYFIT, 0, -1},                 {"localpolynom__4", LOCALPOLYNOM, -1, 8},
-        {"chebyshev_012", CHEBYSHEV, 12, -1},          {"hermite", HERMITE, -1, 4},
-        {"everett", EVERETT, 6, -1},                   {"localchebyshev_3", LOCALCHEBYSHEV, 3, 9},
-        {"localhermite_0_2", LOCALHERMITE, -1, 2},     {"hermite_0_1", HERMITE, -1, 1},
+        {"polyfit_0", POLYFIT, 0, -1},
+        {"localpolynom__4", LOCALPOLYNOM, -1, 8},
+        {"chebyshev_012", CHEBYSHEV, 12, -1},
+        {"hermite", HERMITE, -1, 4},
+        {"everett", EVERETT, 6, -1},
+        {"localchebyshev_3", LOCALCHEBYSHEV, 3, 9},
+        {"localhermite_0_2", LOCALHERMITE, -1, 2},
+        {"hermite_0_1", HERMITE, -1, 1},
     };
     for (const TEXT_CASE& c : kCases) {
         SCOPED_TRACE(c.text);
@@ -149,8 +163,10 @@ TEST(InterpolationText, GivesNameOrderAndCount) {
     EXPECT_THAT(LoggedBy([] { (void)ParseInterpolationText("localpolyfit_5_9"); }),
                 AllOf(HasSubstr("PARAM : global : ORBIT: detected poly fit order: 5\n"),
                       HasSubstr("PARAM : global : ORBIT: detected support point count: 9\n")));
-    EXPECT_THAT(LoggedBy([] { (void)ParseInterpolationText("localpolyfit_5"); }),
-                HasSubstr("INFO  : global : ORBIT: interpolation \"localpolyfit_5\" gives no support point count: 9 is used\n"));
+    EXPECT_THAT(
+        LoggedBy([] { (void)ParseInterpolationText("localpolyfit_5"); }),
+        HasSubstr(
+            "INFO  : global : ORBIT: interpolation \"localpolyfit_5\" gives no support point count: 9 is used\n"));
 }
 
 TEST(InterpolationText, RefusesNamingPoolKeyAndText) {
@@ -173,11 +189,13 @@ TEST(InterpolationText, RefusesNamingPoolKeyAndText) {
     for (const BAD& c : kBad) {
         const std::string log = RefusalOf(OrbitPool({.interpolation = c.text}));
         EXPECT_THAT(log, HasSubstr(c.logged));
-        EXPECT_THAT(log, HasSubstr("orbit.pool: key \"orbit_interpolation\": value \"" + std::string(c.text) + "\" is refused\n"));
+        EXPECT_THAT(log, HasSubstr("orbit.pool: key \"orbit_interpolation\": value \"" + std::string(c.text) +
+                                   "\" is refused\n"));
         EXPECT_THAT(log, HasSubstr("[wrong argument]"));
     }
     const std::string odd = RefusalOf(OrbitPool({.interpolation = "everett_3"}));
-    EXPECT_THAT(odd, HasSubstr("EVERETT::Create: Everett interpolation only possible with even order, not for given order 3"));
+    EXPECT_THAT(
+        odd, HasSubstr("EVERETT::Create: Everett interpolation only possible with even order, not for given order 3"));
     EXPECT_THAT(odd, HasSubstr("orbit.pool: the interpolation \"everett_3\" does not suit the 24 state vectors"));
 }
 
@@ -213,12 +231,12 @@ TEST(PoolOrbit, RefusesListsThatDoNotFitNamingFileAndKey) {
              pool.SetList("velocities", "FLT_15_V", eleven);
          },
          "key \"positions\": 11 numbers are no multiple of the three coordinates"},
-        {"fewer times than vectors", list("times", "FLT_15_V", four_times),
-         "key \"times\": 4 times, but "},
+        {"fewer times than vectors", list("times", "FLT_15_V", four_times), "key \"times\": 4 times, but "},
         {"a time twice", changed("times", "1013.5", "1003.5"),
          "key \"times\": state vector 1 (1003.5) is not later than the one before (1003.5)"},
         {"times that go back", changed("times", "1023.5", "1010"), "state vector 2 (1010) is not later"},
-        {"a time far away", changed("times", "1003.5", "-1e300"), "key \"times\": state vector 0: -1e+300 s is outside"},
+        {"a time far away", changed("times", "1003.5", "-1e300"),
+         "key \"times\": state vector 0: -1e+300 s is outside"},
         {"a time that is none", changed("times", "1003.5", "nan"), "key \"times\""},
         {"a position in the wrong unit",
          [&](POOL_TEXT& pool) {
@@ -236,8 +254,8 @@ TEST(PoolOrbit, RefusesListsThatDoNotFitNamingFileAndKey) {
          "key \"velocities\""},
         {"a UTC text that is none", changed("times", "T23:58:13.500000", "T25:58:13.500000"),
          "orbit.pool: key \"times\": entry 1 \"2016-12-31T25:58:13.500000\" is no UTC time\n", "orbit_pool_double_utc"},
-        {"a MET text that is none", changed("times", "/23:59:13", "/23:59:61"), "MET_SCANNER: seconds are outside 0..59\n",
-         "orbit_pool_double_met"},
+        {"a MET text that is none", changed("times", "/23:59:13", "/23:59:61"),
+         "MET_SCANNER: seconds are outside 0..59\n", "orbit_pool_double_met"},
         {"float coordinates in a pool of doubles", changed("positions", "FLT_15_V", "FLT_6_V"), "positions"},
         {"no reference time", [](POOL_TEXT& pool) { pool.Remove("orbit_reference_time"); }, "orbit_reference_time"},
         {"no velocities", [](POOL_TEXT& pool) { pool.Remove("velocities"); }, "velocities"},
@@ -261,14 +279,15 @@ TEST(PoolOrbit, AsksForEnoughStateVectors) {
         const char* interpolation;
         int fewest;
     };
-    constexpr NEED kNeeds[] = {{"hermite_0_8", 8}, {"hermite_0_1", 2}, {"everett_6", 7}, {"everett_0", 2},
-                               {"polynom", 2},     {"polyfit_9", 2},   {"spline", 2},    {"localhermite_0_8", 2},
+    constexpr NEED kNeeds[] = {{"hermite_0_8", 8},      {"hermite_0_1", 2}, {"everett_6", 7}, {"everett_0", 2},
+                               {"polynom", 2},          {"polyfit_9", 2},   {"spline", 2},    {"localhermite_0_8", 2},
                                {"localpolyfit_7_9", 2}, {"chebyshev_9", 2}};
     for (const NEED& c : kNeeds) {
         SCOPED_TRACE(c.interpolation);
         EXPECT_EQ(RefusalOf(OrbitPool({.interpolation = c.interpolation, .count = c.fewest})), "read");
-        EXPECT_THAT(RefusalOf(OrbitPool({.interpolation = c.interpolation, .count = c.fewest - 1})),
-                    HasSubstr("orbit.pool: key \"times\": " + std::to_string(c.fewest - 1) + " state vectors are too few"));
+        EXPECT_THAT(
+            RefusalOf(OrbitPool({.interpolation = c.interpolation, .count = c.fewest - 1})),
+            HasSubstr("orbit.pool: key \"times\": " + std::to_string(c.fewest - 1) + " state vectors are too few"));
     }
 }
 
@@ -284,9 +303,12 @@ TEST(GeneralOrbit, TellsTheKindOfAReferenceTimeByItsForm) {
          "GENERAL_ORBIT: MET reference time detected: +0001/00:00:00.000000\n"},
         {"orbit_pool_double_utc", "2012-03-05T14:03:07",
          "GENERAL_ORBIT: UTC reference time detected: 05-MAR-2012/14:03:07.000000\n"},
-        {"orbit_pool_double_utc", "12.5", "ORBIT: the reference time 12.5 is plain seconds, but the times of orbit_pool_double_utc are UTC\n"},
-        {"orbit_pool_double_double", "0001/00:00:00", "is MET, but the times of orbit_pool_double_double are plain seconds\n"},
-        {"orbit_pool_double_met", "-0001/00:00:00.000000", "UTC_SCANNER: Error during scan of: -0001/00:00:00.000000\n"},
+        {"orbit_pool_double_utc", "12.5",
+         "ORBIT: the reference time 12.5 is plain seconds, but the times of orbit_pool_double_utc are UTC\n"},
+        {"orbit_pool_double_double", "0001/00:00:00",
+         "is MET, but the times of orbit_pool_double_double are plain seconds\n"},
+        {"orbit_pool_double_met", "-0001/00:00:00.000000",
+         "UTC_SCANNER: Error during scan of: -0001/00:00:00.000000\n"},
         {"orbit_pool_double_double", "20120305T140307", "TIME: \"20120305T140307\" is no number of seconds\n"},
         {"orbit_pool_double_double", "", "TIME: \"\" is no number of seconds\n"},
     };
@@ -301,8 +323,9 @@ TEST(GeneralOrbit, TellsTheKindOfAReferenceTimeByItsForm) {
         EXPECT_THAT(log, HasSubstr(c.logged)) << c.text;
         EXPECT_THAT(log, HasSubstr("DEBUG : global : GENERAL_ORBIT::SetReferenceTime(" + std::string(c.text) + ")\n"));
     }
-    EXPECT_THAT(RefusalOf(OrbitPool({.reference = "0001/00:00:00"})),
-                HasSubstr("orbit.pool: key \"orbit_reference_time\": value \"0001/00:00:00\" is refused\n[wrong argument]"));
+    EXPECT_THAT(
+        RefusalOf(OrbitPool({.reference = "0001/00:00:00"})),
+        HasSubstr("orbit.pool: key \"orbit_reference_time\": value \"0001/00:00:00\" is refused\n[wrong argument]"));
 }
 
 TEST(OrbitFactory, HasARowForEveryPair) {
@@ -366,8 +389,8 @@ TEST(Orbit, SavesItsCheckTable) {
     for (int i = 0; i < 4; ++i) {
         std::getline(file, line);
         double f[10];
-        ASSERT_EQ(std::sscanf(line.c_str(), "| %lf | %le | %le | %le | %le | %le | %le | %le | %le | %le |", &f[0], &f[1],
-                              &f[2], &f[3], &f[4], &f[5], &f[6], &f[7], &f[8], &f[9]),
+        ASSERT_EQ(std::sscanf(line.c_str(), "| %lf | %le | %le | %le | %le | %le | %le | %le | %le | %le |", &f[0],
+                              &f[1], &f[2], &f[3], &f[4], &f[5], &f[6], &f[7], &f[8], &f[9]),
                   10)
             << line;
         const VECTOR_3D<double> truth = CircularOrbit(3.5 + 10 * i).position_m;
@@ -379,9 +402,11 @@ TEST(Orbit, SavesItsCheckTable) {
     }
     EXPECT_FALSE(std::getline(file, line));
     const std::string below_a_file = path + "/table";
-    EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(Read(OrbitPool({})).SavePolynomial(below_a_file), ERROR_CAN_NOT_CREATE_FILE); }),
-                HasSubstr("ORBIT::SavePolynomial() can not create file: " + below_a_file + "\n"));
+    EXPECT_THAT(
+        LoggedBy([&] { EXPECT_THROW(Read(OrbitPool({})).SavePolynomial(below_a_file), ERROR_CAN_NOT_CREATE_FILE); }),
+        HasSubstr("ORBIT::SavePolynomial() can not create file: " + below_a_file + "\n"));
     EXPECT_THROW(Read(OrbitPool({})).SavePolynomial("/dev/full"), ERROR_CAN_NOT_WRITE_FILE);
+    std::remove(path.c_str());
 }
 
 TEST(GeneralOrbit, AnswersManyThreadsAtOnce) {

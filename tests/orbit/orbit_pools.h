@@ -59,15 +59,23 @@ class POOL_TEXT {
     void Remove(const std::string& key) { entries_.erase(key); }
     const std::string& Entry(const std::string& key) const { return entries_.at(key); }
 
-    /// Writes the pool into the test's temporary folder. @return its path
-    std::string Save(const std::string& name = "orbit.pool") const {
-        const std::string path = testing::TempDir() + "/" + std::to_string(getpid()) + "_" + name;
+    /// Writes the pool into the one file of this program. @return its path
+    std::string Save() const {
+        static const REMOVED_AT_EXIT file_of_program(testing::TempDir() + "/" + std::to_string(getpid()) +
+                                                     "_orbit.pool");
+        const std::string& path = file_of_program.path;
         std::ofstream file(path);
         for (const auto& [key, entry] : entries_) file << key << " " << entry << "\n";
         return path;
     }
 
   private:
+    struct REMOVED_AT_EXIT {
+        explicit REMOVED_AT_EXIT(std::string p) : path(std::move(p)) {}
+        ~REMOVED_AT_EXIT() { std::remove(path.c_str()); }
+        std::string path;
+    };
+
     std::map<std::string, std::string> entries_;
 };
 
@@ -80,8 +88,9 @@ struct ORBIT_SAMPLING {
     double step_s = 10.0;
 };
 
-inline constexpr const char* kUsualUtc = "31-DEC-2016/23:58:00.000000";  // a leap second lies in the middle of the samples
-inline constexpr const char* kUsualMet = "+0012/23:59:00.250000";        // a day ends among the samples
+inline constexpr const char* kUsualUtc =
+    "31-DEC-2016/23:58:00.000000";                                 // a leap second lies in the middle of the samples
+inline constexpr const char* kUsualMet = "+0012/23:59:00.250000";  // a day ends among the samples
 
 inline std::string Digits(double value, bool is_float) {
     char text[40];
@@ -99,8 +108,8 @@ inline std::vector<std::string> TimeItems(const ORBIT_SAMPLING& s) {
     for (int i = 0; i < s.count; ++i) {
         const double t = s.first_s + i * s.step_s;
         if (s.type.ends_with("utc")) {
-            const UNIVERSAL_TIME utc =
-                TIME_AXIS<UNIVERSAL_TIME>::Plus(UNIVERSAL_TIME::FromText(s.reference.empty() ? kUsualUtc : s.reference), t);
+            const UNIVERSAL_TIME utc = TIME_AXIS<UNIVERSAL_TIME>::Plus(
+                UNIVERSAL_TIME::FromText(s.reference.empty() ? kUsualUtc : s.reference), t);
             items.push_back("\"" + (i % 2 == 0 ? utc.ToText() : utc.ToIsoText()) + "\"");
         } else if (s.type.ends_with("met")) {
             const auto reference = MISSION_ELAPSED_TIME::FromText(kUsualMet);

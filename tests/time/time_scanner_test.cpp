@@ -1,9 +1,10 @@
+#include "time/time_scanner.h"
+
 #include <gtest/gtest.h>
 
 #include "lib/baselib/errors/error_exception.h"
 #include "tests/time/log_capture.h"
 #include "time/met_scanner.h"
-#include "time/time_scanner.h"
 #include "time/utc_scanner.h"
 
 namespace {
@@ -34,7 +35,7 @@ TEST(UtcScanner, ReadsEveryForm) {
         {"2012-03-05T14:03:07Z \t", "05-MAR-2012/14:03:07.000000"},
         {"2012-03-05T14:03:07.25Z", "05-MAR-2012/14:03:07.250000"},
         {"2012-03-05T14:03:07.25 \n anything", "05-MAR-2012/14:03:07.250000"},  // a line ends the text
-        {"2012-MAR-05T14:03:07", nullptr},  // the name moves the positions
+        {"2012-MAR-05T14:03:07", nullptr},                                      // the name moves the positions
         {"05-003-2012/14:03:07", "05-MAR-2012/14:03:07.000000"},
         {"31-DEC-2016/23:59:60.000000", "31-DEC-2016/23:59:60.000000"},
         {"30-JUN-2012/23:59:62", "30-JUN-2012/23:59:62.000000"},
@@ -119,8 +120,10 @@ TEST(UtcScanner, RefusesWithTheReason) {
 
 TEST(MetScanner, ReadsAndRefuses) {
     constexpr GOOD kGood[] = {
-        {"+0012/03:04:05.006007", "+0012/03:04:05.006007"}, {"-0012/03:04:05.006007", "-0012/03:04:05.006007"},
-        {"12/3:4:5", "+0012/03:04:05.000000"},              {" + 12 - 3 T 4 \\ 5 . 5 ", "+0012/03:04:05.500000"},
+        {"+0012/03:04:05.006007", "+0012/03:04:05.006007"},
+        {"-0012/03:04:05.006007", "-0012/03:04:05.006007"},
+        {"12/3:4:5", "+0012/03:04:05.000000"},
+        {" + 12 - 3 T 4 \\ 5 . 5 ", "+0012/03:04:05.500000"},
         {"9999/23:59:59.999999Z", "+9999/23:59:59.999999"},
     };
     for (const GOOD& c : kGood) EXPECT_EQ(MET_SCANNER().Scan(c.text).ToText(), c.expected) << c.text;

@@ -13,8 +13,12 @@ namespace {
 
 using testing::HasSubstr;
 
-UNIVERSAL_TIME Utc(const char* text) { return UNIVERSAL_TIME::FromText(text); }
-MISSION_ELAPSED_TIME Met(const char* text) { return MISSION_ELAPSED_TIME::FromText(text); }
+UNIVERSAL_TIME Utc(const char* text) {
+    return UNIVERSAL_TIME::FromText(text);
+}
+MISSION_ELAPSED_TIME Met(const char* text) {
+    return MISSION_ELAPSED_TIME::FromText(text);
+}
 
 TEST(Calendar, DayNumbersAgreeWithTheSystemCalendar) {
     // timegm counts days since 1970 by its own method; every day of the years 1600 to 2400 is tried.
@@ -73,9 +77,9 @@ TEST(UniversalTime, DifferencesCountLeapSecondsInBothDirections) {
         EXPECT_EQ(LeapSecondCount(Utc(c.earlier), Utc(c.later)), c.leap_seconds);
         EXPECT_EQ(LeapSecondCount(Utc(c.later), Utc(c.earlier)), -c.leap_seconds);
     }
-    EXPECT_THAT(LoggedBy([] { (void)(Utc("01-JAN-2017/00:00:00") - Utc("31-DEC-2016/00:00:00")); },
-                         LOGGING_LEVEL::TRACE),
-                HasSubstr("leap secs = 1\n"));
+    EXPECT_THAT(
+        LoggedBy([] { (void)(Utc("01-JAN-2017/00:00:00") - Utc("31-DEC-2016/00:00:00")); }, LOGGING_LEVEL::TRACE),
+        HasSubstr("leap secs = 1\n"));
 }
 
 TEST(LeapSeconds, AreKnownByAllEightFields) {
@@ -94,7 +98,7 @@ TEST(UniversalTime, OrdersByYearDayAndTimeOfDay) {
     const UNIVERSAL_TIME spare_minute{2012, 3, 5, 10, 60, 0, 0, 0};
     EXPECT_TRUE((spare_minute <=> UNIVERSAL_TIME{2012, 3, 5, 10, 59, 0, 0, 0}) == 0) << "minute 60 counts as 59";
     EXPECT_TRUE((UNIVERSAL_TIME{2012, 6, 31, 0, 0, 0, 0, 0} <=> UNIVERSAL_TIME{2012, 7, 1, 0, 0, 0, 0, 0}) == 0);
-    const char* ascending[] = {"31-DEC-2011/23:59:59.999999", "01-JAN-2012/00:00:00",       "29-FEB-2012/23:00:00",
+    const char* ascending[] = {"31-DEC-2011/23:59:59.999999", "01-JAN-2012/00:00:00",        "29-FEB-2012/23:00:00",
                                "01-MAR-2012/00:00:00",        "01-MAR-2012/00:00:00.000001", "01-MAR-2012/00:00:00.001",
                                "01-MAR-2012/00:01:00",        "01-MAR-2012/01:00:00",        "01-JAN-2013/00:00:00"};
     for (size_t i = 0; i + 1 < std::size(ascending); ++i) {
@@ -133,12 +137,10 @@ TEST(UniversalTime, PlusIsTheInverseOfTheDifference) {
     for (const SUM& c : kSums) {
         EXPECT_EQ(TIME_AXIS<UNIVERSAL_TIME>::Plus(Utc(c.start), c.seconds).ToText(), c.expected) << c.start;
     }
-    const double beyond[] = {1.0, 1e11, 1e300, -4e11, std::numeric_limits<double>::quiet_NaN(),
-                             std::numeric_limits<double>::infinity()};
+    const double beyond[] = {
+        1.0, 1e11, 1e300, -4e11, std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()};
     for (const double seconds : beyond) {
-        EXPECT_EQ(TextThrownBy([&] {
-                      (void)TIME_AXIS<UNIVERSAL_TIME>::Plus(Utc("31-DEC-9999/23:59:59"), seconds);
-                  }),
+        EXPECT_EQ(TextThrownBy([&] { (void)TIME_AXIS<UNIVERSAL_TIME>::Plus(Utc("31-DEC-9999/23:59:59"), seconds); }),
                   "can not represent UTC value")
             << seconds;
     }
@@ -212,7 +214,9 @@ TEST(Duration, CarriesToOneSign) {
     EXPECT_LT((DURATION{-1, -5, 0}), (DURATION{-1, -4, 0}));
     const int most = std::numeric_limits<int>::max();
     std::string text;
-    const auto overflow = [&] { text = TextThrownBy([&] { (void)(DURATION{most, 86'399'999, 999} + DURATION{0, 0, 1}); }); };
+    const auto overflow = [&] {
+        text = TextThrownBy([&] { (void)(DURATION{most, 86'399'999, 999} + DURATION{0, 0, 1}); });
+    };
     EXPECT_THAT(LoggedBy(overflow), HasSubstr("DURATION: exceeding representable range (d=2147483648 ms="));
     EXPECT_EQ(text, "duration range error");
     const long long least = std::numeric_limits<long long>::min();

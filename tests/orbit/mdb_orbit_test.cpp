@@ -1,0 +1,197 @@
+#include "orbit/mdb_orbit.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+#include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/pool/parameter_pool.h"
+#include "orbit/local_interpolation.h"
+#include "orbit/polynom.h"
+#include "tests/orbit/orbit_pools.h"
+#include "tests/time/log_capture.h"
+
+namespace {
+
+using testing::HasSubstr;
+namespace fs = std::filesystem;
+
+using LOCALPOLYNOM_OF_MDB =
+    MDB_ORBIT<double, UNIVERSAL_TIME, LOCAL_INTERPOLATION<double, POLYNOM<double>, POINT<double>>, POINT<double>>;
+
+/// A database folder with one data file of 24 vectors every 10 s, in its folder of missions and data takes.
+class ORBIT_DATABASE : public testing::Test {
+  protected:
+    void SetUp() override {
+        std::string name = (fs::temp_directory_path() / "mdb_orbit_XXXXXX").string();
+        root_ = mkdtemp(name.data());
+    }
+    void TearDown() override { fs::remove_all(root_); }
+
+    /// @param kind "double", "utc" or "met"
+    void WriteDatabase(const std::string& file, const std::string& kind) const {
+        fs::create_directories(fs::path(file).parent_path());
+        std::ofstream(fs::path(file).parent_path() / "format.dat")
+            << "time : " << kind << "\nx : double\ny : double\nz : double\nvx : double\nvy : double\nvz : double\n";
+        std::ofstream data(file);
+        const std::string type = "orbit_pool_double_" + kind;
+        const std::vector<std::string> times = TimeItems({.type = type});
+        for (int i = 0; i < 24; ++i) {
+            std::string time = times[static_cast<size_t>(i)];
+            std::erase(time, '"');
+            if (kind == "utc") time = UNIVERSAL_TIME::FromText(time).ToText();
+            const ORBIT_STATE s = CircularOrbit(3.5 + 10 * i);
+            data << "time : " << time << "\n  time : " << time << "\n";
+            const std::pair<const char*, double> items[] = {{"x", s.position_m.x},    {"y", s.position_m.y},
+                                                            {"z", s.position_m.z},    {"vx", s.velocity_m_s.x},
+                                                            {"vy", s.velocity_m_s.y}, {"vz", s.velocity_m_s.z}};
+            for (const auto& [key, value] : items) data << "  " << key << " : " << Digits(value, false) << "\n";
+        }
+    }
+
+    POOL_TEXT PoolOf(const std::string& kind, const std::string& interpolation) const {
+        POOL_TEXT pool;
+        pool.SetText("orbit_representation", "orbit_mdb_double_" + kind);
+        pool.SetText("orbit_interpolation", interpolation);
+        pool.SetText("orbit_reference_time", kind == "utc" ? kUsualUtc : kind == "met" ? kUsualMet : "1000.0");
+        pool.SetText("root_path", root_);
+        const std::pair<const char*, const char*> ids[] = {
+            {"mission_id", "1"},          {"tape_id_number", "42"},       {"tape_source_id", "2"},
+            {"major_data_take_id", "17"}, {"minor_data_take_id", "1234"}, {"channel_id", "3"},
+            {"orbit_source_id", "4"}};
+        for (const auto& [key, value] : ids) pool.Set(key, std::string("INT_32 ") + value);
+        return pool;
+    }
+
+    std::string UsualFile() const { return root_ + "/mission_1/dt_17_1234/hddc_42_sec/rest_3"; }
+
+    std::string root_;
+};
+
+/// Log of an attempt to read, then the failure or "read".
+std::string LogOfReading(const POOL_TEXT& text, ORBIT_OF_POOL& orbit) {
+    std::string outcome;
+    const std::string log = LoggedBy(
+        [&] {
+            try {
+                PARAMETER_POOL pool(text.Save());
+                orbit.ReadFromParameterPool(pool);
+                outcome = "read";
+            } catch (const ERROR_EXCEPTION& error) {
+                outcome = "[" + error.Message() + "]";
+            } catch (const char* message) {
+                outcome = "\"" + std::string(message) + "\"";
+            }
+        },
+        LOGGING_LEVEL::INFO);
+    return log + outcome;
+}
+
+TEST_F(ORBIT_DATABASE, GivesTheOrbitInEveryTimeType) {
+    for (const char* kind : {"double", "utc", "met"}) {
+        SCOPED_TRACE(kind);
+        WriteDatabase(UsualFile(), kind);
+        for (const char* interpolation :
+             {"polynom", "polyfit_9", "localpolynom_0_8", "localpolyfit_7_9", "everett_8"}) {
+            ORBIT_OF_POOL orbit;
+            const std::string log = LogOfReading(PoolOf(kind, interpolation), orbit);
+            EXPECT_THAT(log, HasSubstr("read"));
+            EXPECT_THAT(log, HasSubstr("mdb_orbit compiled without: TYPE_IS_STRING_VECTOR\n"));
+            EXPECT_THAT(log, HasSubstr("mdb file: " + UsualFile() + "\n"));
+            for (double t = 80.0; t < 160.0; t += 1.7) {
+                EXPECT_LT(Distance(orbit.Position(t), CircularOrbit(t).position_m), 1e-5) << interpolation;
+            }
+        }
+    }
+}
+
+TEST_F(ORBIT_DATABASE, IsFoundByIdsOrByAnExplicitPath) {
+    WriteDatabase(root_ + "/unknown/dt_0_0/hddc_7_unknown/_9", "utc");
+    POOL_TEXT unset = PoolOf("utc", "localpolynom_0_8");
+    for (const char* key : {"mission_id", "tape_source_id", "major_data_take_id", "minor_data_take_id"}) {
+        unset.Set(key, "INT_32 0");
+    }
+    unset.Set("tape_id_number", "INT_32 7");
+    unset.Set("channel_id", "INT_32 9");
+    unset.Remove("orbit_source_id");
+    ORBIT_OF_POOL orbit;
+    const std::string log = LogOfReading(unset, orbit);
+    EXPECT_THAT(log, HasSubstr("ORBIT: orbit_source_id is not set\n"));
+    EXPECT_EQ(orbit.StateVectorCount(), 24) << log;
+
+    WriteDatabase(root_ + "/elsewhere/orbit.mdb", "utc");
+    POOL_TEXT explicit_path = PoolOf("utc", "localpolynom_0_8");
+    explicit_path.SetText("mdb_orbit_data_file", root_ + "/elsewhere/orbit.mdb");
+    for (const char* key : {"root_path", "mission_id", "tape_id_number", "channel_id"}) explicit_path.Remove(key);
+    ORBIT_OF_POOL other;
+    EXPECT_THAT(LogOfReading(explicit_path, other), HasSubstr("mdb file: " + root_ + "/elsewhere/orbit.mdb\n"));
+    EXPECT_EQ(other.StateVectorCount(), 24);
+}
+
+TEST_F(ORBIT_DATABASE, RefusesWithFileAndReason) {
+    struct FAULT {
+        const char* what;
+        std::function<void(POOL_TEXT&)> spoil;
+        std::string logged;
+    };
+    const auto set = [](const char* key, const char* entry) { return [=](POOL_TEXT& pool) { pool.Set(key, entry); }; };
+    const FAULT faults[] = {
+        {"an unknown mission", set("mission_id", "INT_32 5"),
+         "orbit.pool: key \"mission_id\": value 5 stands in no id table\n[data error]"},
+        {"an unknown tape source", set("tape_source_id", "INT_32 -1"),
+         "key \"tape_source_id\": value -1 stands in no id table\n"},
+        {"a negative number", set("channel_id", "INT_32 -3"), "key \"channel_id\": value -3 is negative\n"},
+        {"no such file", set("channel_id", "INT_32 4"),
+         "mdb file " + root_ + "/mission_1/dt_17_1234/hddc_42_sec/rest_4: can not open mdb-file\n"},
+        {"no root path", [](POOL_TEXT& pool) { pool.Remove("root_path"); }, "root_path"},
+        {"a calendar time as plain seconds",
+         [](POOL_TEXT& pool) {
+             pool.SetText("orbit_representation", "orbit_mdb_double_double");
+             pool.SetText("orbit_reference_time", "0");
+         },
+         "mdb file " + UsualFile() + ": can not cast from UTC to double\n\"can not cast from UTC to double\""},
+        {"an interpolation without orbit", [](POOL_TEXT& pool) { pool.SetText("orbit_interpolation", "hermite_0_8"); },
+         "ORBIT: can not determine type of core object\n"},
+        {"too few vectors", [](POOL_TEXT& pool) { pool.SetText("orbit_interpolation", "everett_24"); },
+         UsualFile() +
+             ": key \"time\": 24 state vectors are too few, the interpolation everett needs 25\n[data error]"},
+    };
+    WriteDatabase(UsualFile(), "utc");
+    for (const FAULT& c : faults) {
+        SCOPED_TRACE(c.what);
+        POOL_TEXT pool = PoolOf("utc", "localpolynom_0_8");
+        c.spoil(pool);
+        ORBIT_OF_POOL orbit;
+        EXPECT_THAT(LogOfReading(pool, orbit), HasSubstr(c.logged));
+        EXPECT_THROW((void)orbit.FirstTime(), ERROR_ARGUMENT) << "no half-filled orbit";
+    }
+    constexpr ID_TEXT kUnsafe[] = {{0, ".."}, {1, "a/b"}, {-1, nullptr}};
+    for (const int id : {0, 1}) EXPECT_THROW((void)TextOfId(kUnsafe, id, "a.pool", "mission_id"), ERROR_DATA);
+}
+
+TEST_F(ORBIT_DATABASE, NoticesAChangeBetweenOpenAndRead) {
+    WriteDatabase(UsualFile(), "utc");
+    LOCALPOLYNOM_OF_MDB orbit;
+    ORBIT_CONFIGURATION configuration;
+    configuration.mdb.data_file = UsualFile();
+    orbit.SetConfiguration(configuration);
+    orbit.SetInterpolation(ParseInterpolationText("localpolynom_0_8"));
+    orbit.SetReferenceTime(UNIVERSAL_TIME::FromText(kUsualUtc));
+    orbit.Open();
+    std::ofstream(UsualFile(), std::ios::app) << "\n";
+    EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(orbit.Read(), ERROR_DATA); }),
+                HasSubstr("ORBIT: mdb file was changed between open() and read()\n"));
+    orbit.Open();
+    orbit.Read();
+    EXPECT_EQ(orbit.StateVectorCount(), 24);
+
+    MDB_ORBIT<double, UNIVERSAL_TIME, POLYNOM<double>, POINT<double>> other;
+    const ORBIT_BASE& source = orbit;
+    EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(other = source, ERROR_ARGUMENT); }),
+                HasSubstr("virtual MDB_ORBIT<T,S,I,P>& operator=( const ORBIT_BASE& amdb_orbit )\n"));
+    LOCALPOLYNOM_OF_MDB copy;
+    copy = source;
+    EXPECT_EQ(Distance(copy.Position(100.0), orbit.Position(100.0)), 0.0);
+}
+
+}  // namespace
