@@ -1,0 +1,124 @@
+/// Fuzz target of the pool reader: any bytes are a pool. Each of its keys is read as the type of its tag and as a wrong
+/// one; a value that could be read must survive being written back, and the write must not change any other entry.
+
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <string>
+#include <tuple>
+
+#include "lib/baselib/pool/parameter_pool_read_write_change.h"
+
+namespace {
+
+constexpr int kKeysPerPool = 8;  // keeps one input below a millisecond
+
+void Require(bool condition) {
+    if (!condition) std::abort();
+}
+
+std::string FileText(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// Whether the entry could be read; any failure must be one of the program's own errors.
+template <class T>
+bool TryGet(PARAMETER_POOL& pool, const std::string& key, T& value) {
+    try {
+        pool.Get(key, value);
+        return true;
+    } catch (const ERROR_EXCEPTION&) {
+        return false;
+    }
+}
+
+template <class T>
+void ReadAndWriteBack(const std::string& path, const std::string& key) {
+    PARAMETER_POOL_READ_WRITE_CHANGE pool(path);
+    T value{};
+    if (!TryGet(pool, key, value)) return;
+    try {
+        pool.Change(key, value);
+    } catch (const ERROR_EXCEPTION&) {
+        return;  // a written line may be longer than the line it was read from
+    }
+    pool.Update();
+    T again{};
+    Require(TryGet(pool, key, again));
+    Require(PoolValueText(again) == PoolValueText(value));
+    const std::string once = FileText(path);
+    pool.Change(key, again);
+    pool.Update();
+    Require(FileText(path) == once);
+}
+
+template <class... TYPES>
+void ReadAs(int type, const std::string& path, const std::string& key, std::tuple<TYPES...>*) {
+    ((kPoolType<TYPES> == type ? ReadAndWriteBack<TYPES>(path, key) : void()), ...);
+    ((kPoolType<ARRAY<TYPES>> == type ? ReadAndWriteBack<ARRAY<TYPES>>(path, key) : void()), ...);
+}
+template <class... TYPES>
+void ReadAsMatrix(int type, const std::string& path, const std::string& key, std::tuple<TYPES...>*) {
+    ((kPoolType<MATRIX<TYPES>> == type ? ReadAndWriteBack<MATRIX<TYPES>>(path, key) : void()), ...);
+}
+
+using SCALARS = std::tuple<bool, unsigned char, signed char, short, int, long long, float, double, STRING,
+                           COMPLEX<float>, COMPLEX<double>, TUPLE<int>, TUPLE<long long>, TUPLE<float>, TUPLE<double>,
+                           INDEX<int, int>, INDEX<int, float>, INDEX<int, double>, TUPLE<STRING>>;
+using MATRIX_ELEMENTS =
+    std::tuple<unsigned char, signed char, short, int, float, double, COMPLEX<float>, COMPLEX<double>, STRING>;
+
+/// First and second words of lines that can be entries, found in another way than the reader's.
+std::set<std::pair<std::string, std::string>> KeysAndTags(const std::string& text) {
+    std::set<std::pair<std::string, std::string>> result;
+    std::size_t begin = 0;
+    while (begin < text.size() && result.size() < kKeysPerPool) {
+        const std::size_t end = std::min(text.find_first_of("\r\n", begin), text.size());
+        const std::string line = text.substr(begin, end - begin);
+        begin = end + 1;
+        const std::size_t key_end = line.find_first_of(" \t");
+        if (key_end == std::string::npos || key_end == 0 || line[0] == '#') continue;
+        const std::size_t tag = line.find_first_not_of(" \t", key_end);
+        if (tag == std::string::npos) continue;
+        result.emplace(line.substr(0, std::min<std::size_t>(key_end, 100)),
+                       line.substr(tag, line.find_first_of(" \t", tag) - tag));
+    }
+    return result;
+}
+
+const std::string& PoolPath() {
+    static const std::string path = [] {
+        char folder[] = "/dev/shm/fuzz_pool_XXXXXX";
+        Require(mkdtemp(folder) != nullptr);
+        return std::string(folder) + "/fuzz.pool";
+    }();
+    return path;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    Log().SetScreenThreshold(9);
+    Log().SetFileThreshold(9);
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string text(reinterpret_cast<const char*>(data), size);
+    std::ofstream(PoolPath(), std::ios::binary) << text;
+    for (const auto& [key, tag] : KeysAndTags(text)) {
+        const int type = PoolTypeNumber(tag);
+        ReadAs(type, PoolPath(), key, static_cast<SCALARS*>(nullptr));
+        ReadAsMatrix(type, PoolPath(), key, static_cast<MATRIX_ELEMENTS*>(nullptr));
+        PARAMETER_POOL pool(PoolPath());
+        int value = 0;
+        (void)TryGet(pool, key, value);
+    }
+    return 0;
+}
