@@ -29,7 +29,7 @@ void CHEBY_POLY<T>::Create(const ARRAY<POINT<T>>& points) {
     try {
         const SUPPORT_POINTS checked = CheckedSupportPoints(points, "CHEBY_POLY::Create", SORTED::EQUAL_ALLOWED);
         order_ = ReducedFitOrder(order_, checked.Count(), "CHEBY_POLY::Create: reduce polynomial fit order ");
-        fit_ = FitScaled<CHEBY_POLY_FUNCTION<double>>(checked, order_);
+        fit_ = FitScaled<CHEBY_POLY_FUNCTION>(checked, order_);
     } catch (const std::bad_alloc&) {
         Log().Message(LOGGING_LEVEL::ALARM, "CHEBY_POLY::Create: not enough memory.");
         throw ERROR_NO_MEMORY();

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "orbit/hard_stop.h"
 #include "lib/baselib/logging/logging.h"
 
 template <class T>
@@ -54,14 +53,14 @@ void HERMITE_POLY<T>::Evaluate(T x, T& value, T& first, T& second) const {
     // Quiet comparisons: a NaN counts as outside, without a trap.
     if (!std::isgreaterequal(at, points_.x.front()) || !std::islessequal(at, points_.x.back())) {
         Log() << LOGGING_LEVEL::ALARM << "interpolation point outside of data constraints\n";
-        EndProcess();
+        HardStop();
     }
     const auto point = std::lower_bound(points_.x.begin(), points_.x.end(), at) - points_.x.begin();
     const int term_count = 2 * node_count_;
     const JET jet = EvaluateNewton(&terms_[static_cast<size_t>(point * term_count)], term_count, scales_[point], at);
     if (std::isnan(jet.value) || std::isnan(jet.first) || std::isnan(jet.second)) {
         Log() << LOGGING_LEVEL::WARNING << "interpolation failure !!!! Result is Nan!!\n";
-        EndProcess();
+        HardStop();
     }
     Deliver(jet, "HERMITE_POLY", value, first, second);
 }

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "orbit/hard_stop.h"
+#include "lib/baselib/logging/logging.h"
 
 namespace NUMERICS {
 
@@ -61,7 +61,7 @@ long ProductOrFail(long a, long b) {
 
 void nrerror(const char* message) {
     std::fprintf(stderr, "Numerical Recipes run-time error...\n%s\n...now exiting to system...\n", message);
-    EndProcess();
+    HardStop();
 }
 
 template <class T>

@@ -12,7 +12,7 @@ template <class T>
 void POLYNOM_FIT<T>::Create(const ARRAY<POINT<T>>& points) {
     const SUPPORT_POINTS checked = CheckedSupportPoints(points, "POLYNOM_FIT::Create", SORTED::EQUAL_ALLOWED);
     order_ = ReducedFitOrder(order_, checked.Count(), "POLYFIT: reduce polynomial fit order ");
-    fit_ = FitScaled<POLYNOM_FUNCTION<double>>(checked, order_);
+    fit_ = FitScaled<POLYNOM_FUNCTION>(checked, order_);
     Log().Message(LOGGING_LEVEL::INFO, "POLYFIT: polynomial fit order = %d", order_);
     Log().Message(LOGGING_LEVEL::INFO, "POLYFIT: chi^2 = %.10g", fit_.chi_square);
     if (warn_about_dropped_) WarnAboutDroppedValues(fit_, "POLYFIT");

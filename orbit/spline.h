@@ -14,8 +14,8 @@ template <class T>
 class SPLINE final : public INTERPOLATION<T, POINT<T>> {
   public:
     /// Up to this many interior points the continuity system is solved as a full matrix; beyond, where the matrix would
-    /// grow to gigabytes and the time with its cube, as the tridiagonal system that it is.
-    static constexpr int kMaxFullSystem = 500;
+    /// take seconds per axis and soon gigabytes, as the tridiagonal system that it is.
+    static constexpr int kMaxFullSystem = 200;
 
     using INTERPOLATION<T, POINT<T>>::Create;
     /// @throws ERROR_ARGUMENT also for fewer than two points

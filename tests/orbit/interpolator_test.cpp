@@ -6,7 +6,9 @@
 #include <memory>
 
 #include "lib/baselib/errors/error_exception.h"
+#include "orbit/everett.h"
 #include "orbit/local_interpolation.h"
+#include "orbit/spline.h"
 #include "tests/orbit/closed_forms.h"
 
 namespace {
@@ -78,6 +80,188 @@ TEST(Interpolators, ReproducePolynomialsUpToTheirDegreeAlsoOnUnevenPointsAndOuts
         one.check(form, nodes, queries, {2e-8, 2e-8, 1e-8});
         if (one.extrapolates) one.check(form, nodes, {45985, 46103}, {2e-7, 2e-7, 1e-7});  // rounding grows outside
     }
+}
+
+TEST(Interpolators, EverettIsExactOneDegreeAboveItsOrderInsideAndForAQuadraticOnThreePoints) {
+    const std::vector<long double> c = {7e6L, -3e5L, 2e4L, -900, 70, -8};
+    struct CASE {
+        const char* name;
+        int order, points, degree;
+        ABSCISSAE queries;
+    };
+    const CASE cases[] = {
+        {"order 0 is linear", 0, 4, 1, {100, 104, 110, 119.5, 129}},
+        {"order 2, inner cells", 2, 6, 3, {110, 113, 120, 127, 130, 137, 139.9}},
+        {"order 4, inner cells", 4, 8, 5, {120, 121, 130, 138, 149}},
+        {"order 2 over three points", 2, 3, 2, {95, 100, 101, 110, 115, 120, 126}},
+        {"order 4 of a quadratic, everywhere", 4, 6, 2, {95, 100, 105, 115, 150, 156}},
+        {"two points", 0, 2, 1, {100, 105, 109.9}},
+    };
+    for (const CASE& one : cases) {
+        SCOPED_TRACE(one.name);
+        const CLOSED_FORM form = PolynomialOf({c.begin(), c.begin() + one.degree + 1}, 120, 60);
+        Made<EVERETT<double>>(one.order, -1)(form, Grid(100, 10, one.points), one.queries, {1e-8, 1e-8, 1e-8});
+    }
+}
+
+/// A cubic spline with its knots at x0, x0 + 1, ...: 3 + 2 t + sum of c[k] (t - k)^3 for t > k, t = x - x0. Its second
+/// derivative is 0 at both ends, so that the interpolating natural spline is this function itself.
+CLOSED_FORM NaturalSpline(double x0, int knots) {  // knots from 5
+    std::vector<long double> c = {0.5L, -0.75L, 0.4L};
+    while (static_cast<int>(c.size()) < knots - 2) c.push_back(0.01L * static_cast<long double>(c.size()));
+    long double moment = 0;
+    for (int k = 0; k < knots - 2; ++k) moment += c[static_cast<size_t>(k)] * (knots - 1 - k);
+    c.push_back(-moment);  // at the last but one knot: makes the second derivative at the last one 0
+    const auto sum = [c, x0](int power, long double factor, long double x) {
+        long double total = 0;
+        for (size_t k = 0; k < c.size(); ++k) {
+            const long double d = x - x0 - static_cast<long double>(k);
+            if (d > 0 || k == 0) total += factor * c[k] * std::pow(d, static_cast<long double>(power));
+        }
+        return total;
+    };
+    return {[=](long double x) { return 3 + 2 * (x - x0) + sum(3, 1, x); }, [=](long double x) { return 2 + sum(2, 3, x); },
+            [=](long double x) { return sum(1, 6, x); }};
+}
+
+TEST(Interpolators, SplineIsTheNaturalOneWithFullAndWithTridiagonalSystem) {
+    for (const int knots : {5, 9, SPLINE<double>::kMaxFullSystem + 2, SPLINE<double>::kMaxFullSystem + 3}) {
+        SCOPED_TRACE(knots);
+        const double end = 1000 + knots - 1;
+        const double size = std::pow(knots, 3);
+        Made<SPLINE<double>>(-1, -1)(NaturalSpline(1000, knots), Grid(1000, 1, knots),
+                                    {999.5, 1000, 1000.25, 1001, 1001.5, 1002, end - 1.5, end - 1, end - 0.25, end, end + 0.5},
+                                    {1e-12 * size, 1e-12 * size, 1e-12 * size});
+    }
+    Made<SPLINE<double>>(-1, -1)(PolynomialOf({5, 3}, 0, 1), {1, 7}, {0, 1, 2, 7, 9}, {1e-14, 1e-14, 1e-14});
+}
+
+/// Error bound of the polynomial with the given nodes (each taken `times`) for A sin(w x): A w^n / n! prod |x - node|.
+long double SineBound(long double amplitude, long double omega, const ABSCISSAE& nodes, int times, double x) {
+    long double bound = amplitude;
+    int n = 0;
+    for (const double node : nodes)
+        for (int i = 0; i < times; ++i) bound *= omega * std::fabs(static_cast<long double>(x) - node) / ++n;
+    return bound;
+}
+
+TEST(Interpolators, SinesStayWithinTheKnownErrorBoundInEveryCell) {
+    constexpr long double kAmplitude = 7e6L;
+    constexpr long double kOmega = 2 * 3.14159265358979323846L / 200;
+    const ABSCISSAE grid = Grid(500, 10, 16);
+    const CLOSED_FORM sine = SineOf(kAmplitude, kOmega);
+    const auto part = [&](int first, int count) { return ABSCISSAE(grid.begin() + first, grid.begin() + first + count); };
+    POLYNOM<double> polynom;
+    HERMITE_POLY<double> hermite;
+    LOCAL<POLYNOM<double>> local_even, local_odd;
+    LOCAL_HERMITE local_hermite;
+    EVERETT<double> everett;
+    SPLINE<double> spline;
+    const ARRAY<POINT<double>> points = SamplesOf<POINT<double>>(sine, grid, 7);
+    const ARRAY<DPOINT<double>> slopes = SamplesOf<DPOINT<double>>(sine, grid, -20);
+    polynom.Create(points);
+    hermite.Create(slopes, -1, 4);
+    local_even.Create(points, -1, 6);
+    local_odd.Create(points, -1, 5);
+    local_hermite.Create(slopes, -1, 3);
+    everett.Create(points, 4, -1);
+    spline.Create(points);
+    for (double x = 500; x <= 650; x += 1.25) {
+        SCOPED_TRACE(x);
+        const auto error = [&](const auto& interpolation) {
+            return static_cast<double>(std::fabs(static_cast<long double>(interpolation.Value(x)) - sine.value(x)));
+        };
+        const auto bound = [&](const ABSCISSAE& nodes, int times = 1) {
+            return static_cast<double>(SineBound(kAmplitude, kOmega, nodes, times, x)) + 2e-8;
+        };
+        const double t = (x - 500) / 10;
+        EXPECT_LE(error(polynom), bound(grid));
+        const int j = static_cast<int>(std::ceil(t));
+        EXPECT_LE(error(hermite), bound(part(std::clamp(j - 2, 0, 12), 4), 2));
+        EXPECT_LE(error(local_even), bound(part(std::clamp(static_cast<int>(t) - 2, 0, 10), 6)));
+        EXPECT_LE(error(local_odd), bound(part(std::clamp(static_cast<int>(std::floor(t + 0.5)) - 2, 0, 11), 5)));
+        EXPECT_LE(error(local_hermite), bound(part(std::clamp(static_cast<int>(std::floor(t + 0.5)) - 1, 0, 13), 3), 2));
+        if (x >= 520 && x <= 630) {
+            EXPECT_LE(error(everett), bound(part(std::clamp(static_cast<int>(t) - 2, 0, 10), 6)));
+        }
+        if (x >= 560 && x <= 590) {  // six points inside, the ends' condition has faded by 4^6
+            EXPECT_LE(error(spline), static_cast<double>(5 / 384.0L * std::pow(10 * kOmega, 4.0L) * kAmplitude) * 1.2);
+        }
+    }
+}
+
+TEST(Interpolators, GiveTheOrdinateAtASupportPointBitForBit) {
+    const ABSCISSAE nodes = Grid(46000.123456, 10.000001, 84);
+    const CLOSED_FORM sine = SineOf(7e6L, 1e-3L);
+    POLYNOM<double> polynom;
+    HERMITE_POLY<double> hermite;
+    LOCAL_HERMITE local_hermite;
+    const ARRAY<DPOINT<double>> slopes = SamplesOf<DPOINT<double>>(sine, nodes);
+    polynom.Create(SamplesOf<POINT<double>>(sine, nodes));
+    hermite.Create(slopes, -1, 8);
+    local_hermite.Create(slopes, -1, 8);
+    for (const DPOINT<double>& point : slopes) {
+        EXPECT_EQ(polynom.Value(point.x), point.y);
+        EXPECT_EQ(hermite.Value(point.x), point.y);
+        EXPECT_EQ(hermite.FirstDerivative(point.x), point.dy);
+        EXPECT_EQ(local_hermite.Value(point.x), point.y) << "also at joints and at both ends";
+    }
+    // In the middle the polynomial through 84 points is as good as the data's rounding (9e-10) allows.
+    for (double x = 46300; x < 46500; x += 3.7) EXPECT_NEAR(polynom.Value(x), static_cast<double>(sine.value(x)), 1e-8);
+}
+
+TEST(Interpolators, LocalPiecesMeetAtTheirCentres) {
+    const ABSCISSAE nodes = {0, 10, 20, 40, 50, 60, 100};
+    struct CASE {
+        int count;
+        std::vector<std::pair<double, double>> intervals;
+    };
+    const CASE cases[] = {
+        {1, {{0, 5}, {5, 15}, {15, 30}, {30, 45}, {45, 55}, {55, 80}, {80, 100}}},
+        {2, {{0, 10}, {10, 20}, {20, 40}, {40, 50}, {50, 60}, {60, 100}}},
+        {3, {{0, 15}, {15, 30}, {30, 45}, {45, 55}, {55, 100}}},
+        {4, {{0, 20}, {20, 40}, {40, 50}, {50, 100}}},
+        {7, {{0, 100}}},
+        {9, {{0, 100}}},  // more than there are
+    };
+    for (const CASE& one : cases) {
+        SCOPED_TRACE(one.count);
+        LOCAL<POLYNOM<double>> local;
+        local.Create(SamplesOf<POINT<double>>(PolynomialOf({1, 1}, 0, 1), nodes, 5), -1, one.count);
+        ASSERT_EQ(local.PieceCount(), static_cast<int>(one.intervals.size()));
+        for (int i = 0; i < local.PieceCount(); ++i) {
+            const auto& piece = local.Piece(i);
+            EXPECT_EQ(std::pair(piece.Start(), piece.Stop()), one.intervals[static_cast<size_t>(i)]);
+            EXPECT_EQ(piece.IndexStart(), 5 + i);
+            EXPECT_EQ(piece.IndexStop(), 5 + i + std::min(one.count, 7) - 1);
+        }
+    }
+}
+
+/// All classes for float: the result errs by the rounding of input (half a metre at 7e6) and output, and no more.
+TEST(Interpolators, FloatErrsByTheRoundingOfInputAndResult) {
+    const ABSCISSAE nodes = Grid(0, 10, 12);
+    const CLOSED_FORM form = PolynomialOf({7e6L, -3e5L, 2e4L}, 55, 60);
+    const auto check = [&](auto interpolation, int order, int count) {
+        using I = decltype(interpolation);
+        constexpr bool kSlopes = requires(I i) { i.Create(ARRAY<DPOINT<float>>()); };
+        interpolation.Create(SamplesOf<std::conditional_t<kSlopes, DPOINT<float>, POINT<float>>>(form, nodes), order, count);
+        for (float x = 0; x <= 110; x += 2.75F) ExpectAgrees(interpolation, form, x, {1.0, 0.3, 0.2});
+    };
+    check(POLYNOM_FIT<float>(), 2, -1);
+    check(CHEBY_POLY<float>(), 2, -1);
+    check(EVERETT<float>(), 2, -1);
+    check(HERMITE_POLY<float>(), -1, 2);
+    check(LOCAL_INTERPOLATION<float, POLYNOM<float>, POINT<float>>(), -1, 4);
+    check(LOCAL_INTERPOLATION<float, POLYNOM_FIT<float>, POINT<float>>(), 2, 5);
+    check(LOCAL_INTERPOLATION<float, CHEBY_POLY<float>, POINT<float>>(), 2, 5);
+    check(LOCAL_INTERPOLATION<float, HERMITE_POLY<float>, DPOINT<float>>(), -1, 2);
+    POLYNOM<float> line;
+    line.Create(SamplesOf<POINT<float>>(PolynomialOf({1, 2}, 0, 1), {1, 3}));
+    ExpectAgrees(line, PolynomialOf({1, 2}, 0, 1), 2.5F, {0, 0, 0});
+    SPLINE<float> spline;
+    spline.Create(SamplesOf<POINT<float>>(NaturalSpline(0, 6), Grid(0, 1, 6)));
+    for (float x = 0; x <= 5; x += 0.125F) ExpectAgrees(spline, NaturalSpline(0, 6), x, {1e-5, 1e-5, 1e-5});
 }
 
 }  // namespace
