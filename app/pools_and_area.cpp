@@ -1,7 +1,7 @@
 #include "app/pools_and_area.h"
 
-#include <cmath>
 #include <limits>
+#include <string>
 
 #include "app/acquisition_parameters.h"
 #include "app/dem_description.h"
@@ -14,18 +14,15 @@
 #include "app/result_images.h"
 #include "app/scene_setup.h"
 #include "app/simulation_area.h"
-#include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/logging/logging.h"
 
 namespace {
 
-int Extended(int size, int extension, const char* what) {
+int Extended(const VALUE_SOURCE& source, int size, int extension) {
     const long long extended = static_cast<long long>(size) + extension;
-    if (extended > std::numeric_limits<int>::max()) {
-        Log().Message(LOGGING_LEVEL::ALARM, "%d %s and an extension of %d exceed %d", size, what, extension,
-                      std::numeric_limits<int>::max());
-        throw ERROR_PARAMETER();
-    }
+    if (extended > std::numeric_limits<int>::max())
+        RefuseValue(source, std::to_string(size),
+                    "and an extension of " + std::to_string(extension) + " exceed a 32-bit integer");
     return static_cast<int>(extended);
 }
 
@@ -33,8 +30,9 @@ void SetSimulationSize(SIMULATION_STATE& state) {
     const RUN_CONFIGURATION& configuration = state.configuration;
     state.simulation = state.image;
     if (!configuration.area_extended) return;
-    state.simulation.samples = Extended(state.image.samples, configuration.extension_x, "samples");
-    state.simulation.lines = Extended(state.image.lines, configuration.extension_y, "lines");
+    const std::string& pool = configuration.permanent_scatterer ? configuration.master_pool : configuration.insar_pool;
+    state.simulation.samples = Extended({pool, "n_samples"}, state.image.samples, configuration.extension_x);
+    state.simulation.lines = Extended({pool, "n_lines"}, state.image.lines, configuration.extension_y);
     Log().Message(LOGGING_LEVEL::INFO, " - Set simulation area");
     Log().Message(LOGGING_LEVEL::INFO, "   nr_samples_simulation:..... %d", state.simulation.samples);
     Log().Message(LOGGING_LEVEL::INFO, "   nr_lines_simulation:....... %d", state.simulation.lines);

@@ -1,8 +1,11 @@
 #include "app/result_images.h"
 
+#include <sys/sysinfo.h>
+
 #include <bit>
 #include <cstdint>
 
+#include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/logging/logging.h"
 #include "simulation/initialize_mem_mgr.h"
 
@@ -23,9 +26,13 @@ void AllocatePhase(SIMULATION_STATE& state) {
 }
 
 /// The matrices in memory hold every pixel that is a multiple of the factors, also where that is more than the output file.
-void AllocateShifts(SIMULATION_STATE& state) {
+IMAGE_SIZE ShiftMatrixSize(const SIMULATION_STATE& state) {
     const SUBSAMPLING& factors = state.configuration.shift;
-    const IMAGE_SIZE size{(state.simulation.samples - 1) / factors.x + 1, (state.simulation.lines - 1) / factors.y + 1};
+    return {(state.simulation.samples - 1) / factors.x + 1, (state.simulation.lines - 1) / factors.y + 1};
+}
+
+void AllocateShifts(SIMULATION_STATE& state) {
+    const IMAGE_SIZE size = ShiftMatrixSize(state);
     constexpr std::uint32_t kZero = 0;
     Say(" - Range shift matrix allocation ");
     Say("   a. Mem initialize of rg_position    (Get Memory)");
@@ -49,10 +56,39 @@ void AllocateEarth(SIMULATION_STATE& state) {
     Allocate(state.z_earth, state.earth_output, PIXEL_TYPE::FLT_15);
 }
 
+/// Bytes per point of the simulated area, of one shift matrix and of the Earth grids, as far as they are wanted.
+double RequiredBytes(const SIMULATION_STATE& state) {
+    const RUN_CONFIGURATION& configuration = state.configuration;
+    const auto points = [](const IMAGE_SIZE& size) { return static_cast<double>(size.samples) * size.lines; };
+    double bytes = points(state.simulation);
+    if (configuration.WantsPhase()) bytes += 4.0 * points(state.simulation);
+    if (configuration.WantsShifts()) bytes += 2.0 * 8.0 * points(ShiftMatrixSize(state));
+    if (configuration.WantsEarth()) bytes += 3.0 * 8.0 * points(state.earth_output);
+    if (configuration.WantsHeight()) bytes += 4.0 * points(state.earth_output);
+    return bytes;
+}
+
+/// The system hands out more memory than it has and ends the process when it is touched, without a word of ours.
+void RequireMemory(const SIMULATION_STATE& state) {
+    struct sysinfo system {};
+    if (sysinfo(&system) != 0) return;
+    const double available = (static_cast<double>(system.totalram) + static_cast<double>(system.totalswap)) *
+                             system.mem_unit;
+    const double required = RequiredBytes(state);
+    if (required <= available) return;
+    constexpr double kBytesPerGibibyte = 1073741824.0;
+    Log().Message(LOGGING_LEVEL::ALARM,
+                  "the grids of %d samples x %d lines need %.1f GiB of memory, the machine has %.1f GiB",
+                  state.simulation.samples, state.simulation.lines, required / kBytesPerGibibyte,
+                  available / kBytesPerGibibyte);
+    throw ERROR_NO_MEMORY();
+}
+
 }  // namespace
 
 void AllocateResultImages(SIMULATION_STATE& state) {
     const RUN_CONFIGURATION& configuration = state.configuration;
+    RequireMemory(state);
     Say(" - Simulation mask allocation ");
     Allocate(state.mask, state.simulation, PIXEL_TYPE::U_INT_8);
     if (configuration.WantsPhase()) AllocatePhase(state);
