@@ -12,9 +12,10 @@ function(velmora_library name)
   target_link_libraries(velmora_${name} ${scope} ${arg_USES} velmora_flags Threads::Threads)
 endfunction()
 
-# velmora_test(NAME SOURCES ... USES ... [LABEL threads]): one test program per library, run with the product's
-# floating-point traps on. A sanitizer run and a plain run differ in the preset only. The label is for tests that start
-# threads or concern what threads call: ThreadSanitizer builds run these only, and the target threads_tests builds them.
+# velmora_test(NAME SOURCES ... USES ... [LABEL threads|long]): one test program per library, run with the product's
+# floating-point traps on. A sanitizer run and a plain run differ in the preset only. threads is for tests that start
+# threads or concern what threads call: ThreadSanitizer builds run these only, and the target threads_tests builds them;
+# long, for tests of minutes, keeps them out of the default run.
 function(velmora_test name)
   cmake_parse_arguments(arg "" "LABEL" "SOURCES;USES" ${ARGN})
   add_executable(${name} ${arg_SOURCES})

@@ -1,0 +1,96 @@
+/// \file large_image_test.cpp
+/// Images beyond 2 and 4 GiB, where 32-bit sizes go wrong. Files are sparse where the image allows it.
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <string>
+
+#include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/image/mem_mgr.h"
+#include "tests/image/image_files.h"
+
+namespace {
+
+constexpr long long kGib = 1LL << 30;
+
+/// A file of this header, then nothing but zeros up to the size.
+void WriteSparseFile(const std::string& path, const std::string& header, long long bytes) {
+    WriteFile(path, Bytes(header));
+    ASSERT_EQ(0, truncate(path.c_str(), bytes)) << std::strerror(errno);
+}
+
+std::string BytesAt(const std::string& path, long long offset, std::size_t count) {
+    std::ifstream file(path, std::ios::binary);
+    file.seekg(offset);
+    std::string bytes(count, '?');
+    file.read(bytes.data(), static_cast<std::streamsize>(count));
+    return file ? bytes : "";
+}
+
+TEST(LargeImage, AFileOfMoreThan4GibIsMappedAndReached) {
+    const SCRATCH_FOLDER folder;
+    const std::string path = folder.Path("sparse");
+    // 40000 x 40000 pixels of 4 bytes: 6.4e9; the length word can not tell it.
+    const long long size = 32 + 4 * 40000LL * 40000LL;
+    WriteSparseFile(path, "59a66a95 00009c40 00009c40 00000020 00000000 00000001 00000000 00000000", size);
+    MEM_MGR image;
+    image.MapInt32(path, ACCESS_MODE::READ_WRITE);
+    EXPECT_EQ(size - 32, image.DataSize());
+    std::int32_t** const table = image.GetNumRecMatrix<std::int32_t>();
+    for (const int row : {13421, 13422, 26843, 26844, 39999}) table[row][39999] = 0x01000000 + row;  // 2 and 4 GiB
+    image.Free();
+    for (const int row : {13421, 13422, 26843, 26844, 39999}) {
+        std::int32_t stored = 0;
+        std::memcpy(&stored, BytesAt(path, 32 + 4 * (40000LL * row + 39999), 4).data(), 4);
+        EXPECT_EQ(0x01000000 + row, stored);
+    }
+    ASSERT_EQ(0, truncate(path.c_str(), size - 1));
+    EXPECT_THROW(image.MapInt32(path, ACCESS_MODE::READ_ONLY), ERROR_IMAGE);
+    // Modulo 2^32 the pixels would fit into this file.
+    ASSERT_EQ(0, truncate(path.c_str(), size - 4 * kGib));
+    EXPECT_THROW(image.MapInt32(path, ACCESS_MODE::READ_ONLY), ERROR_IMAGE);
+}
+
+TEST(LargeImage, BetweenTwoAndFourGibAreSaved) {
+    const SCRATCH_FOLDER folder;
+    const std::string path = folder.Path("image");
+    if (std::filesystem::space(folder.Path("")).available < 8ULL * kGib) GTEST_SKIP() << "needs 8 GiB on " << path;
+    MEM_MGR image;
+    image.Allocate(0, 0, 59999, 49999, PIXEL_TYPE::U_INT_8);  // 3e9 bytes: b2d05e00
+    image.GetNumRecMatrix<std::uint8_t>()[49999][59998] = 0xab;
+    image.SaveSunRasterFile(path, 0666);
+    const std::string header = Bytes("59a66a95 0000ea60 0000c350 00000008 b2d05e00 00000001 00000000 00000000");
+    EXPECT_EQ(header, BytesAt(path, 0, 32));
+    EXPECT_EQ(3000000032U, std::filesystem::file_size(path));
+    EXPECT_EQ(Bytes("00ab00"), BytesAt(path, 3000000032 - 3, 3));
+
+    image.CreateFile(path, 60000, 50000, PIXEL_TYPE::U_INT_8);
+    struct stat status {};
+    ASSERT_EQ(0, stat(path.c_str(), &status));
+    EXPECT_EQ(3000000032, status.st_size);
+    EXPECT_GE(512LL * status.st_blocks, status.st_size) << "all room is reserved";
+    image.GetNumRecMatrix<std::uint8_t>()[49999][59999] = 0xcd;
+    image.Free();
+    EXPECT_EQ(header, BytesAt(path, 0, 32));
+    EXPECT_EQ(Bytes("0000cd"), BytesAt(path, 3000000032 - 3, 3));
+}
+
+TEST(LargeImage, MoreThan4GibAreRefusedBeforeAnythingIsWritten) {
+    const SCRATCH_FOLDER folder;
+    const std::string path = folder.Path("image");
+    MEM_MGR image;
+    image.Allocate(0, 0, 65535, 65535, PIXEL_TYPE::U_INT_8);  // one byte more than a word counts
+    EXPECT_THAT(LogOf([&] { EXPECT_THROW(image.SaveSunRasterFile(path, 0666), ERROR_IMAGE); }),
+                testing::HasSubstr(path + ": a raster file can not hold 65536 x 65536 pixels"));
+    EXPECT_FALSE(std::filesystem::exists(path));
+}
+
+}  // namespace
