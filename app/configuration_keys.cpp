@@ -14,7 +14,7 @@ std::span<const CONFIGURATION_KEY> ConfigurationKeys() {
         {"LOOKS_AZ", MANDATORY, "integer", "", "looks in azimuth, for the log"},
         {"SIMU_PHASE", OPTIONAL, "path", "not written", "simulated phase"},
         {"IFGRM_INVALID", OPTIONAL, "real", "0", "phase of points that nothing reaches; read with SIMU_PHASE only"},
-        {"DEM_VALID", OPTIONAL, "min..max, m", "all heights", "range of valid heights"},
+        {"DEM_VALID", OPTIONAL, "min..max, m", "all heights", "range of valid heights; others are counted and reported"},
         {"PS_INSAR_MODE", OPTIONAL, "any", "standard mode", "its presence selects the permanent-scatterer mode"},
         {"RG_COREG", OPTIONAL, "path", "not written", "range position in the slave image; needs AZ_COREG"},
         {"AZ_COREG", OPTIONAL, "path", "not written", "azimuth position in the slave image; needs RG_COREG"},
