@@ -38,6 +38,7 @@ void PrintUsage() {
         "environment\n"
         "  PARALLEL                       number of threads [all processors]\n"
         "  SECONDS_ON_PARAMETER_INPUT     time for an answer at the keyboard, 0: no limit [120]\n"
+        "  PROC_NAME                      who starts the run, for the log's header\n"
         "\n"
         "exit status: 0 success, 1 error, 2 STOP file found, 255 signal before the start\n");
 }

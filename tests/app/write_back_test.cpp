@@ -1,0 +1,76 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "app/pool_write_back.h"
+#include "app/software_history.h"
+#include "lib/baselib/pool/pool_errors.h"
+
+namespace {
+
+std::string Content(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+/// Two pools in folders of their own, as files and as the objects of a run.
+class WriteBackTest : public testing::Test {
+  protected:
+    WriteBackTest() {
+        char name[] = "/tmp/write_back_test.XXXXXX";
+        folder_ = mkdtemp(name);
+        for (const char* pool : {"log", "insar"}) {
+            std::filesystem::create_directory(folder_ / pool);
+            std::ofstream(folder_ / pool / "pool") << "# first line\nvalue INT_32 1\n";
+        }
+        insar_pool_.Open(folder_ / "insar" / "pool");
+        log_pool_.own = std::make_unique<PARAMETER_POOL_READ_WRITE_CHANGE>(folder_ / "log" / "pool");
+        log_pool_.pool = log_pool_.own.get();
+        insar_pool_.Change("value", 2);
+        log_pool_.pool->Change("value", 3);
+    }
+    ~WriteBackTest() override { std::filesystem::remove_all(folder_); }
+
+    std::filesystem::path folder_;
+    PARAMETER_POOL_READ_WRITE_CHANGE insar_pool_;
+    LOG_POOL log_pool_;
+};
+
+TEST_F(WriteBackTest, BothPoolsReceiveTheirChanges) {
+    WriteBackPools(log_pool_, insar_pool_);
+    EXPECT_EQ(insar_pool_.Get<int>("value"), 2);
+    EXPECT_EQ(log_pool_.pool->Get<int>("value"), 3);
+}
+
+TEST_F(WriteBackTest, AFailureOfTheSecondPoolPutsTheFirstBack) {
+    const std::string before = Content(folder_ / "log" / "pool");
+    // The update's temporary file has no folder any more, while the pool's own file is still open.
+    std::filesystem::rename(folder_ / "insar", folder_ / "moved");
+    EXPECT_THROW(WriteBackPools(log_pool_, insar_pool_), ERROR_PARAMETER_POOL);
+    EXPECT_EQ(Content(folder_ / "log" / "pool"), before);
+    EXPECT_EQ(Content(folder_ / "moved" / "pool"), before);
+}
+
+TEST_F(WriteBackTest, ALogPoolThatIsTheInsarPoolIsWrittenOnce) {
+    log_pool_.own.reset();
+    log_pool_.pool = &insar_pool_;
+    WriteBackPools(log_pool_, insar_pool_);
+    EXPECT_EQ(Content(folder_ / "insar" / "pool").find("value INT_32 2"), 13U);
+}
+
+TEST(EntryOfRun, ClocksThatWereSetBackGiveNoNegativeTime) {
+    const VERSION_RECORD version = {"full", "date", "1.2", "what", "prog", "", ""};
+    setenv("TZ", "UTC", 1);
+    tzset();
+    const HISTORY_ENTRY entry = EntryOfRun(version, 86399, 86390);
+    EXPECT_EQ(entry.execution_time_s, 0);
+    EXPECT_EQ(entry.start_time, "1970-01-01T23:59:59");
+    EXPECT_EQ(EntryOfRun(version, 10, 75).execution_time_s, 65);
+}
+
+}  // namespace
