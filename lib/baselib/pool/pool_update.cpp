@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <utility>
 
 #include "lib/baselib/logging/logging.h"
 #include "lib/baselib/pool/entry_scanner.h"
@@ -47,9 +48,9 @@ void FlushFolder(const std::string& directory) {
     Require(folder >= 0, "opening the folder");
     const bool flushed = fsync(folder) == 0;
     const int error = errno;
-    close(folder);
-    errno = error;
-    Require(flushed, "flushing the folder");
+    const bool closed = close(folder) == 0;
+    if (!flushed) errno = error;
+    Require(flushed && closed, "flushing the folder");
 }
 
 void Write(FILE* stream, const std::string& text) {
@@ -208,10 +209,11 @@ void POOL_UPDATE::RemoveTemporary() {
     try {
         Require(CloseStream(reading_), "closing the temporary file");
         Require(unlink(temporary_name_.c_str()) == 0, "removing");
+        Require(close(std::exchange(lock_, -1)) == 0, "closing the temporary file");
         has_truncated_pool_ = false;
     } catch (const STEP_FAILED& failure) {
         has_truncated_pool_ = false;  // it is complete again
-        Log().Message(LOGGING_LEVEL::ALARM, "pool %s is updated, but its temporary file %s is still there",
+        Log().Message(LOGGING_LEVEL::ALARM, "pool %s is updated, but its temporary file %s could not be removed",
                       pool_name_.c_str(), temporary_name_.c_str());
         LogSystemError(failure);
         throw ERROR_PARAMETER_POOL();
