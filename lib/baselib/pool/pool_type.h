@@ -74,12 +74,12 @@ constexpr std::string_view PoolTag(int number) {
 constexpr int PoolTypeNumber(std::string_view first, std::string_view middle = "", std::string_view last = "") {
     for (const auto& [number, tag] : kPoolTypes) {
         std::string_view rest = tag;
-        bool equal = true;
+        bool equal = rest.size() == first.size() + middle.size() + last.size();
         for (const std::string_view piece : {first, middle, last}) {
             equal = equal && rest.starts_with(piece);
             if (equal) rest.remove_prefix(piece.size());
         }
-        if (equal && rest.empty()) return number;
+        if (equal) return number;
     }
     return 0;
 }
