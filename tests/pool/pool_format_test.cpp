@@ -204,4 +204,32 @@ TEST(PoolFormat, RefusesWhatItCanNotHold) {
     EXPECT_EQ(pool.Get<int>(std::string(100, 'k')), 5);
 }
 
+TEST(PoolFormat, TheDocumentsExampleReads) {
+    const std::string document = POOL_FOLDER::Content(VELMORA_SOURCE_DIR "/docs/pools.md");
+    const std::size_t begin = document.find("```pool\n") + 8;
+    ASSERT_NE(begin, std::string::npos + 8);
+    const POOL_FOLDER folder;
+    PARAMETER_POOL pool(folder.Make(document.substr(begin, document.find("```", begin) - begin)));
+    EXPECT_EQ(pool.Get<int>("line_count"), 12000);
+    EXPECT_EQ(pool.Get<double>("sampling_rate"), 1.0988e8);
+    EXPECT_EQ(pool.Get<std::string>("channel_name"), "first channel");
+    EXPECT_FALSE(pool.Get<bool>("use_mask"));
+    EXPECT_EQ(pool.Get<TUPLE<STRING>>("window").second, STRING("2.5"));
+    EXPECT_THAT(pool.Get<ARRAY<double>>("coefficients"), testing::ElementsAre(12.5, -0.03, 1.2e-6));
+    const auto samples = pool.Get<ARRAY<COMPLEX<float>>>("samples");
+    EXPECT_EQ(samples[-1], (COMPLEX<float>{0.5F, -1.0F}));
+    EXPECT_EQ(samples[0].im, LIMITS<float>::max());
+    EXPECT_EQ(pool.Get<MATRIX<short>>("weights")[1][2], -3);
+}
+
+TEST(PoolFormat, TheDocumentsTableNamesEveryType) {
+    const std::string document = POOL_FOLDER::Content(VELMORA_SOURCE_DIR "/docs/pools.md");
+    for (const auto& [number, tag] : kPoolTypes) {
+        if (number == 0) continue;
+        const std::string scalar_row = "| " + std::to_string(number) + " | " + tag + " |";
+        const std::string block_cell = " " + std::to_string(number) + " " + tag + " |";
+        EXPECT_THAT(document, testing::AnyOf(testing::HasSubstr(scalar_row), testing::HasSubstr(block_cell)));
+    }
+}
+
 }  // namespace

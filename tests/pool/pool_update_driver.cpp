@@ -1,5 +1,5 @@
-/// pool_update_driver POOL [open]: updates three entries of the pool, or only opens it. Test of kills and failing system
-/// calls run it; its log shows warnings and errors only, on standard output.
+/// pool_update_driver POOL [open]: updates three entries of the pool, or only opens it. Test of kills and failing
+/// system calls run it; its log shows warnings and errors only, on standard output.
 
 #include <cstdio>
 #include <string>
