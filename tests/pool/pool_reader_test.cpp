@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include <chrono>
+#include <ctime>
 #include <filesystem>
 
 #include "lib/baselib/errors/error_exception.h"
@@ -254,10 +254,9 @@ TEST(PoolIndex, ServesManyLookupsInLittleTime) {
     for (int i = 0; i < 100'000; ++i) content += "key_" + std::to_string(i) + " INT_32 " + std::to_string(i) + "\n";
     const POOL_FOLDER folder;
     PARAMETER_POOL pool(folder.Make(content));
-    const auto start = std::chrono::steady_clock::now();
+    const std::clock_t start = std::clock();  // processor time: other programs do not count
     for (int i = 0; i < 200; ++i) EXPECT_EQ(pool.Get<int>("key_" + std::to_string(99'999 - i * 499)), 99'999 - i * 499);
-    EXPECT_LT(std::chrono::steady_clock::now() - start,
-              std::chrono::seconds(1));  // one pass each would take 200 times 10 ms
+    EXPECT_LT(std::clock() - start, 2 * CLOCKS_PER_SEC);  // one pass over the file each would take far longer
 }
 
 }  // namespace

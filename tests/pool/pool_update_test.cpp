@@ -120,6 +120,20 @@ TEST(PoolUpdate, TwoObjectsOnOneFileBothSurvive) {
     EXPECT_EQ(POOL_FOLDER::Content(path), "a INT_32 9\n\nb INT_32 2\n\nc INT_32 3\n\n");
 }
 
+TEST(PoolUpdate, ReachesTheFileThatReplacedTheOpenedOne) {
+    const POOL_FOLDER folder;
+    const std::string path = folder.Make("k INT_32 1\n");
+    PARAMETER_POOL_READ_WRITE_CHANGE pool(path);
+    pool.Change("b", 2);
+    std::filesystem::rename(folder.Make("k INT_32 7\n", "edited"), path);
+    pool.Update();
+    EXPECT_EQ(POOL_FOLDER::Content(path), "k INT_32 7\nb INT_32 2\n\n");
+    std::filesystem::remove(path);
+    pool.Change("b", 3);
+    EXPECT_THAT(LogOf([&] { pool.Update(); }), HasSubstr("No such file or directory"));
+    EXPECT_FALSE(std::filesystem::exists(path));
+}
+
 /// Runs the check in a child, there as an ordinary user that owns the folder. @return whether it succeeded
 bool AsOrdinaryUser(const POOL_FOLDER& folder, const std::function<bool()>& check) {
     const pid_t child = fork();

@@ -111,6 +111,14 @@ def test_every_call_fails_once(reference, tmp_path, error):
         assert re.search(r"flock\(.*LOCK_UN|close\(.*/test\.pool>|log", line), line
 
 
+def test_a_passing_failure_to_open_empties_nothing(reference, tmp_path):
+    new, calls, _ = reference
+    for n in range(1, calls["openat"] + 1):
+        folder = new_folder(tmp_path)
+        run, _ = strace(folder, "-e", f"inject=openat:error=EMFILE:when={n}")
+        assert (folder / "test.pool").read_text() == (OLD if run.returncode else new), n
+
+
 def test_two_processes_lose_no_entry(reference, tmp_path):
     new, _, _ = reference
     folder = new_folder(tmp_path)

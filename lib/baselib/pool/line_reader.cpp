@@ -19,6 +19,7 @@ void LINE_READER::Start(FILE* stream, const std::string& file_name, long long of
     cursor_ = 0;
     offset_ = offset;
     line_number_ = line_number - 1;
+    std::clearerr(stream);  // a failure of an earlier lookup
     // fflush drops what the stream read ahead: another object may have rewritten the file since.
     if (std::fflush(stream) != 0 || fseeko(stream, offset, SEEK_SET) != 0) Fail();
 }

@@ -76,6 +76,13 @@ void PARAMETER_POOL::Open(const std::string& path) {
     WarnOfLeftOvers(directory_, fileno(stream_));
 }
 
+void PARAMETER_POOL::ReopenIfReplaced() {
+    struct stat opened {};
+    struct stat named {};
+    if (fstat(fileno(Stream()), &opened) != 0 || stat(file_name_.c_str(), &named) != 0) return;
+    if (opened.st_dev != named.st_dev || opened.st_ino != named.st_ino) Open(std::string(file_name_));
+}
+
 FILE* PARAMETER_POOL::Stream() const {
     if (stream_ == nullptr) {
         Log() << LOGGING_LEVEL::ALARM << "No file pointer given for parameter pool\n";

@@ -59,6 +59,8 @@ class PARAMETER_POOL {
   protected:
     [[nodiscard]] const std::string& Directory() const { return directory_; }
     [[nodiscard]] bool IsWritable() const { return writable_; }
+    /// Opens the file again when its name now belongs to another file: an editor replaced it while the pool was open.
+    void ReopenIfReplaced();
     void ForbidUpdates() { writable_ = false; }
     /// @throws ERROR_ALGORITHM without an open file
     [[nodiscard]] FILE* Stream() const;

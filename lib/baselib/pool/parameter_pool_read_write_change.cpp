@@ -3,6 +3,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
+
 #include "lib/baselib/pool/pool_update.h"
 
 void PARAMETER_POOL_READ_WRITE_CHANGE::Open(const std::string& path) {
@@ -15,9 +18,13 @@ void PARAMETER_POOL_READ_WRITE_CHANGE::Open(const std::string& path) {
 
 void PARAMETER_POOL_READ_WRITE_CHANGE::Update() {
     if (pending_.IsEmpty()) return;
+    ReopenIfReplaced();
     FILE* const stream = Stream();
+    errno = EACCES;
     if (!IsWritable() || faccessat(AT_FDCWD, FileName().c_str(), W_OK, AT_EACCESS) != 0) {
+        const int error = errno;
         Log().Message(LOGGING_LEVEL::ALARM, "no permission to change pool file: %s", FileName().c_str());
+        Log().Message(LOGGING_LEVEL::ALARM, "%s", std::strerror(error));
         throw NO_UPDATE_PERMISSION_FOR_POOL();
     }
     POOL_UPDATE update(stream, FileName(), Directory());

@@ -75,6 +75,7 @@ void CheckStringPairsLeft(POOL_ENTRY& entry) {
 }
 
 void FailArray(POOL_ENTRY& entry) {
+    Log().Message(LOGGING_LEVEL::ALARM, "can not change array size: out of memory");
     entry.Fail<ERROR_NO_MEMORY>(" << not enough memory to create ARRAY\n");
 }
 void FailMemory(POOL_ENTRY& entry) {
