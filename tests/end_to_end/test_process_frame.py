@@ -100,6 +100,17 @@ def test_keys_in_any_order_of_the_control_file(small):
     assert "Parameter MASTER_POOL not found in argument list!" in run.lines("TRACE")
 
 
+def test_files_follow_the_name_of_the_program(small, tmp_path):
+    program = tmp_path / "other-name"
+    program.symlink_to(velmora_run.BINARY)
+    (small / "scene.pcf").rename(small / "pcf.other-name")
+    done = subprocess.run([program], cwd=small, stdin=subprocess.DEVNULL, capture_output=True, check=False, timeout=60,
+                          env={"PATH": os.environ["PATH"], "PARALLEL": "1"})
+    assert done.returncode == 0
+    assert (small / "OK.other-name").read_text() == "0" and (small / "log.other-name").exists()
+    assert history(small)[0] == ["other-name"]
+
+
 def test_values_of_256_characters_are_refused_by_name(small):
     before = pool_bytes(small)
     run = velmora(small, "-SIMU_PHASE", "p" * 256)
@@ -326,6 +337,13 @@ def test_history_in_the_insar_pool(small):
     succeed(small)
     assert history(small, "insar.pool")[0] == ["velmora"]
     assert (small / "log.pool").read_bytes() == before
+
+
+def test_a_log_pool_that_is_the_insar_pool_under_another_path(small):
+    edit_control_file(small, log_pp="./insar.pool")
+    succeed(small, "-OBSERVATION_MODE", "dual_pass")
+    entries = pool_file.read(small / "insar.pool")
+    assert entries["software_names"] == ["velmora"] and "x_earth_offset" in entries
 
 
 @pytest.mark.parametrize("key", HISTORY[1:])

@@ -22,16 +22,17 @@ std::string GotFatalSignal(int number) {
     return "got fatal signal " + std::to_string(number) + ": " + SignalText(number);
 }
 
-/// "got fatal signal ..." by number; built before the handler is installed.
-const std::array<std::string, kSignalCount>& ReasonLines() {
-    static const std::array<std::string, kSignalCount> lines = [] {
-        std::array<std::string, kSignalCount> texts;
-        for (int number = 0; number < kSignalCount; ++number) texts[number] = GotFatalSignal(number);
-        return texts;
-    }();
-    return lines;
+/// "got fatal signal ..." by number; built before the handler is installed, and never destroyed: a signal may come while
+/// the process is already leaving through exit().
+using SIGNAL_LINES = std::array<std::string, kSignalCount>;
+std::atomic<const SIGNAL_LINES*> reason_lines{nullptr};
+
+void PrepareReasonLines() {
+    if (reason_lines != nullptr) return;
+    auto* const lines = new SIGNAL_LINES;
+    for (int number = 0; number < kSignalCount; ++number) (*lines)[number] = GotFatalSignal(number);
+    reason_lines = lines;
 }
-std::atomic<const std::array<std::string, kSignalCount>*> reason_lines{nullptr};
 
 /// Not even a handler may hang, for example in a write to a terminal that takes nothing: then SIGALRM ends the process.
 constexpr unsigned kLongestHandlingSeconds = 2;
@@ -124,7 +125,7 @@ FATAL_SIGNAL_REACTION::FATAL_SIGNAL_REACTION(const std::string& process_name, bo
 
 void InstallFatalSignalHandlers() {
     Log();  // the handler does not create the log
-    reason_lines = &ReasonLines();
+    PrepareReasonLines();
     UseAlternateStack();
     RestoreAlarmSignal();
     struct sigaction action = {};

@@ -51,6 +51,10 @@ std::string ERROR_ENUM_BASE_INVALID_VALUE::ValidValues() const {
     return valid_values_;
 }
 
+void ENUM_BASE::RequireWithinLimit(bool within) {
+    if (!within) throw ERROR_ENUM_BASE_LIMIT_OF_ENUMERATION_EXPIRED();
+}
+
 void ENUM_BASE::RequireSameType(const ENUM_BASE& other) const {
     if (typeid(*this) != typeid(other)) throw ERROR_ENUM_BASE_TYPE_MISMATCH();
 }
@@ -66,13 +70,13 @@ bool ENUM_BASE::operator!=(const ENUM_BASE& other) const {
 }
 
 ENUM_BASE& ENUM_BASE::operator++() {
-    if (id_ > LastId()) throw ERROR_ENUM_BASE_LIMIT_OF_ENUMERATION_EXPIRED();
+    RequireWithinLimit(id_ <= LastId());
     AssignId(id_ + 1, true);
     return *this;
 }
 
 ENUM_BASE& ENUM_BASE::operator--() {
-    if (id_ <= 0) throw ERROR_ENUM_BASE_LIMIT_OF_ENUMERATION_EXPIRED();
+    RequireWithinLimit(id_ > 0);
     AssignId(id_ - 1, true);
     return *this;
 }

@@ -84,6 +84,7 @@ class ENUM_BASE {
     virtual void RowAssigned() {}
 
   private:
+    static void RequireWithinLimit(bool within);
     void RequireSameType(const ENUM_BASE& other) const;
     [[noreturn]] void ThrowInvalidValue(const std::string& text) const;
 
