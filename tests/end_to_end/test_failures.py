@@ -202,14 +202,16 @@ def test_coverage_gap_names_the_first_point_and_the_reason(fresh_scene):
     _assert_failed_without_products(folder)
 
 
-def test_image_outside_the_orbits_data_is_a_hard_stop(fresh_scene):
-    """The Hermite interpolator refuses to extrapolate: the process ends there, the ERROR file stays."""
+@pytest.mark.parametrize("first_time_s, reason", [("160", "interpolation point outside of data constraints"),
+                                                  ("20000", "master.pool: the state vectors from ")])
+def test_image_outside_the_orbits_data(fresh_scene, first_time_s, reason):
+    """Just outside, the Hermite interpolator's hard stop ends the process; far outside, the run is refused before."""
     _, folder = fresh_scene(**SMALL)
-    edit_pool(folder / "insar.pool", "master_first_az_time", "master_first_az_time FLT_15 20000")
+    edit_pool(folder / "insar.pool", "master_first_az_time", "master_first_az_time FLT_15 " + first_time_s)
     before = pool_bytes(folder)
     run = velmora(folder)
     assert run.status == 1, run.explanation()
-    assert any("interpolation point outside of data constraints" in line for line in run.lines("ALARM")), run.explanation()
+    assert any(line.startswith(reason) for line in run.lines("ALARM")), run.explanation()
     assert pool_bytes(folder) == before
     _assert_failed_without_products(folder)
 
