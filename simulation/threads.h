@@ -44,7 +44,7 @@ class THREADS {
 
     /// Joins what still runs. Throws "error in thread execution" for a failure found here, unless an exception is
     /// already under way.
-    ~THREADS() noexcept(false);
+    ~THREADS() noexcept(false);  // NOLINT(bugprone-exception-escape)
 
     THREADS(const THREADS&) = delete;
     THREADS& operator=(const THREADS&) = delete;
@@ -117,7 +117,7 @@ THREADS<ARG, ROW>::THREADS(ROW start_row, ROW end_row, START_ROUTINE start_routi
 }
 
 template <class ARG, class ROW>
-THREADS<ARG, ROW>::~THREADS() noexcept(false) {
+THREADS<ARG, ROW>::~THREADS() noexcept(false) {  // NOLINT(bugprone-exception-escape)
     bool failed = false;
     for (int i = 0; i < count_; ++i) failed = JoinReportsFailure(i) || failed;
     if (failed && std::uncaught_exceptions() == exceptions_at_construction_) throw "error in thread execution";

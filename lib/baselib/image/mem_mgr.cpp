@@ -28,6 +28,14 @@ long long Extent(long long first, long long last, const char* what) {
     return extent;
 }
 
+/// Where the element of index 0 would be when the first one has this index. That may lie outside the block, where C++
+/// has no pointers: the step is done on addresses.
+void* Origin(void* first, long long first_index, std::size_t element_bytes) {
+    const std::uintptr_t address = reinterpret_cast<std::uintptr_t>(first);
+    // NOLINTNEXTLINE(performance-no-int-to-ptr)
+    return reinterpret_cast<void*>(address - static_cast<std::uintptr_t>(first_index) * element_bytes);
+}
+
 /// Zeroed memory; large blocks cost nothing until they are touched.
 std::byte* AllocatePixels(long long columns, long long rows, int bytes_per_pixel) {
     long long bytes = 0;
@@ -183,13 +191,9 @@ void MEM_MGR::BuildRowTable() {
     void* const memory = std::calloc(static_cast<std::size_t>(rows) + 1, sizeof(T*));
     if (memory == nullptr) throw ERROR_NO_MEMORY();
     held_.row_table.reset(memory);
-    // The origin may lie outside the image, where C++ has no pointers: the shift is done on addresses.
-    const auto shifted = [](void* address, long long elements, std::size_t size) {
-        return reinterpret_cast<std::uintptr_t>(address) - static_cast<std::uintptr_t>(elements) * size;
-    };
     for (long long i = 0; i < rows; ++i) {
         std::byte* const row = held_.pixels + i * Columns() * held_.bytes_per_pixel;
-        new (static_cast<T**>(memory) + i) T*(reinterpret_cast<T*>(shifted(row, held_.first_corner.x, sizeof(T))));
+        new (static_cast<T**>(memory) + i) T*(static_cast<T*>(Origin(row, held_.first_corner.x, sizeof(T))));
     }
 }
 
@@ -249,7 +253,5 @@ void* MEM_MGR::RowTable(PIXEL_TYPE requested) {
                 break;
         }
     }
-    // The table's origin is row 0 of the image's own coordinates.
-    return reinterpret_cast<void*>(reinterpret_cast<std::uintptr_t>(held_.row_table.get()) -
-                                   static_cast<std::uintptr_t>(held_.first_corner.y) * sizeof(void*));
+    return Origin(held_.row_table.get(), held_.first_corner.y, sizeof(void*));
 }
