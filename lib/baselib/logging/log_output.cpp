@@ -6,6 +6,19 @@
 
 #include <cerrno>
 
+namespace {
+
+bool WriteAll(int descriptor, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t count = write(descriptor, text.data(), text.size());
+        if (count < 0 && errno != EINTR) return false;
+        if (count > 0) text.remove_prefix(static_cast<size_t>(count));
+    }
+    return true;
+}
+
+}  // namespace
+
 void LOG_OUTPUT::MoveTo(int descriptor) {
     const int present = descriptor_;
     if (present < 0) {
@@ -25,13 +38,13 @@ bool LOG_OUTPUT::Write(std::string_view text) {
     const int descriptor = descriptor_;
     if (text.empty()) return true;
     if (descriptor < 0) return false;
-    line_is_open_ = text.back() != '\n';
-    while (!text.empty()) {
-        const ssize_t count = write(descriptor, text.data(), text.size());
-        if (count < 0 && errno != EINTR) return false;
-        if (count > 0) text.remove_prefix(static_cast<size_t>(count));
-    }
-    return true;
+    // Threads write without a lock, so their order here and in the file may differ. An open line is marked on both sides
+    // of its write, a whole one before it only: the mark may err towards "open" (an empty line), never towards "ended".
+    const bool opens = text.back() != '\n';
+    line_is_open_ = opens;
+    const bool complete = WriteAll(descriptor, text);
+    if (opens) line_is_open_ = true;
+    return complete;
 }
 
 void LOG_OUTPUT::WriteLineFromHandler(std::string_view line, int patience_ms) noexcept {

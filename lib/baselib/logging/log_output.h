@@ -29,5 +29,5 @@ class LOG_OUTPUT {
 
   private:
     std::atomic<int> descriptor_;
-    std::atomic<bool> line_is_open_{false};  ///< the last byte written was no line end
+    std::atomic<bool> line_is_open_{false};  ///< the last byte written was no line end, or may have been none
 };
