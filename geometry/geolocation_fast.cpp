@@ -164,7 +164,9 @@ double PointLongitude(const VECTOR_3D<double>& point_m) {
         throw ERROR_DATA();
     }
     const double angle_deg = std::acos(Bounded(point_m.x / axis_distance_m)) * kDegreesPerRadian;
-    return point_m.y >= 0.0 || angle_deg == 0.0 ? angle_deg : 360.0 - angle_deg;
+    if (point_m.y >= 0.0) return angle_deg;
+    const double longitude_deg = 360.0 - angle_deg;
+    return longitude_deg < 360.0 ? longitude_deg : 0.0;  // a hair west of Greenwich rounds to a whole turn
 }
 
 GEOLOCATION Result(const ARGUMENTS& arguments, const ENLARGED_ELLIPSOID& ellipsoid, const WORKSPACE& work) {

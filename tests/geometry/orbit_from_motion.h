@@ -3,10 +3,10 @@
 
 #pragma once
 
-#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <memory>
@@ -25,7 +25,7 @@ inline std::unique_ptr<ORBIT_OF_POOL> OrbitFrom(const MOTION& motion, const std:
                                                 const std::string& type = "orbit_pool_double_double",
                                                 const std::string& reference_time = "0",
                                                 const std::vector<std::string>& times = {}) {
-    const std::string path = testing::TempDir() + "/orbit_" + std::to_string(getpid()) + ".pool";
+    const std::string path = std::filesystem::temp_directory_path() / ("orbit_" + std::to_string(getpid()) + ".pool");
     std::ofstream pool(path);
     pool.precision(17);
     constexpr int kCount = 17;
