@@ -11,4 +11,5 @@ void SimulatePhase(SIMULATION_STATE& state) {
                                                  static_cast<unsigned int>(rows.last_row), DEM2PHASE_Thread);
     Log().Message(LOGGING_LEVEL::INFO, " Initialised dem2phase_arg");
     threads.Run();
+    in_use.SettleContestedPixels();
 }

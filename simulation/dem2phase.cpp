@@ -76,10 +76,11 @@ class PROGRESS {
     long long step_;
 };
 
-void SimulateRows(const SCENE& scene, const DEM2PHASE_ARG& arg) {
+void SimulateRows(SCENE_IN_USE& in_use, const DEM2PHASE_ARG& arg) {
+    const SCENE& scene = in_use.Scene();
     const PROGRESS progress(arg);
     const CONVERGENCE_REPORT report;
-    RADAR_SOLUTION solution(scene);
+    RADAR_SOLUTION solution(scene, in_use.ClaimsOf(arg.thread_number));
     if (scene.bistatic) solution.PrepareBistatic();
     for (std::uint32_t i = 0; i < arg.length; ++i) {
         const int row = static_cast<int>(arg.start + i);

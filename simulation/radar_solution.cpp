@@ -1,7 +1,6 @@
 #include "simulation/radar_solution.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cmath>
 
 #include "geometry/constants.h"
@@ -10,15 +9,6 @@
 namespace {
 
 constexpr double kSmallestArea = 1e-5;  ///< square pixels
-
-/// The first to ask gets the pixel.
-bool Claim(unsigned char& mask) {
-    return std::atomic_ref(mask).exchange(1, std::memory_order_relaxed) == 0;
-}
-
-bool IsClaimed(unsigned char& mask) {
-    return std::atomic_ref(mask).load(std::memory_order_relaxed) != 0;
-}
 
 /// Whether a master index has a place in a sub-sampled grid of that many elements.
 bool OnSubGrid(int index, int factor, int size) {
@@ -65,8 +55,9 @@ struct RADAR_SOLUTION::WEIGHTS {
     }
 };
 
-RADAR_SOLUTION::RADAR_SOLUTION(const SCENE& scene)
+RADAR_SOLUTION::RADAR_SOLUTION(const SCENE& scene, BLOCK_CLAIMS& claims)
     : scene_(scene),
+      claims_(claims),
       master_wavelength_m_(kSpeedOfLight / scene.master.carrier_frequency_hz),
       slave_wavelength_m_(kSpeedOfLight / scene.slave.carrier_frequency_hz),
       bistatic_(scene) {}
@@ -152,49 +143,45 @@ void RADAR_SOLUTION::FillTriangles() {
     for (int row = box_.first_row; row <= box_.last_row; ++row) {
         unsigned char* mask = scene_.image.mask[row];
         for (int column = box_.first_column; column <= box_.last_column; ++column) {
-            if (IsClaimed(mask[column])) continue;
-            const CORNERS* triangle = TriangleAround(column, row);
-            if (triangle != nullptr && Claim(mask[column])) FillPixel(column, row, *triangle);
+            if (!claims_.IsOpen(mask[column])) continue;
+            if (const CORNERS* triangle = TriangleAround(column, row)) FillPixel(column, row, *triangle);
         }
     }
 }
 
 void RADAR_SOLUTION::FillPixel(int column, int row, const CORNERS& triangle) {
+    const CLAIM claim = claims_.Claim(scene_.image.mask[row][column]);
+    if (claim == CLAIM::REFUSED) return;
     const WEIGHTS weights(column, row, points_[triangle[0]], points_[triangle[1]], points_[triangle[2]]);
-    if (scene_.image.phase_rad != nullptr) {
-        scene_.image.phase_rad[row][column] = static_cast<float>(weights.Of(&RADAR_POINT::phase_rad));
+    const PIXEL_VALUES values = ValuesAt(column, row, weights);
+    shift_written_ = values.on_shift_grid;
+    earth_written_ = values.on_earth_grid;
+    if (claim == CLAIM::WRITE_NOW) {
+        StorePixel(scene_, row, column, values);
+    } else {
+        claims_.Keep(row, column, values);
     }
-    FillShifts(column, row, weights);
-    FillEarth(column, row, weights);
 }
 
-// The grids hold doubles of single precision: the resolution of the 32-bit products made from them.
-void RADAR_SOLUTION::FillShifts(int column, int row, const WEIGHTS& weights) {
-    const SHIFT_GRIDS& grids = scene_.shifts;
-    shift_written_ = grids.Wanted() && OnSubGrid(row, grids.azimuth_factor, grids.rows) &&
-                     OnSubGrid(column, grids.range_factor, grids.columns);
-    if (!shift_written_) return;
-    const int sub_row = row / grids.azimuth_factor;
-    const int sub_column = column / grids.range_factor;
-    grids.range[sub_row][sub_column] = static_cast<float>(weights.Of(&RADAR_POINT::slave_range_pixel));
-    grids.azimuth[sub_row][sub_column] = static_cast<float>(weights.Of(&RADAR_POINT::slave_azimuth_pixel));
-}
-
-void RADAR_SOLUTION::FillEarth(int column, int row, const WEIGHTS& weights) {
-    const EARTH_GRIDS& grids = scene_.earth;
-    earth_written_ = grids.Wanted() && OnSubGrid(row, grids.azimuth_factor, grids.rows) &&
-                     OnSubGrid(column, grids.range_factor, grids.columns);
-    if (!earth_written_) return;
-    const int sub_row = row / grids.azimuth_factor;
-    const int sub_column = column / grids.range_factor;
-    const auto store = [&](double** grid, double VECTOR_3D<double>::*axis) {
-        if (grid != nullptr) grid[sub_row][sub_column] = static_cast<float>(weights.Of(axis));
-    };
-    store(grids.x, &VECTOR_3D<double>::x);
-    store(grids.y, &VECTOR_3D<double>::y);
-    store(grids.z, &VECTOR_3D<double>::z);
-    if (grids.radar_dem != nullptr) {
-        grids.radar_dem[sub_row][sub_column] =
-            static_cast<float>(weights.Of(weights.p0.height_m, weights.p1.height_m, weights.p2.height_m));
+// All values go through float, also those of grids of doubles: the resolution of the 32-bit products made from them.
+PIXEL_VALUES RADAR_SOLUTION::ValuesAt(int column, int row, const WEIGHTS& weights) const {
+    const SHIFT_GRIDS& shifts = scene_.shifts;
+    const EARTH_GRIDS& earth = scene_.earth;
+    PIXEL_VALUES values;
+    values.phase_rad = static_cast<float>(weights.Of(&RADAR_POINT::phase_rad));
+    values.on_shift_grid = shifts.Wanted() && OnSubGrid(row, shifts.azimuth_factor, shifts.rows) &&
+                           OnSubGrid(column, shifts.range_factor, shifts.columns);
+    if (values.on_shift_grid) {
+        values.slave_range = static_cast<float>(weights.Of(&RADAR_POINT::slave_range_pixel));
+        values.slave_azimuth = static_cast<float>(weights.Of(&RADAR_POINT::slave_azimuth_pixel));
     }
+    values.on_earth_grid = earth.Wanted() && OnSubGrid(row, earth.azimuth_factor, earth.rows) &&
+                           OnSubGrid(column, earth.range_factor, earth.columns);
+    if (values.on_earth_grid) {
+        values.x_m = static_cast<float>(weights.Of(&VECTOR_3D<double>::x));
+        values.y_m = static_cast<float>(weights.Of(&VECTOR_3D<double>::y));
+        values.z_m = static_cast<float>(weights.Of(&VECTOR_3D<double>::z));
+        values.height_m = static_cast<float>(weights.Of(weights.p0.height_m, weights.p1.height_m, weights.p2.height_m));
+    }
+    return values;
 }

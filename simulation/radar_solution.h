@@ -13,6 +13,7 @@
 
 #include "lib/baselib/containers/records.h"
 #include "simulation/bistatic_solution.h"
+#include "simulation/pixel_claims.h"
 #include "simulation/scene.h"
 #include "simulation/triangle.h"
 
@@ -36,8 +37,9 @@ class RADAR_SOLUTION {
     using CORNERS = std::array<int, 3>;
     static constexpr std::array<CORNERS, 2> kTriangles = {{{0, 1, 2}, {1, 2, 3}}};
 
-    /// @param scene  must outlive the object
-    explicit RADAR_SOLUTION(const SCENE& scene);
+    /// @param scene   must outlive the object
+    /// @param claims  of the block of DEM rows that this object works on; must outlive the object
+    RADAR_SOLUTION(const SCENE& scene, BLOCK_CLAIMS& claims);
     /// Logs the statistics of the bistatic iteration (in monostatic mode their heading alone).
     ~RADAR_SOLUTION();
     RADAR_SOLUTION(const RADAR_SOLUTION&) = delete;
@@ -74,10 +76,10 @@ class RADAR_SOLUTION {
     [[nodiscard]] TRIANGLE InPixels(const CORNERS& triangle) const;
     [[nodiscard]] const CORNERS* TriangleAround(int column, int row) const;
     void FillPixel(int column, int row, const CORNERS& triangle);
-    void FillShifts(int column, int row, const WEIGHTS& weights);
-    void FillEarth(int column, int row, const WEIGHTS& weights);
+    [[nodiscard]] PIXEL_VALUES ValuesAt(int column, int row, const WEIGHTS& weights) const;
 
     const SCENE& scene_;
+    BLOCK_CLAIMS& claims_;
     double master_wavelength_m_;
     double slave_wavelength_m_;
     std::array<RADAR_POINT, 4> points_{};

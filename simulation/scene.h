@@ -10,6 +10,7 @@
 #include "geometry/calc_slave_time.h"
 #include "lib/baselib/containers/records.h"
 #include "simulation/dem_grid.h"
+#include "simulation/pixel_claims.h"
 
 /// One acquisition, after oversampling and range-time correction. Range times are two-way.
 struct ACQUISITION_SCENE {
@@ -54,7 +55,7 @@ struct AZIMUTH_SHIFT_CORRECTION {
 struct MASTER_GRIDS {
     int rows = 0;
     int columns = 0;
-    unsigned char** mask = nullptr;  ///< 0 not simulated, 1 simulated; exchanged atomically
+    unsigned char** mask = nullptr;  ///< 0 not simulated, else the tag of the owner (pixel_claims.h)
     float** phase_rad = nullptr;     ///< nullptr: not wanted
 };
 
@@ -108,7 +109,18 @@ class SCENE_IN_USE {
     ~SCENE_IN_USE();
     SCENE_IN_USE(const SCENE_IN_USE&) = delete;
     SCENE_IN_USE& operator=(const SCENE_IN_USE&) = delete;
+
+    /// Stores the pixels that blocks took from later blocks. To be called once, when all threads have ended.
+    void SettleContestedPixels() const;
+
+    [[nodiscard]] const SCENE& Scene() const { return scene_; }
+    /// @param block  number of the thread: below ThreadCount() and the number of rows
+    [[nodiscard]] BLOCK_CLAIMS& ClaimsOf(std::size_t block) { return claims_.at(block); }
+
+  private:
+    const SCENE& scene_;
+    std::vector<BLOCK_CLAIMS> claims_;
 };
 
 /// The scene in use. Errors: none in use is logged at ALARM, then ERROR_ALGORITHM.
-[[nodiscard]] const SCENE& CurrentScene();
+[[nodiscard]] SCENE_IN_USE& CurrentScene();

@@ -86,16 +86,17 @@ class TEST_SCENE {
     TEST_SCENE& operator=(const TEST_SCENE&) = delete;
 
     void Run() {
-        const SCENE_IN_USE in_use(scene);
+        SCENE_IN_USE in_use(scene);
         THREADS<DEM2PHASE_ARG, unsigned int> threads(static_cast<unsigned>(scene.simulated.first_row),
                                                      static_cast<unsigned>(scene.simulated.last_row), DEM2PHASE_Thread);
         threads.Run();
+        in_use.SettleContestedPixels();
     }
 
     [[nodiscard]] int MaskCount() const {
         int count = 0;
         for (int row = 0; row < request.image_rows; ++row) {
-            for (int column = 0; column < request.image_columns; ++column) count += mask.At(row, column);
+            for (int column = 0; column < request.image_columns; ++column) count += mask.At(row, column) != 0;
         }
         return count;
     }
