@@ -323,3 +323,22 @@ def test_disk_space_is_taken_before_the_image_is_mapped(fresh_scene, tmp_path):
         assert pool_bytes(folder) == before
     finally:
         subprocess.run(["umount", small_disk], check=False)
+
+
+def test_documentation_lists_every_key(fresh_scene):
+    """Those of the usage page and those of the pools of a scene that has them all."""
+    usage = subprocess.run([velmora_run.BINARY, "--help"], capture_output=True, text=True, timeout=30, check=True).stdout
+    keys = set(re.findall(r"^  (\w+) {2,}", usage, re.MULTILINE))
+    for options in (dict(shift_factors=(2, 3), utm=True, ellipsoid="Bessel", datum_shift_m=(1, 2, 3),
+                         datum_rotation_arcsec=(1, 1, 1)),
+                    dict(shift_factors=(2, 2), permanent_scatterer=True, single_pass=True, geocoding_factors=(2, 2))):
+        _, folder = fresh_scene(str(len(keys)), samples=60, lines=50, **options)
+        for name in velmora_run.POOLS:
+            keys |= set(pool_file.read(folder / name))
+        keys |= set((folder / "scene.pcf").read_text().split()[::2])
+    keys -= {"state_vector_times", "state_vector_positions", "state_vector_velocities"}  # names that a pool chooses
+    text = (velmora_run.REPOSITORY / "docs" / "keys.md").read_text(encoding="utf-8")
+    documented = set(re.findall(r"`([A-Za-z]\w*)`", text))
+    documented |= {first.rsplit("_", 1)[0] + second for first, second in re.findall(r"`(\w+)`, `(_\w+)`", text)}
+    documented |= {"focussed_slow_time_corr_poly" + word for word in re.findall(r"`\.\.\.(_\w+)`", text)}
+    assert len(keys) > 60 and keys <= documented, sorted(keys - documented)
