@@ -46,7 +46,7 @@ class GENERAL_ORBIT {
     [[nodiscard]] V Position(T t_s) const;      ///< m
     [[nodiscard]] V Velocity(T t_s) const;      ///< m/s
     [[nodiscard]] V Acceleration(T t_s) const;  ///< m/s^2
-    /// All three at once, faster than one by one.
+    /// All three at the price of one.
     [[nodiscard]] ORBIT_STATE State(T t_s) const { return Core().State(t_s); }
 
     /// The same at a time of the orbit's own type. @throws ERROR_ARGUMENT, after logging, for another type

@@ -82,10 +82,14 @@ int ParameterOfWord(const std::vector<std::string>& words, size_t position, int 
         return default_value;
     }
     const std::string& word = words[position];
-    const int value = default_value == kUnused ? kUnused : NumberOrRefuse(word, description);
-    if (IsDecimal(word)) {
-        Log().Message(LOGGING_LEVEL::PARAMETER, "ORBIT: detected %s: %s", description.name, word.c_str());
+    if (default_value == kUnused) {
+        if (IsDecimal(word)) {
+            Log().Message(LOGGING_LEVEL::PARAMETER, "ORBIT: detected %s: %s", description.name, word.c_str());
+        }
+        return kUnused;
     }
+    const int value = NumberOrRefuse(word, description);
+    Log().Message(LOGGING_LEVEL::PARAMETER, "ORBIT: detected %s: %d", description.name, value);
     return value;
 }
 

@@ -40,9 +40,8 @@ class MDB_ORBIT final : public ORBIT<T, S, I, P> {
     /// Reads the open file and creates the interpolation. A failure leaves the orbit as it was.
     /// @throws ERROR_DATA, after logging, when the file was changed since Open
     void Read() {
-        STATE_VECTORS<T, S> vectors = ReadOrbitFile<S>(mdb_);
-        this->TakeOver(std::move(vectors),
-                       {mdb_.FileName(), mdb_.GetRecordType().KeyItem().KeyName(), "x, y, z", "vx, vy, vz"});
+        const STATE_VECTORS<T, S> vectors = ReadOrbitFile<S>(mdb_);
+        this->TakeOver(vectors, MdbSource(mdb_));
         mdb_.Close();
     }
 

@@ -28,6 +28,10 @@ void OpenOrbitFile(MDB& mdb, const MDB_FILE& file) {
     NamingFile(file.Path(), [&] { mdb.Open(file.directory, file.file_name, MDB_OPEN_MODE::READ_ONLY); });
 }
 
+STATE_VECTOR_SOURCE MdbSource(const MDB& mdb) {
+    return {mdb.FileName(), mdb.GetRecordType().KeyItem().KeyName(), "x, y, z", "vx, vy, vz"};
+}
+
 template <class S>
 STATE_VECTORS<double, S> ReadOrbitFile(MDB& mdb) {
     if (!(mdb.StateNow() == mdb.StateAtOpen())) {

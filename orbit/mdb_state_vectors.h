@@ -17,6 +17,9 @@ void OpenOrbitFile(MDB& mdb, const MDB_FILE& file);
 template <class S>
 STATE_VECTORS<double, S> ReadOrbitFile(MDB& mdb);
 
+/// The names of the open file and its items, for messages.
+[[nodiscard]] STATE_VECTOR_SOURCE MdbSource(const MDB& mdb);
+
 extern template STATE_VECTORS<double, double> ReadOrbitFile<double>(MDB&);
 extern template STATE_VECTORS<double, UNIVERSAL_TIME> ReadOrbitFile<UNIVERSAL_TIME>(MDB&);
 extern template STATE_VECTORS<double, MISSION_ELAPSED_TIME> ReadOrbitFile<MISSION_ELAPSED_TIME>(MDB&);

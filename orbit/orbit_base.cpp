@@ -23,24 +23,16 @@ void RefuseCoreObject() {
     throw ERROR_ARGUMENT();
 }
 
+ORBIT_BASE::ORBIT_BASE() = default;
+ORBIT_BASE::ORBIT_BASE(const ORBIT_BASE&) = default;
+ORBIT_BASE::~ORBIT_BASE() = default;
+
 ORBIT_BASE& ORBIT_BASE::operator=(const ORBIT_BASE&) {
     RefuseAssignment("ORBIT_BASE: virtual ORBIT_BASE& operator=( const ORBIT_BASE&  aorbit )");
 }
 
 std::unique_ptr<ORBIT_BASE> ORBIT_BASE::Clone() const {
     RefuseOperation("Clone()");
-}
-
-VECTOR_3D<double> ORBIT_BASE::Position(double) const {
-    RefuseOperation("Position(double)");
-}
-
-VECTOR_3D<double> ORBIT_BASE::Velocity(double) const {
-    RefuseOperation("Velocity(double)");
-}
-
-VECTOR_3D<double> ORBIT_BASE::Acceleration(double) const {
-    RefuseOperation("Acceleration(double)");
 }
 
 ORBIT_STATE ORBIT_BASE::State(double) const {

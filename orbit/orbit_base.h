@@ -18,7 +18,7 @@
 
 class ORBIT_BASE {
   public:
-    virtual ~ORBIT_BASE() = default;
+    virtual ~ORBIT_BASE();
 
     /// Copies from an orbit of the same concrete type. @throws ERROR_ARGUMENT, after logging, from any other
     virtual ORBIT_BASE& operator=(const ORBIT_BASE& aorbit);
@@ -27,11 +27,11 @@ class ORBIT_BASE {
     /// @param t_s  seconds since the reference time, inside FirstTime() to LastTime(). Outside, the outermost piece of
     /// the interpolation goes on; hermite and localhermite end the process there.
     /// @throws ERROR_ARGUMENT, after logging, while there are no state vectors
-    [[nodiscard]] virtual VECTOR_3D<double> Position(double t_s) const;      ///< m
-    [[nodiscard]] virtual VECTOR_3D<double> Velocity(double t_s) const;      ///< m/s, first derivative of the position
-    [[nodiscard]] virtual VECTOR_3D<double> Acceleration(double t_s) const;  ///< m/s^2, second derivative
-    /// All three for little more than the price of one.
     [[nodiscard]] virtual ORBIT_STATE State(double t_s) const;
+    /// Parts of the state: m, m/s (first derivative of the position), m/s^2 (second derivative).
+    [[nodiscard]] VECTOR_3D<double> Position(double t_s) const { return State(t_s).position_m; }
+    [[nodiscard]] VECTOR_3D<double> Velocity(double t_s) const { return State(t_s).velocity_m_s; }
+    [[nodiscard]] VECTOR_3D<double> Acceleration(double t_s) const { return State(t_s).acceleration_m_s2; }
 
     /// Times of the first and last state vector in seconds since the reference time, as the interpolation sees them
     /// (for orbits of single precision rounded to float).
@@ -64,8 +64,8 @@ class ORBIT_BASE {
     /// @}
 
   protected:
-    ORBIT_BASE() = default;
-    ORBIT_BASE(const ORBIT_BASE&) = default;
+    ORBIT_BASE();
+    ORBIT_BASE(const ORBIT_BASE&);
     void CopySetupFrom(const ORBIT_BASE& other);
 
   private:

@@ -1,15 +1,8 @@
 #include "orbit/orbit_factory.h"
 
 #include "lib/baselib/logging/logging.h"
-#include "orbit/cheby_poly.h"
-#include "orbit/everett.h"
-#include "orbit/hermite_poly.h"
-#include "orbit/local_interpolation.h"
 #include "orbit/mdb_orbit.h"
-#include "orbit/polynom.h"
-#include "orbit/polynom_fit.h"
 #include "orbit/pool_orbit.h"
-#include "orbit/spline.h"
 
 namespace {
 
@@ -24,11 +17,6 @@ std::unique_ptr<ORBIT_BASE> Create() {
 std::unique_ptr<ORBIT_BASE> CreateNothing() {
     return nullptr;
 }
-
-template <class T, class I>
-using LOCAL = LOCAL_INTERPOLATION<T, I, POINT<T>>;
-template <class T>
-using LOCAL_HERMITE = LOCAL_INTERPOLATION<T, HERMITE_POLY<T>, DPOINT<T>>;
 
 /// Pool orbits, one per interpolation, in the order of their ids.
 template <class T, class S>

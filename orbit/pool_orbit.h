@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include "lib/baselib/logging/logging.h"
 #include "orbit/orbit.h"
 
 template <class T, class S, class I, class P>
@@ -29,8 +30,7 @@ class POOL_ORBIT final : public ORBIT<T, S, I, P> {
     /// Reads the lists whose keys the configuration names.
     void ReadFromParameterPool(PARAMETER_POOL& pool) override {
         const ORBIT_CONFIGURATION& names = this->Configuration();
-        this->TakeOver(ReadStateVectorsFromPool<T, S>(pool, names),
-                       {names.pool_file, names.param_key, names.value_key, names.velocity_key});
+        this->TakeOver(ReadStateVectorsFromPool<T, S>(pool, names), PoolSource(names));
     }
 
     /// The older name of ReadFromParameterPool.

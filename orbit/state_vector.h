@@ -13,6 +13,14 @@ struct STATE_VECTOR {
     VECTOR_3D<T> velocity_m_s;
 };
 
+/// The same as the interpolation sees it: t_s in seconds since the orbit's reference time.
+template <class T>
+struct ORBIT_SAMPLE {
+    T t_s{};
+    VECTOR_3D<T> position_m;
+    VECTOR_3D<T> velocity_m_s;
+};
+
 /// Frame: Earth-fixed.
 struct ORBIT_STATE {
     VECTOR_3D<double> position_m;

@@ -113,6 +113,10 @@ double PlausibleSeconds(const S& reference, const S& time, const std::string& na
 
 }  // namespace
 
+STATE_VECTOR_SOURCE PoolSource(const ORBIT_CONFIGURATION& configuration) {
+    return {configuration.pool_file, configuration.param_key, configuration.value_key, configuration.velocity_key};
+}
+
 template <class S>
 std::vector<S> TimesFromTexts(const std::vector<std::string>& texts, const std::string& name) {
     std::vector<S> times(texts.size());
@@ -152,25 +156,27 @@ STATE_VECTORS<T, S> ReadStateVectorsFromPool(PARAMETER_POOL& pool, const ORBIT_C
 }
 
 template <class T, class S>
-std::vector<T> CheckedAbscissae(const STATE_VECTORS<T, S>& vectors, const S& reference,
-                                const INTERPOLATION_REQUEST& request, const STATE_VECTOR_SOURCE& source) {
+std::vector<ORBIT_SAMPLE<T>> CheckedSamples(const STATE_VECTORS<T, S>& vectors, const S& reference,
+                                            const INTERPOLATION_REQUEST& request, const STATE_VECTOR_SOURCE& source) {
     const std::string time_name = NameOf(source.file, source.time_key);
     const int fewest = FewestStateVectors(request);
     if (vectors.size() < static_cast<size_t>(fewest)) {
         Refuse("%s: %zu state vectors are too few, the interpolation %s needs %d", time_name.c_str(), vectors.size(),
                TextOf(request.id), fewest);
     }
-    std::vector<T> abscissae(vectors.size());
+    std::vector<ORBIT_SAMPLE<T>> samples(vectors.size());
     for (size_t i = 0; i < vectors.size(); ++i) {
-        CheckTriple(vectors[i].position_m, kFarthest_m, "m", NameOf(source.file, source.position_key), i);
-        CheckTriple(vectors[i].velocity_m_s, kFastest_m_s, "m/s", NameOf(source.file, source.velocity_key), i);
-        abscissae[i] = static_cast<T>(PlausibleSeconds(reference, vectors[i].time, time_name, i));
-        if (i > 0 && !(abscissae[i] > abscissae[i - 1])) {
+        const STATE_VECTOR<T, S>& vector = vectors[i];
+        CheckTriple(vector.position_m, kFarthest_m, "m", NameOf(source.file, source.position_key), i);
+        CheckTriple(vector.velocity_m_s, kFastest_m_s, "m/s", NameOf(source.file, source.velocity_key), i);
+        const T t_s = static_cast<T>(PlausibleSeconds(reference, vector.time, time_name, i));
+        samples[i] = {t_s, vector.position_m, vector.velocity_m_s};
+        if (i > 0 && !(samples[i].t_s > samples[i - 1].t_s)) {
             Refuse("%s: state vector %zu (%s) is not later than the one before (%s)", time_name.c_str(), i,
-                   TIME_AXIS<S>::ToText(vectors[i].time).c_str(), TIME_AXIS<S>::ToText(vectors[i - 1].time).c_str());
+                   TIME_AXIS<S>::ToText(vector.time).c_str(), TIME_AXIS<S>::ToText(vectors[i - 1].time).c_str());
         }
     }
-    return abscissae;
+    return samples;
 }
 
 template STATE_VECTORS<float, double> ReadStateVectorsFromPool(PARAMETER_POOL&, const ORBIT_CONFIGURATION&);
@@ -181,19 +187,21 @@ template STATE_VECTORS<double, double> ReadStateVectorsFromPool(PARAMETER_POOL&,
 template STATE_VECTORS<double, UNIVERSAL_TIME> ReadStateVectorsFromPool(PARAMETER_POOL&, const ORBIT_CONFIGURATION&);
 template STATE_VECTORS<double, MISSION_ELAPSED_TIME> ReadStateVectorsFromPool(PARAMETER_POOL&,
                                                                               const ORBIT_CONFIGURATION&);
-template std::vector<float> CheckedAbscissae(const STATE_VECTORS<float, double>&, const double&,
-                                             const INTERPOLATION_REQUEST&, const STATE_VECTOR_SOURCE&);
-template std::vector<float> CheckedAbscissae(const STATE_VECTORS<float, UNIVERSAL_TIME>&, const UNIVERSAL_TIME&,
-                                             const INTERPOLATION_REQUEST&, const STATE_VECTOR_SOURCE&);
-template std::vector<float> CheckedAbscissae(const STATE_VECTORS<float, MISSION_ELAPSED_TIME>&,
-                                             const MISSION_ELAPSED_TIME&, const INTERPOLATION_REQUEST&,
-                                             const STATE_VECTOR_SOURCE&);
-template std::vector<double> CheckedAbscissae(const STATE_VECTORS<double, double>&, const double&,
-                                              const INTERPOLATION_REQUEST&, const STATE_VECTOR_SOURCE&);
-template std::vector<double> CheckedAbscissae(const STATE_VECTORS<double, UNIVERSAL_TIME>&, const UNIVERSAL_TIME&,
-                                              const INTERPOLATION_REQUEST&, const STATE_VECTOR_SOURCE&);
-template std::vector<double> CheckedAbscissae(const STATE_VECTORS<double, MISSION_ELAPSED_TIME>&,
-                                              const MISSION_ELAPSED_TIME&, const INTERPOLATION_REQUEST&,
-                                              const STATE_VECTOR_SOURCE&);
+template std::vector<ORBIT_SAMPLE<float>> CheckedSamples(const STATE_VECTORS<float, double>&, const double&,
+                                                         const INTERPOLATION_REQUEST&, const STATE_VECTOR_SOURCE&);
+template std::vector<ORBIT_SAMPLE<float>> CheckedSamples(const STATE_VECTORS<float, UNIVERSAL_TIME>&,
+                                                         const UNIVERSAL_TIME&, const INTERPOLATION_REQUEST&,
+                                                         const STATE_VECTOR_SOURCE&);
+template std::vector<ORBIT_SAMPLE<float>> CheckedSamples(const STATE_VECTORS<float, MISSION_ELAPSED_TIME>&,
+                                                         const MISSION_ELAPSED_TIME&, const INTERPOLATION_REQUEST&,
+                                                         const STATE_VECTOR_SOURCE&);
+template std::vector<ORBIT_SAMPLE<double>> CheckedSamples(const STATE_VECTORS<double, double>&, const double&,
+                                                          const INTERPOLATION_REQUEST&, const STATE_VECTOR_SOURCE&);
+template std::vector<ORBIT_SAMPLE<double>> CheckedSamples(const STATE_VECTORS<double, UNIVERSAL_TIME>&,
+                                                          const UNIVERSAL_TIME&, const INTERPOLATION_REQUEST&,
+                                                          const STATE_VECTOR_SOURCE&);
+template std::vector<ORBIT_SAMPLE<double>> CheckedSamples(const STATE_VECTORS<double, MISSION_ELAPSED_TIME>&,
+                                                          const MISSION_ELAPSED_TIME&, const INTERPOLATION_REQUEST&,
+                                                          const STATE_VECTOR_SOURCE&);
 template std::vector<UNIVERSAL_TIME> TimesFromTexts(const std::vector<std::string>&, const std::string&);
 template std::vector<MISSION_ELAPSED_TIME> TimesFromTexts(const std::vector<std::string>&, const std::string&);

@@ -22,6 +22,8 @@ struct STATE_VECTOR_SOURCE {
     std::string velocity_key;
 };
 
+[[nodiscard]] STATE_VECTOR_SOURCE PoolSource(const ORBIT_CONFIGURATION& configuration);
+
 /// Reads the three lists whose keys the configuration names. Their types: times FLT_15_V or STR_V (UTC, MET);
 /// coordinates FLT_6_V for T = float, FLT_15_V for double.
 /// @throws ERROR_PARAMETER_POOL from the pool, ERROR_DATA after a line that names file and key for lists that do not
@@ -29,13 +31,13 @@ struct STATE_VECTOR_SOURCE {
 template <class T, class S>
 STATE_VECTORS<T, S> ReadStateVectorsFromPool(PARAMETER_POOL& pool, const ORBIT_CONFIGURATION& configuration);
 
-/// The abscissae of the interpolation: seconds since the reference time, rounded to T.
+/// The state vectors on the axis of the interpolation: seconds since the reference time, rounded to T.
 /// @throws ERROR_DATA, after a line that names file, key and entry: too few vectors for the interpolation, times that
 /// do not increase from vector to vector (after the rounding to T), times more than 1e10 s from the reference,
 /// coordinates that are not finite or beyond 1e9 m or 1e6 m/s
 template <class T, class S>
-std::vector<T> CheckedAbscissae(const STATE_VECTORS<T, S>& vectors, const S& reference,
-                                const INTERPOLATION_REQUEST& request, const STATE_VECTOR_SOURCE& source);
+std::vector<ORBIT_SAMPLE<T>> CheckedSamples(const STATE_VECTORS<T, S>& vectors, const S& reference,
+                                            const INTERPOLATION_REQUEST& request, const STATE_VECTOR_SOURCE& source);
 
 /// Scans a list of texts of one time type. A text that is no MET is logged, its fields not reached stay 0 and the next
 /// one is read; after the list the failure is thrown. A text that is no UTC ends the list.

@@ -1,7 +1,7 @@
 #include "time/time_axis.h"
 
+#include <charconv>
 #include <cmath>
-#include <cstdio>
 
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/errors/parse_number.h"
@@ -33,9 +33,9 @@ double TIME_AXIS<double>::FromText(const std::string& text) {
 }
 
 std::string TIME_AXIS<double>::ToText(const double& t) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.17g", t);
-    return text;
+    char text[32];  // the shortest text of a double has at most 24 characters
+    const std::to_chars_result end = std::to_chars(text, text + sizeof text, t);
+    return {text, end.ptr};
 }
 
 UNIVERSAL_TIME TIME_AXIS<UNIVERSAL_TIME>::Plus(const UNIVERSAL_TIME& t, double seconds) {

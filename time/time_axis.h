@@ -20,7 +20,7 @@ struct TIME_AXIS<double> {
     static constexpr const char* kName = "plain seconds";
     /// One decimal number. @throws ERROR_DATA, after logging
     [[nodiscard]] static double FromText(const std::string& text);
-    /// As many digits as read back to the same value.
+    /// The shortest text that reads back to the same value.
     [[nodiscard]] static std::string ToText(const double& t);
     [[nodiscard]] static double SecondsSince(const double& reference, const double& t) { return t - reference; }
     [[nodiscard]] static double Plus(const double& t, double seconds) { return t + seconds; }

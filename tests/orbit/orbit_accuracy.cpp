@@ -9,14 +9,8 @@
 #include <cstdlib>
 
 #include "lib/baselib/pool/parameter_pool.h"
-#include "orbit/cheby_poly.h"
-#include "orbit/everett.h"
-#include "orbit/hermite_poly.h"
-#include "orbit/local_interpolation.h"
 #include "orbit/orbit.h"
-#include "orbit/polynom.h"
-#include "orbit/polynom_fit.h"
-#include "orbit/spline.h"
+#include "time/time_axis.h"
 
 namespace {
 
@@ -42,9 +36,6 @@ std::unique_ptr<ORBIT_BASE> Create(const VECTORS& vectors, const INTERPOLATION_R
     return orbit;
 }
 
-template <class I>
-using LOCAL = LOCAL_INTERPOLATION<double, I, POINT<double>>;
-
 std::unique_ptr<ORBIT_BASE> CreateOrbit(const VECTORS& vectors, const INTERPOLATION_REQUEST& request) {
     using P = POINT<double>;
     using D = DPOINT<double>;
@@ -56,17 +47,17 @@ std::unique_ptr<ORBIT_BASE> CreateOrbit(const VECTORS& vectors, const INTERPOLAT
         case INTERPOLATION_ID::SPLINE:
             return Create<SPLINE<double>, P>(vectors, request);
         case INTERPOLATION_ID::LOCALPOLYNOM:
-            return Create<LOCAL<POLYNOM<double>>, P>(vectors, request);
+            return Create<LOCAL<double, POLYNOM<double>>, P>(vectors, request);
         case INTERPOLATION_ID::LOCALPOLYFIT:
-            return Create<LOCAL<POLYNOM_FIT<double>>, P>(vectors, request);
+            return Create<LOCAL<double, POLYNOM_FIT<double>>, P>(vectors, request);
         case INTERPOLATION_ID::CHEBYSHEV:
             return Create<CHEBY_POLY<double>, P>(vectors, request);
         case INTERPOLATION_ID::LOCALCHEBYSHEV:
-            return Create<LOCAL<CHEBY_POLY<double>>, P>(vectors, request);
+            return Create<LOCAL<double, CHEBY_POLY<double>>, P>(vectors, request);
         case INTERPOLATION_ID::HERMITE:
             return Create<HERMITE_POLY<double>, D>(vectors, request);
         case INTERPOLATION_ID::LOCALHERMITE:
-            return Create<LOCAL_INTERPOLATION<double, HERMITE_POLY<double>, D>, D>(vectors, request);
+            return Create<LOCAL_HERMITE<double>, D>(vectors, request);
         case INTERPOLATION_ID::EVERETT:
             return Create<EVERETT<double>, P>(vectors, request);
     }

@@ -196,7 +196,8 @@ TEST(InterpolationText, RefusesNamingPoolKeyAndText) {
     const std::string odd = RefusalOf(OrbitPool({.interpolation = "everett_3"}));
     EXPECT_THAT(
         odd, HasSubstr("EVERETT::Create: Everett interpolation only possible with even order, not for given order 3"));
-    EXPECT_THAT(odd, HasSubstr("orbit.pool: the interpolation \"everett_3\" does not suit the 24 state vectors"));
+    EXPECT_THAT(odd, HasSubstr("orbit.pool: key \"orbit_interpolation\": value \"everett_3\" does not suit the 24 "
+                               "state vectors at key \"times\" of "));
 }
 
 TEST(PoolOrbit, RefusesListsThatDoNotFitNamingFileAndKey) {
