@@ -3,7 +3,6 @@
 import numpy as np
 import pytest
 
-import judge
 from velmora_run import succeed
 
 SCENE = dict(samples=140, lines=110, shift_factors=(2, 2), earth_factors=(1, 3))
@@ -12,18 +11,14 @@ PRODUCTS = ("SIMU_PHASE", "RG_COREG", "AZ_COREG", "X_EARTH", "Y_EARTH", "Z_EARTH
 
 @pytest.mark.parametrize("single_pass", [False, True])
 def test_the_number_of_threads_does_not_matter(fresh_scene, single_pass):
-    """Byte for byte for one thread twice; beyond rounding only where two cells claim a pixel for several threads."""
+    """Byte for byte, also in layover, where many cells far apart claim one pixel."""
     runs = {}
-    for name, parallel in (("1", "1"), ("1 again", "1"), ("2", "2"), ("5", "5"), ("1000", "1000")):
-        _, folder = fresh_scene(name.replace(" ", "_"), **SCENE, single_pass=single_pass)
-        runs[name] = succeed(folder, parallel=parallel)
+    for parallel in ("1", "2", "5", "1000"):
+        _, folder = fresh_scene(parallel, **SCENE, single_pass=single_pass, incidence_deg=20.0, smoothness=1.7)
+        runs[parallel] = succeed(folder, parallel=parallel)
     for name in PRODUCTS:
-        one = runs["1"].product(name)
-        assert np.array_equal(one, runs["1 again"].product(name)), name
         for parallel in ("2", "5", "1000"):
-            difference = runs[parallel].product(name).astype(float) - one
-            offset = runs["1"].offset(name[0].lower()) if name in ("X_EARTH", "Y_EARTH", "Z_EARTH") else 0.0
-            assert judge.share_over(difference, 0.01 + judge.ulp(one + offset)) <= 0.002, (name, parallel)
+            assert np.array_equal(runs["1"].product(name), runs[parallel].product(name)), (name, parallel)
 
 
 def test_each_thread_tells_its_rows_at_level_trace(fresh_scene):
