@@ -9,8 +9,8 @@
 
 namespace {
 
-/// A caller may close the standard streams. Their numbers would then go to the next files opened, and log lines would end
-/// up in a pool or an image.
+/// A caller may close the standard streams. Their numbers would then go to the next files opened, and log lines would
+/// end up in a pool or an image.
 void OccupyStandardDescriptors() {
     int descriptor = open("/dev/null", O_RDWR);
     while (descriptor >= 0 && descriptor <= STDERR_FILENO) descriptor = open("/dev/null", O_RDWR);

@@ -17,7 +17,8 @@ void Restore(const std::string& path, const std::string& content) {
     std::ofstream file(path, std::ios::binary | std::ios::trunc);
     file.write(content.data(), static_cast<std::streamsize>(content.size()));
     if (!file.flush())
-        Log().Message(LOGGING_LEVEL::ALARM, "can not restore pool %s, it holds the history of a failed run", path.c_str());
+        Log().Message(LOGGING_LEVEL::ALARM, "can not restore pool %s, it holds the history of a failed run",
+                      path.c_str());
 }
 
 }  // namespace

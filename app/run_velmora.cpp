@@ -58,7 +58,9 @@ void RunStages(SIMULATION_STATE& state, CONTROLLER_IFC& controller, const VERSIO
     WriteBackPools(log_pool, insar_pool);
 }
 
-void LogReason(const std::string& reason) { Log() << LOGGING_LEVEL::ALARM << reason << "\n"; }
+void LogReason(const std::string& reason) {
+    Log() << LOGGING_LEVEL::ALARM << reason << "\n";
+}
 
 /// The one object that all stages share.
 SIMULATION_STATE& State() {

@@ -16,10 +16,8 @@ struct TEXT_LIST {
     std::string HISTORY_ENTRY::*member;
 };
 constexpr TEXT_LIST kTextLists[] = {
-    {"software_names", &HISTORY_ENTRY::name},
-    {"software_versions", &HISTORY_ENTRY::version},
-    {"software_dates", &HISTORY_ENTRY::date},
-    {"software_start_times", &HISTORY_ENTRY::start_time},
+    {"software_names", &HISTORY_ENTRY::name},         {"software_versions", &HISTORY_ENTRY::version},
+    {"software_dates", &HISTORY_ENTRY::date},         {"software_start_times", &HISTORY_ENTRY::start_time},
     {"software_end_times", &HISTORY_ENTRY::end_time},
 };
 constexpr const char* kNames = "software_names";
@@ -35,8 +33,8 @@ std::vector<T> ReadList(PARAMETER_POOL& pool, const char* key) {
 
 void RequireLength(const PARAMETER_POOL& pool, const char* key, size_t length, size_t names) {
     if (length == names) return;
-    Log().Message(LOGGING_LEVEL::ALARM, "%s: key \"%s\": %zu elements, but \"%s\" has %zu", pool.FileName().c_str(), key,
-                  length, kNames, names);
+    Log().Message(LOGGING_LEVEL::ALARM, "%s: key \"%s\": %zu elements, but \"%s\" has %zu", pool.FileName().c_str(),
+                  key, length, kNames, names);
     throw CORRUPTED_PARAMETER_POOL();
 }
 
@@ -52,8 +50,8 @@ std::string TimeText(std::time_t seconds_since_epoch) {
 
 HISTORY_ENTRY EntryOfRun(const VERSION_RECORD& version, std::time_t start, std::time_t end) {
     const long long duration_s = std::clamp<long long>(end - start, 0, INT_MAX);
-    return {version.program_name,   version.version, version.revision_date, TimeText(start), TimeText(end),
-            static_cast<int>(duration_s)};
+    return {version.program_name, version.version, version.revision_date,
+            TimeText(start),      TimeText(end),   static_cast<int>(duration_s)};
 }
 
 void SOFTWARE_HISTORY::ReadFrom(PARAMETER_POOL& pool) {

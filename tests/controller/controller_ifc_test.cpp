@@ -76,7 +76,7 @@ TEST_F(ControllerTest, TheFirstSourceWinsAndTheLastArgument) {
     };
     const CASE cases[] = {
         {{"-KEY", "a", "-KEY", "b"}, "KEY", "b"},
-        {{"-KEY", "a", "-KEY"}, "KEY", "a"},                   // the last argument has no value behind it
+        {{"-KEY", "a", "-KEY"}, "KEY", "a"},                        // the last argument has no value behind it
         {{"KEY", "a", "--KEY", "b", "-KEYS", "c"}, "KEY", "file"},  // exactly "-" and the name
         {{"-X", "-KEY", "c"}, "KEY", "c"},
         {{}, "KEY", "file"},
@@ -114,10 +114,11 @@ TEST_F(ControllerTest, InitialisationTellsItsStepsAndLeavesTheErrorFile) {
     std::filesystem::create_directory("status");
     Write("status/OK.job7", "0");
     Write("status/ERROR.job7", "a longer text");
-    const OUTCOME run = RunController({"-pid", "job7", "-status", "status", "-lfn", "log"}, [](CONTROLLER_IFC& controller) {
-        Write("names", controller.get_binary_name() + " " + controller.get_process_name() + " " +
-                           controller.get_configuration_file_name());
-    });
+    const OUTCOME run =
+        RunController({"-pid", "job7", "-status", "status", "-lfn", "log"}, [](CONTROLLER_IFC& controller) {
+            Write("names", controller.get_binary_name() + " " + controller.get_process_name() + " " +
+                               controller.get_configuration_file_name());
+        });
     EXPECT_EQ(run.status, 7);
     EXPECT_EQ(Content("names"), "job7 prog pcf.job7");
     EXPECT_EQ(Content("status/ERROR.job7"), "1");
@@ -152,8 +153,10 @@ TEST_F(ControllerTest, ExitsExchangeTheStatusFiles) {
     EXPECT_EQ(RunController(arguments, [](CONTROLLER_IFC& controller) { controller.exit_error(); }).status, 1);
     EXPECT_EQ(Content("ERROR.prog"), "1");
     EXPECT_FALSE(std::filesystem::exists("OK.prog"));
-    EXPECT_EQ(RunController(arguments, [](CONTROLLER_IFC& c) { _exit(10 + c.set_status_error() + c.set_status_success()); }).status,
-              11);
+    EXPECT_EQ(
+        RunController(arguments, [](CONTROLLER_IFC& c) { _exit(10 + c.set_status_error() + c.set_status_success()); })
+            .status,
+        11);
     EXPECT_EQ(Content("OK.prog"), "0");
 }
 
@@ -172,8 +175,8 @@ TEST_F(ControllerTest, AStopFileEndsTheRunBeforeAnyStatusFile) {
 
 TEST_F(ControllerTest, AnUnwritableStatusPathIsAWarning) {
     Write("file", "");
-    const OUTCOME run =
-        RunController({"-lfn", "log", "-status", "file"}, [](CONTROLLER_IFC& controller) { controller.exit_success(); });
+    const OUTCOME run = RunController({"-lfn", "log", "-status", "file"},
+                                      [](CONTROLLER_IFC& controller) { controller.exit_success(); });
     EXPECT_EQ(run.status, 0);
     EXPECT_THAT(run.log, EndsWith("WARN  : global : Can not create file file/ERROR.prog!\n"
                                   "WARN  : global : Can not create file file/OK.prog!\n"));
@@ -206,7 +209,7 @@ TEST_F(ControllerTest, TextsOfMoreThan255CharactersEndInAnErrorThatNamesTheKey) 
 TEST_F(ControllerTest, MistypedKeysAreToldOnceEach) {
     Write("pcf.prog", "lfn log\nMASTER_POL x\nmaster_pol y\n#LOOKS_RG 1\nFOREIGN_KEY 3\nDEM x\nMASTER_POL z\n");
     const OUTCOME run = RunController({"-LOOKS_GR", "-dem", "-X", "-1e-6", "-looks_RG", "5"},
-                            [](CONTROLLER_IFC& controller) { controller.WarnAboutMistypedKeys(); });
+                                      [](CONTROLLER_IFC& controller) { controller.WarnAboutMistypedKeys(); });
     EXPECT_THAT(run.log, EndsWith("WARN  : global : unknown parameter LOOKS_GR: is LOOKS_RG meant?\n"
                                   "WARN  : global : unknown parameter MASTER_POL: is MASTER_POOL meant?\n"
                                   "WARN  : global : unknown parameter looks_RG: is LOOKS_RG meant?\n"

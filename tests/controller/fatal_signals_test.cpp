@@ -129,7 +129,8 @@ TEST_F(FatalSignalsTest, AScreenThatTakesNothingDoesNotHoldTheEndUp) {
         if (pipe(ends) != 0 || dup2(ends[1], STDOUT_FILENO) < 0) _exit(9);
         Prepare();
         std::thread([] {
-            for (;;) Log().Message(LOGGING_LEVEL::INFO, "this thread soon waits for the pipe, with the lock in its hands");
+            for (;;)
+                Log().Message(LOGGING_LEVEL::INFO, "this thread soon waits for the pipe, with the lock in its hands");
         }).detach();
         usleep(50000);
         raise(SIGTERM);

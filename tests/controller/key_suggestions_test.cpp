@@ -16,19 +16,19 @@ TEST(SuggestedKey, AllowsMoreEditsForLongerKeys) {
         {"MASTER_POOOL", "MASTER_POOL"},
         {"master_pool", "MASTER_POOL"},
         {"Mastr_Pol", "MASTER_POOL"},
-        {"MSTR_POL", ""},                // three letters lost
+        {"MSTR_POL", ""},  // three letters lost
         {"LOKS_R", "LOOKS_RG"},
         {"log_p", "log_pp"},
         {"LOG_PP", "log_pp"},
         {"lgo_pp", "log_pp"},
-        {"lo_p", ""},                    // two edits in six letters
-        {"Z_EARTH", "X_EARTH"},          // equally close to two: the first
+        {"lo_p", ""},            // two edits in six letters
+        {"Z_EARTH", "X_EARTH"},  // equally close to two: the first
         {"dem", "DEM"},
-        {"DEN", ""},                     // short keys: capitals and small letters only
+        {"DEN", ""},  // short keys: capitals and small letters only
         {"PID", "pid"},
         {"1e-6", ""},
-        {"#MASTER_POOL", ""},            // a comment
-        {"GAMMA_THRESHOLD", ""},         // another program's
+        {"#MASTER_POOL", ""},     // a comment
+        {"GAMMA_THRESHOLD", ""},  // another program's
         {"", ""},
     };
     for (const CASE& c : cases) EXPECT_EQ(SuggestedKey(c.word, known), c.key) << c.word;

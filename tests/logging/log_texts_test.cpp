@@ -15,8 +15,14 @@ TEST(Printable, ShowsControlBytesAndLeavesTextAlone) {
         {std::string("nul\0byte", 8), "nul\\x00byte"},
         {"\x7f", "\\x7F"},
         {"M\xc3\xbcnchen \xe2\x82\xac", "M\xc3\xbcnchen \xe2\x82\xac"},  // the euro sign contains byte 0x82
-        {"csi \xc2\x9b" "7m", "csi \xc2\\x9B" "7m"},                  // U+009B does what escape and [ do
-        {"raw \x9b" "7m", "raw \\x9B" "7m"},
+        {"csi \xc2\x9b"
+         "7m",
+         "csi \xc2\\x9B"
+         "7m"},  // U+009B does what escape and [ do
+        {"raw \x9b"
+         "7m",
+         "raw \\x9B"
+         "7m"},
     };
     for (const CASE& c : cases) EXPECT_EQ(Printable(c.text), c.shown);
 }

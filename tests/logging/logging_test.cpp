@@ -103,7 +103,8 @@ TEST_F(LoggingTest, StreamFormWritesValuesWithoutEmphasis) {
     char from_outside[] = "c\033d";
     const auto line = [&from_outside] {
         Log() << LOGGING_LEVEL::ALARM << "text\t" << std::string("a\nb") << from_outside << ' ' << -3 << ' '
-              << 4'000'000'000U << ' ' << -5'000'000'000L << ' ' << 18'446'744'073'709'551'615ULL << ' ' << 0.25 << "\n";
+              << 4'000'000'000U << ' ' << -5'000'000'000L << ' ' << 18'446'744'073'709'551'615ULL << ' ' << 0.25
+              << "\n";
     };
     const std::string expected =
         "ALARM : global : text\ta\\x0Abc\\x1Bd -3 4000000000 -5000000000 18446744073709551615 0.25\n";
@@ -123,9 +124,8 @@ TEST_F(LoggingTest, ANullTextStopsTheStreamFormOnTheScreen) {
 }
 
 TEST_F(LoggingTest, AValueCannotForgeALine) {
-    const std::string screen = Screen([] {
-        Log().Message(LOGGING_LEVEL::INFO, "value %s", "x\nALARM : global : ORQ_MSG|ERROR|velmora\033[7m%n");
-    });
+    const std::string screen = Screen(
+        [] { Log().Message(LOGGING_LEVEL::INFO, "value %s", "x\nALARM : global : ORQ_MSG|ERROR|velmora\033[7m%n"); });
     EXPECT_EQ(screen, "INFO  : global : value x\\x0AALARM : global : ORQ_MSG|ERROR|velmora\\x1B[7m%n\n");
 }
 
@@ -134,17 +134,19 @@ TEST_F(LoggingTest, NothingMayBeLoggedAtNoMessage) {
         Log().Message(LOGGING_LEVEL::NO_MESSAGE, "x");
         FAIL();
     } catch (const char* text) {
-        EXPECT_STREQ(text,
-                     "LOGGING::Message: logging not allowed in level NO_MESSAGE. This level is only provided to totally "
-                     "turn off screen logging.");
+        EXPECT_STREQ(
+            text,
+            "LOGGING::Message: logging not allowed in level NO_MESSAGE. This level is only provided to totally "
+            "turn off screen logging.");
     }
     try {
         Log() << LOGGING_LEVEL::NO_MESSAGE;
         FAIL();
     } catch (const char* text) {
-        EXPECT_STREQ(text,
-                     "LOGGING::operator << (LOGGING_LEVEL_T): logging not allowed in level NO_MESSAGE. This level is only "
-                     "provided to totally turn off screen logging.");
+        EXPECT_STREQ(
+            text,
+            "LOGGING::operator << (LOGGING_LEVEL_T): logging not allowed in level NO_MESSAGE. This level is only "
+            "provided to totally turn off screen logging.");
     }
 }
 
@@ -173,9 +175,9 @@ TEST_F(LoggingTest, TheTemporaryFileMovesIntoTheFinalOneBehindItsOldContent) {
 
 TEST_F(LoggingTest, ALostTemporaryFileIsTold) {
     unlink(temporary_.c_str());
-    EXPECT_EQ(Screen([this] { UseFile(); }),
+    EXPECT_EQ(Screen([this] { UseFile(); }), "INFO  : global :  can not reopen tmp logging file: " + temporary_ + "\n");
+    EXPECT_EQ(Content(folder_ + "/log.test"),
               "INFO  : global :  can not reopen tmp logging file: " + temporary_ + "\n");
-    EXPECT_EQ(Content(folder_ + "/log.test"), "INFO  : global :  can not reopen tmp logging file: " + temporary_ + "\n");
 }
 
 TEST_F(LoggingTest, WithoutALogFileTheScreenStays) {

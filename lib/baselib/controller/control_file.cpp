@@ -40,7 +40,9 @@ std::optional<CONTROL_FILE::ENTRY> CONTROL_FILE::NextEntry() {
     return ENTRY{key, value};
 }
 
-void CONTROL_FILE::Rewind() { std::rewind(stream_.get()); }
+void CONTROL_FILE::Rewind() {
+    std::rewind(stream_.get());
+}
 
 std::vector<std::string> CONTROL_FILE::Keys() {
     std::vector<std::string> keys;

@@ -2,7 +2,8 @@
 /// The process control file: lines of a key and a value, divided by blanks; what follows the second word is ignored. It
 /// may serve many programs, so keys that nobody here knows are nobody's business.
 ///
-///     file := { line };  line := key [ value [ anything ] ] "\n"      at most 1024 characters, a longer line is cut and
+///     file := { line };  line := key [ value [ anything ] ] "\n"      at most 1024 characters, a longer line is cut
+///     and
 ///                                                                     its rest is the next line
 ///
 /// Reading goes on where it stopped: keys asked in the order of the file cost one pass in total.

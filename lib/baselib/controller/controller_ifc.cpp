@@ -129,7 +129,9 @@ std::string CONTROLLER_IFC::get_parameter(const std::string& name) {
     return Lookup(name, value) ? value : AskKeyboard(name);
 }
 
-bool CONTROLLER_IFC::get_optional_parameter(const std::string& name, std::string& value) { return Lookup(name, value); }
+bool CONTROLLER_IFC::get_optional_parameter(const std::string& name, std::string& value) {
+    return Lookup(name, value);
+}
 
 bool CONTROLLER_IFC::parameter_exists(const std::string& name) {
     std::string scratch;
@@ -195,7 +197,7 @@ std::string CONTROLLER_IFC::AskKeyboard(const std::string& name) {
     alarm(static_cast<unsigned>(seconds));
     std::printf("%s := ", name.c_str());
     std::fflush(stdout);
-    const std::string value = WordFromKeyboard();
+    std::string value = WordFromKeyboard();
     alarm(0);
     if (value.empty()) EndWithError("end of input at the keyboard: no value of parameter " + name);
     RequireFitting(name, value);
@@ -263,9 +265,13 @@ int CONTROLLER_IFC::set_status_error() {
     return kStatusError;
 }
 
-void CONTROLLER_IFC::exit_success() { std::exit(set_status_success()); }
+void CONTROLLER_IFC::exit_success() {
+    std::exit(set_status_success());
+}
 
-void CONTROLLER_IFC::exit_error() { std::exit(set_status_error()); }
+void CONTROLLER_IFC::exit_error() {
+    std::exit(set_status_error());
+}
 
 void CONTROLLER_IFC::RequireFitting(const std::string& name, const std::string& text) {
     if (text.size() <= kLongestText) return;

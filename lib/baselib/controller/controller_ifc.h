@@ -1,7 +1,7 @@
 /// \file controller_ifc.h
 /// The link to whatever starts the program: a human at a shell or a processing chain. Resolves parameters from argument
-/// list, control file, environment and keyboard, in this order; decides the names of control, log and status files; tells
-/// the chain through status files how the run ended; honours a STOP file; reacts to fatal signals.
+/// list, control file, environment and keyboard, in this order; decides the names of control, log and status files;
+/// tells the chain through status files how the run ended; honours a STOP file; reacts to fatal signals.
 ///
 /// One object per process, on the main thread. Nothing here throws: what cannot go on ends the process, with a line at
 /// ALARM that says why, the controller message line and status 1. Values and paths have at most 255 characters.
@@ -27,8 +27,8 @@ class CONTROLLER_IFC {
     /// The keys that the program reads, for the recognition of mistyped ones. Call before init().
     void SetKnownKeys(std::vector<std::string> keys) { known_keys_ = std::move(keys); }
 
-    /// Resolves names and paths, opens the control file, moves the log to its final file, sets the log's thresholds. Ends
-    /// the process with status 2 on a STOP file; otherwise the ERROR status file exists from here on.
+    /// Resolves names and paths, opens the control file, moves the log to its final file, sets the log's thresholds.
+    /// Ends the process with status 2 on a STOP file; otherwise the ERROR status file exists from here on.
     /// @param controller_messages fatal signals also produce the controller message line
     void init(int argc, char** argv, bool controller_messages);
 

@@ -1,9 +1,9 @@
 #include "lib/baselib/controller/fatal_signals.h"
 
-#include <csignal>
 #include <unistd.h>
 
 #include <atomic>
+#include <csignal>
 
 #include "lib/baselib/controller/status_files.h"
 #include "lib/baselib/logging/log_texts.h"
@@ -12,8 +12,8 @@
 namespace {
 
 /// In the order of installation; SIGIOT and SIGABRT are one number. SIGURG is no mistake: a chain may send it.
-constexpr int kFatalSignals[] = {SIGHUP, SIGINT, SIGQUIT, SIGILL,  SIGIOT, SIGABRT, SIGFPE,
-                                 SIGBUS, SIGSEGV, SIGSYS, SIGTERM, SIGURG, SIGXCPU, SIGXFSZ};
+constexpr int kFatalSignals[] = {SIGHUP, SIGINT,  SIGQUIT, SIGILL,  SIGIOT, SIGABRT, SIGFPE,
+                                 SIGBUS, SIGSEGV, SIGSYS,  SIGTERM, SIGURG, SIGXCPU, SIGXFSZ};
 
 std::atomic<const FATAL_SIGNAL_REACTION*> registered{nullptr};
 static_assert(std::atomic<const FATAL_SIGNAL_REACTION*>::is_always_lock_free);
@@ -22,8 +22,8 @@ std::string GotFatalSignal(int number) {
     return "got fatal signal " + std::to_string(number) + ": " + SignalText(number);
 }
 
-/// "got fatal signal ..." by number; built before the handler is installed, and never destroyed: a signal may come while
-/// the process is already leaving through exit().
+/// "got fatal signal ..." by number; built before the handler is installed, and never destroyed: a signal may come
+/// while the process is already leaving through exit().
 using SIGNAL_LINES = std::array<std::string, kSignalCount>;
 std::atomic<const SIGNAL_LINES*> reason_lines{nullptr};
 
@@ -138,4 +138,6 @@ void InstallFatalSignalHandlers() {
     for (const int number : kFatalSignals) sigaction(number, &action, nullptr);
 }
 
-void RegisterForFatalSignals(const FATAL_SIGNAL_REACTION* reaction) noexcept { registered = reaction; }
+void RegisterForFatalSignals(const FATAL_SIGNAL_REACTION* reaction) noexcept {
+    registered = reaction;
+}

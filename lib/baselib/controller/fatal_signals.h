@@ -1,14 +1,15 @@
 /// \file fatal_signals.h
-/// The reaction to fatal signals: two ALARM lines, the ERROR status file, status 1; status 255 while nobody is registered.
+/// The reaction to fatal signals: two ALARM lines, the ERROR status file, status 1; status 255 while nobody is
+/// registered.
 ///
-/// The handler may run on any thread, while any thread (its own included) holds the logging lock, an allocator's lock or
-/// a stream's lock. A handler that logs through mutex and buffered streams and leaves by exit() hung in 95 of 100 runs
-/// under load. This one therefore makes async-signal-safe calls only, on texts that are complete before a signal can
-/// come: it waits for another thread's line for a bounded time, writes its own lines with write(), the status file with
-/// open() and write(), and leaves with _exit(). Log lines are unbuffered, so nothing is lost by that.
+/// The handler may run on any thread, while any thread (its own included) holds the logging lock, an allocator's lock
+/// or a stream's lock. A handler that logs through mutex and buffered streams and leaves by exit() hung in 95 of 100
+/// runs under load. This one therefore makes async-signal-safe calls only, on texts that are complete before a signal
+/// can come: it waits for another thread's line for a bounded time, writes its own lines with write(), the status file
+/// with open() and write(), and leaves with _exit(). Log lines are unbuffered, so nothing is lost by that.
 ///
-/// A second signal: on the same thread it is blocked while the handler runs, another thread's handler waits for the end.
-/// A fault inside the handler ends the process by that signal, with the ERROR file of the start left behind.
+/// A second signal: on the same thread it is blocked while the handler runs, another thread's handler waits for the
+/// end. A fault inside the handler ends the process by that signal, with the ERROR file of the start left behind.
 
 #pragma once
 

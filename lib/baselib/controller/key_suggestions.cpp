@@ -10,7 +10,9 @@ std::string UpperCase(std::string text) {
     return text;
 }
 
-size_t AllowedEdits(const std::string& key) { return key.size() <= 3 ? 0 : key.size() <= 7 ? 1 : 2; }
+size_t AllowedEdits(const std::string& key) {
+    return key.size() <= 3 ? 0 : key.size() <= 7 ? 1 : 2;
+}
 
 /// Number of edits between two texts: the optimal string alignment distance, by rows of the usual table.
 size_t Edits(const std::string& a, const std::string& b) {
@@ -41,7 +43,9 @@ size_t EditsWhenClose(const std::string& word, const std::string& key) {
 
 }  // namespace
 
-bool IsClose(const std::string& word, const std::string& key) { return EditsWhenClose(word, key) <= AllowedEdits(key); }
+bool IsClose(const std::string& word, const std::string& key) {
+    return EditsWhenClose(word, key) <= AllowedEdits(key);
+}
 
 std::string SuggestedKey(const std::string& word, const std::vector<std::string>& known_keys) {
     if (word.empty() || std::isalpha(static_cast<unsigned char>(word[0])) == 0) return "";

@@ -32,7 +32,9 @@ bool WriteStatusFile(const char* path, char digit) noexcept {
     return close(descriptor) == 0 && written;
 }
 
-void RemoveStatusFile(const char* path) noexcept { unlink(path); }
+void RemoveStatusFile(const char* path) noexcept {
+    unlink(path);
+}
 
 bool CanBeRead(const char* path) noexcept {
     const int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);

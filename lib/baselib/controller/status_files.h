@@ -1,12 +1,12 @@
 /// \file status_files.h
-/// The small files that tell a processing chain how a run ended. Their folder may be writable for others, so a link (or a
-/// named pipe, or a file that has a second name elsewhere) planted under the name is replaced, never followed. All
+/// The small files that tell a processing chain how a run ended. Their folder may be writable for others, so a link (or
+/// a named pipe, or a file that has a second name elsewhere) planted under the name is replaced, never followed. All
 /// functions are async-signal-safe.
 
 #pragma once
 
-/// Makes the file hold exactly this digit, without a line end. An ordinary file is rewritten in place, so that there is no
-/// moment without it: a run that is killed leaves its ERROR file behind.
+/// Makes the file hold exactly this digit, without a line end. An ordinary file is rewritten in place, so that there is
+/// no moment without it: a run that is killed leaves its ERROR file behind.
 /// @return false when it cannot be written
 [[nodiscard]] bool WriteStatusFile(const char* path, char digit) noexcept;
 

@@ -38,8 +38,9 @@ bool LOG_OUTPUT::Write(std::string_view text) {
     const int descriptor = descriptor_;
     if (text.empty()) return true;
     if (descriptor < 0) return false;
-    // Threads write without a lock, so their order here and in the file may differ. An open line is marked on both sides
-    // of its write, a whole one before it only: the mark may err towards "open" (an empty line), never towards "ended".
+    // Threads write without a lock, so their order here and in the file may differ. An open line is marked on both
+    // sides of its write, a whole one before it only: the mark may err towards "open" (an empty line), never towards
+    // "ended".
     const bool opens = text.back() != '\n';
     line_is_open_ = opens;
     const bool complete = WriteAll(descriptor, text);
@@ -56,6 +57,7 @@ void LOG_OUTPUT::WriteLineFromHandler(std::string_view line, int patience_ms) no
         return;
     }
     // A failing output is given up silently: this is the last thing that the process does.
-    if (line_is_open_.exchange(false)) [[maybe_unused]] const ssize_t ended = write(descriptor, "\n", 1);
+    if (line_is_open_.exchange(false)) [[maybe_unused]]
+        const ssize_t ended = write(descriptor, "\n", 1);
     [[maybe_unused]] const ssize_t written = write(descriptor, line.data(), line.size());
 }

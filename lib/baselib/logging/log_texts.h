@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-/// The text with every control byte shown as \xNN (also the two-byte forms U+0080..U+009F, which terminals obey), so that
-/// a value from outside can neither forge a line nor colour the terminal. Other UTF-8 text passes.
+/// The text with every control byte shown as \xNN (also the two-byte forms U+0080..U+009F, which terminals obey), so
+/// that a value from outside can neither forge a line nor colour the terminal. Other UTF-8 text passes.
 [[nodiscard]] std::string Printable(std::string_view text);
 
 /// "execution time:" and each non-zero part, or " less than 1 second"; a clock set back counts as 0 s.

@@ -23,7 +23,9 @@ constexpr std::array<const char*, 9> kEmphasis = {"", "", "", "", "", "", "\033[
 constexpr const char* kEmphasisOff = "\033[0m";
 constexpr const char* kRule = "***********************************************************";
 
-size_t RowOf(int level) { return static_cast<size_t>(std::clamp(level, 0, 8)); }
+size_t RowOf(int level) {
+    return static_cast<size_t>(std::clamp(level, 0, 8));
+}
 
 std::atomic<LOGGING*> the_logging{nullptr};
 std::mutex lifetime_mutex;
@@ -179,10 +181,18 @@ LOGGING& LOGGING::operator<<(char value) {
     return *this;
 }
 
-LOGGING& LOGGING::operator<<(int value) { return *this << static_cast<long long>(value); }
-LOGGING& LOGGING::operator<<(long value) { return *this << static_cast<long long>(value); }
-LOGGING& LOGGING::operator<<(unsigned int value) { return *this << static_cast<unsigned long long>(value); }
-LOGGING& LOGGING::operator<<(unsigned long value) { return *this << static_cast<unsigned long long>(value); }
+LOGGING& LOGGING::operator<<(int value) {
+    return *this << static_cast<long long>(value);
+}
+LOGGING& LOGGING::operator<<(long value) {
+    return *this << static_cast<long long>(value);
+}
+LOGGING& LOGGING::operator<<(unsigned int value) {
+    return *this << static_cast<unsigned long long>(value);
+}
+LOGGING& LOGGING::operator<<(unsigned long value) {
+    return *this << static_cast<unsigned long long>(value);
+}
 
 LOGGING& LOGGING::operator<<(long long value) {
     Append(std::to_string(value));
@@ -301,15 +311,17 @@ void LOGGING::Footer() {
     WriteLine(LOGGING_LEVEL::INFO, kRule);
 }
 
-void LOGGING::Flush() { std::fflush(stdout); }
+void LOGGING::Flush() {
+    std::fflush(stdout);
+}
 
 void LOGGING::BeginEmergency() noexcept {
     constexpr int kPatienceMs = 200;
     constexpr timespec kOneMillisecond = {0, 1'000'000};
     emergency = true;
-    // Bounded, because the writer may never come to its end: its terminal may be stopped, its pipe full. The handler's own
-    // thread may have been interrupted within a write, too; that one is not waited for. Whoever holds the mutex without
-    // writing, or waits for it, writes nothing any more, hence the mutex itself need not be taken.
+    // Bounded, because the writer may never come to its end: its terminal may be stopped, its pipe full. The handler's
+    // own thread may have been interrupted within a write, too; that one is not waited for. Whoever holds the mutex
+    // without writing, or waits for it, writes nothing any more, hence the mutex itself need not be taken.
     for (int waited_ms = 0; waited_ms < kPatienceMs && active_writers > this_thread_writes; ++waited_ms)
         nanosleep(&kOneMillisecond, nullptr);
 }
