@@ -82,10 +82,10 @@ void POOL_UPDATE::Run(const PARAMETER_POOL_LIST& items) {
 
 void POOL_UPDATE::LockPool() {
     constexpr int kAttempts = 200;
-    constexpr useconds_t kPause_us = 50'000;
+    constexpr useconds_t kPauseMicroseconds = 50'000;
     for (int attempt = 1; flock(fileno(pool_), LOCK_EX | LOCK_NB) != 0; ++attempt) {
         if ((errno == EWOULDBLOCK || errno == EINTR) && attempt < kAttempts) {
-            usleep(kPause_us);
+            usleep(kPauseMicroseconds);
             continue;
         }
         const STEP_FAILED failure{"locking the pool", errno};
