@@ -1,8 +1,8 @@
 /// \file cheby_poly.h
 /// One least-squares fit over all support points in Chebyshev polynomials of u = (x - centre) / half width, -1..1 over
 /// the data.
-/// Accuracy: as POLYNOM_FIT, but well-conditioned also at high orders, as long as the order stays well below the number
-/// of points.
+/// Accuracy: as POLYNOM_FIT, but without dropped singular values also at high orders, as long as the order stays below
+/// about half the number of points (first drop: order 33 of 40 equidistant points, 50 of 84).
 
 #pragma once
 

@@ -3,7 +3,8 @@
 ///   f = sum over k = 0 .. order / 2 of C(q + k, 2 k + 1) d(i, 2k) + C(p + k, 2 k + 1) d(i + 1, 2k),
 /// i the cell's left point, p = (x - x(i)) / h, q = 1 - p, d(i, 2k) the central difference of order 2k at point i.
 /// Accuracy: exact up to degree order + 1 in cells with order / 2 points on either side of them. A central difference
-/// that the grid does not reach takes the nearest computed one of its order; the results at the ends are poorer by that.
+/// that the grid does not reach takes the nearest computed one of its order; the results within order / 2 steps of the
+/// ends are poorer by that, and order 0 has no slope from the last point on.
 /// Threads: queries are safe; their lines in the log are limited to kMaxLines of each kind per interpolator.
 
 #pragma once

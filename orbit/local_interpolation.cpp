@@ -58,7 +58,7 @@ void LOCAL_INTERPOLATION<T, I, P>::CreatePiece(const ARRAY<P>& points, int index
     if (!last) joints_.push_back(stop);
     const int index_start = points.First() + index;
     POLY_REF<T, I, P> piece(index_start, index_start + point_count - 1, start, stop);
-    Log().Message(LOGGING_LEVEL::PARAMETER, "idx_start=%d idx_stop=%d t_start=%.17g t_stop=%.17g", piece.IndexStart(),
+    Log().Message(LOGGING_LEVEL::PARAMETER, "idx_start=%d idx_stop=%d t_start=%.15g t_stop=%.15g", piece.IndexStart(),
                   piece.IndexStop(), static_cast<double>(start), static_cast<double>(stop));
     I& interpolator = piece.Interpolator();
     interpolator.SetOrder(order_);

@@ -40,7 +40,7 @@ T SVDFIT<T, F>::Fit(std::span<const T> x, std::span<const T> y, std::span<const 
     DropSmallSingularValues();
     NUMERICS::svbksb(u_, w_, v_, data_count_, coefficient_count_, b_, a_, basis_);
     std::copy(a_ + 1, a_ + 1 + coefficient_count_, coefficients.begin());
-    return ChiSquare(x, y, sigma);
+    return chi_square_ = ChiSquareOf(x, y, sigma);
 }
 
 template <class T, class F>
@@ -66,7 +66,7 @@ void SVDFIT<T, F>::DropSmallSingularValues() {
 }
 
 template <class T, class F>
-T SVDFIT<T, F>::ChiSquare(std::span<const T> x, std::span<const T> y, std::span<const T> sigma) {
+T SVDFIT<T, F>::ChiSquareOf(std::span<const T> x, std::span<const T> y, std::span<const T> sigma) {
     T sum = 0;
     for (size_t point = 0; point < x.size(); ++point) {
         F::Fill(x[point], basis_, coefficient_count_);

@@ -32,19 +32,21 @@ class SVDFIT {
     /// @return chi-square: the sum of ((y - fit) / sigma)^2
     T Fit(std::span<const T> x, std::span<const T> y, std::span<const T> sigma, std::span<T> coefficients);
 
-    /// Singular values that the last fit dropped.
+    /// Of the last fit: chi-square, and the number of singular values dropped.
+    T ChiSquare() const { return chi_square_; }
     int DroppedCount() const { return dropped_count_; }
 
   private:
     void Release();
     void FillDesignMatrix(std::span<const T> x, std::span<const T> y, std::span<const T> sigma);
     void DropSmallSingularValues();
-    T ChiSquare(std::span<const T> x, std::span<const T> y, std::span<const T> sigma);
+    T ChiSquareOf(std::span<const T> x, std::span<const T> y, std::span<const T> sigma);
 
     // All addressed from index 1.
     int data_count_ = 0;
     int coefficient_count_ = 0;
     int dropped_count_ = 0;
+    T chi_square_ = 0;
     T** u_ = nullptr;     ///< data x coefficients
     T** v_ = nullptr;     ///< coefficients x coefficients
     T* w_ = nullptr;      ///< singular values

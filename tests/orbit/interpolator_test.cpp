@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <memory>
+#include <thread>
 
 #include "lib/baselib/errors/error_exception.h"
 #include "orbit/everett.h"
@@ -262,6 +262,25 @@ TEST(Interpolators, FloatErrsByTheRoundingOfInputAndResult) {
     SPLINE<float> spline;
     spline.Create(SamplesOf<POINT<float>>(NaturalSpline(0, 6), Grid(0, 1, 6)));
     for (float x = 0; x <= 5; x += 0.125F) ExpectAgrees(spline, NaturalSpline(0, 6), x, {1e-5, 1e-5, 1e-5});
+}
+
+TEST(Interpolators, AnswerManyThreadsAsTheyAnswerOne) {
+    const CLOSED_FORM sine = SineOf(7e6L, 1e-3L);
+    EVERETT<double> everett;
+    LOCAL_HERMITE hermite;
+    everett.Create(SamplesOf<POINT<double>>(sine, Grid(0, 10, 16)), 8, -1);
+    hermite.Create(SamplesOf<DPOINT<double>>(sine, Grid(0, 10, 16)), -1, 6);
+    const auto sum = [&] {
+        double total = 0;
+        for (double x = 0; x <= 150; x += 0.5) total += everett.Value(x) + hermite.SecondDerivative(x);
+        return total;
+    };
+    const double expected = sum();
+    std::vector<double> totals(4);
+    std::vector<std::thread> threads;
+    for (double& total : totals) threads.emplace_back([&] { total = sum(); });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(totals, std::vector<double>(4, expected));
 }
 
 }  // namespace
