@@ -70,7 +70,7 @@ void EVERETT<T>::FillDifferences() {
     for (int k = 0; k < columns; ++k) {
         for (int i = 0; i <= count; ++i) {
             const double nearest = column[static_cast<size_t>(std::clamp(i, k, count - 1 - k))];
-            differences_[static_cast<size_t>(i * columns + k)] = nearest;
+            differences_[static_cast<size_t>(i) * static_cast<size_t>(columns) + static_cast<size_t>(k)] = nearest;
             magnitude = std::max(magnitude, std::fabs(nearest));
         }
         const std::vector<double> last = column;
@@ -123,7 +123,7 @@ void EVERETT<T>::Evaluate(T x, T& value, T& first, T& second) const {
     if (!reach_.Holds(static_cast<double>(x))) RefuseQuery("EVERETT", static_cast<double>(x));
     const CELL cell = GetXi(x);
     const int columns = order_ / 2 + 1;
-    const double* const left = &differences_[static_cast<size_t>(cell.index * columns)];
+    const double* const left = &differences_[static_cast<size_t>(cell.index) * static_cast<size_t>(columns)];
     const double* const right = left + columns;
     JET of_p{cell.p, 1, 0};
     JET of_q{cell.q, 1, 0};

@@ -47,9 +47,9 @@ class INTERPOLATION {
   protected:
     INTERPOLATION() = default;
     INTERPOLATION(const INTERPOLATION&) = default;
-    INTERPOLATION(INTERPOLATION&&) = default;
+    INTERPOLATION(INTERPOLATION&&) noexcept = default;
     INTERPOLATION& operator=(const INTERPOLATION&) = default;
-    INTERPOLATION& operator=(INTERPOLATION&&) = default;
+    INTERPOLATION& operator=(INTERPOLATION&&) noexcept = default;
 };
 
 extern template class INTERPOLATION<float, POINT<float>>;

@@ -16,6 +16,7 @@ constexpr long kSlack = 1;
 /// allow: hence the address as an integer.
 template <class T>
 T* Indexed(T* element, long index) {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr)
     return reinterpret_cast<T*>(reinterpret_cast<std::uintptr_t>(element) -
                                 static_cast<std::uintptr_t>(index) * sizeof(T));
 }

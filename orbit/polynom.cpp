@@ -11,6 +11,7 @@ namespace {
 std::vector<size_t> LejaOrder(const std::vector<double>& x, double scale) {
     const double middle = (x.front() + x.back()) / 2;
     std::vector<double> score;
+    score.reserve(x.size());
     for (const double node : x) score.push_back(std::fabs(node - middle));
     std::vector<size_t> order;
     std::vector<bool> chosen(x.size(), false);

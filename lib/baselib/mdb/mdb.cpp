@@ -124,7 +124,7 @@ bool MDB::Read() {
     const long long start = SkipEmptyLines();
     if (start >= file_.Size()) return false;
     const MDB_RECORD record = RecordAt(start);
-    if (!current_.IsEmpty() && CompareValues(current_.KeyItem(), record.KeyItem()) > 0)
+    if (!current_.IsEmpty() && std::is_gt(CompareValues(current_.KeyItem(), record.KeyItem())))
         RefuseRecord(start, "the records are not in the order of their keys");
     current_ = record;
     return true;
@@ -148,7 +148,7 @@ void MDB::CheckCanFollowLast(const MDB_RECORD& record) {
     const long long last = LastRecordStart();
     const MDB_RECORD before = RecordAt(last < 0 ? 0 : last);
     if (file_.Position() < file_.Size()) RefuseRecord(file_.Position(), "unexpected lines behind the last record");
-    if (CompareValues(before.KeyItem(), record.KeyItem()) > 0) throw "MDB::Write(): key lies before the last record";
+    if (std::is_gt(CompareValues(before.KeyItem(), record.KeyItem()))) throw "MDB::Write(): key lies before the last record";
 }
 
 void MDB::CheckCanSearch() const {
@@ -180,7 +180,7 @@ MDB_RECORD MDB::RecordAt(long long position) {
     const RECORD_ITEM key = KeyAt(position);
     MDB_RECORD record = record_type_;
     for (int i = 0; i < record.Count(); ++i) ReadItem(record.Item(i), true);
-    if (CompareValues(key, record.KeyItem()) != 0) RefuseRecord(position, "the key and the key item differ");
+    if (std::is_neq(CompareValues(key, record.KeyItem()))) RefuseRecord(position, "the key and the key item differ");
     return record;
 }
 

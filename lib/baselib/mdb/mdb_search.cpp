@@ -63,7 +63,7 @@ MDB::NEIGHBOURS MDB::FindNeighbours(const RECORD_ITEM& key, SIDE side) {
             continue;
         }
         const auto order = CompareValues(KeyAt(start), key);
-        const bool is_after = side == SIDE::EQUAL_IS_AFTER ? order >= 0 : order > 0;
+        const bool is_after = side == SIDE::EQUAL_IS_AFTER ? std::is_gteq(order) : std::is_gt(order);
         if (is_after) {
             neighbours.after = start;
             high = middle;
@@ -104,7 +104,7 @@ long long MDB::FindAfter(const RECORD_ITEM& key) {
 
 long long MDB::FindExact(const RECORD_ITEM& key) {
     const long long found = FindNeighbours(key, SIDE::EQUAL_IS_AFTER).after;
-    if (found >= 0 && CompareValues(KeyAt(found), key) == 0) return found;
+    if (found >= 0 && std::is_eq(CompareValues(KeyAt(found), key))) return found;
     Log().Message(LOGGING_LEVEL::ALARM, "MDB::GotoRecord( mdb_stop_exact ) : search_value not found");
     throw "search_value not found";
 }
@@ -117,7 +117,7 @@ long long MDB::FindNearest(const RECORD_ITEM& key) {
     }
     // Equality first: two times may differ by less than their distance in seconds can show.
     const RECORD_ITEM after = KeyAt(neighbours.after);
-    const bool equal = CompareValues(after, key) == 0;
+    const bool equal = std::is_eq(CompareValues(after, key));
     if (neighbours.before < 0 && !equal) {
         LogFarAway("we are at the beginning of the data file ", "therefore I give you the first record ");
         return neighbours.after;
