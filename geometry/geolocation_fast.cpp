@@ -12,6 +12,7 @@ namespace {
 
 constexpr double kTolerance = 1e-9;  ///< metres for radius and range, metres per second for Doppler
 constexpr int kMaxSteps = 21;
+constexpr double kLongestTimeSeconds = 1e6;
 
 struct ARGUMENTS {
     VECTOR_3D<double> position_m;
@@ -101,8 +102,7 @@ WORKSPACE LocalFrame(const ARGUMENTS& arguments) {
     work.e3 = (1.0 / across_velocity_m_s) * across;
     work.e2 = CrossProduct(work.e3, work.e1);
     // A time from a damaged pool must not overflow; beyond the bound no sphere reaches the Earth anyway.
-    constexpr double kLongestTime_s = 1e6;
-    work.range_m = std::clamp(arguments.fast_time_s, -kLongestTime_s, kLongestTime_s) * kSpeedOfLight * 0.5;
+    work.range_m = std::clamp(arguments.fast_time_s, -kLongestTimeSeconds, kLongestTimeSeconds) * kSpeedOfLight * 0.5;
     return work;
 }
 

@@ -6,6 +6,10 @@
 
 namespace {
 
+constexpr double kForwardLimitRadians = 7.0 * kRadiansPerDegree;  ///< a margin to the promised 6 degrees
+constexpr double kForwardToleranceMetres = 1e-7;
+constexpr int kForwardMaxSteps = 20;
+
 double InOneTurn(double angle_rad) {
     while (angle_rad < -kPi) angle_rad += kTwoPi;
     while (angle_rad > kPi) angle_rad -= kTwoPi;
@@ -19,7 +23,7 @@ UTM_PROJECTION::UTM_PROJECTION(double a_m, double e2, int zone, bool southern_he
       e2_(e2),
       ep2_(e2 / (1.0 - e2)),
       central_meridian_rad_((6.0 * zone - 183.0) * kRadiansPerDegree),
-      false_northing_m_(southern_hemisphere ? kUtmFalseNorthingSouth_m : 0.0),
+      false_northing_m_(southern_hemisphere ? kUtmFalseNorthingSouthMetres : 0.0),
       rectifying_radius_m_(a_m * (1.0 - e2 / 4.0 - 3.0 * e2 * e2 / 64.0 - 5.0 * e2 * e2 * e2 / 256.0)) {
     // Snyder, eqs. 3-24 and 3-26.
     const double e1 = (1.0 - std::sqrt(1.0 - e2)) / (1.0 + std::sqrt(1.0 - e2));
@@ -94,13 +98,9 @@ MAP_POSITION UTM_PROJECTION::ForwardSeries(const MAP_GEOGRAPHIC& position) const
 }
 
 MAP_POSITION UTM_PROJECTION::Forward(const MAP_GEOGRAPHIC& position) const {
-    constexpr double kLongitudeLimit_rad = 7.0 * kRadiansPerDegree;  // a margin to the promised 6
-    constexpr double kTolerance_m = 1e-7;
-    constexpr int kMaxSteps = 20;
-
     MAP_POSITION map = ForwardSeries(position);
     const double delta_lambda = InOneTurn(position.longitude_rad - central_meridian_rad_);
-    if (std::abs(delta_lambda) > kLongitudeLimit_rad) return map;
+    if (std::abs(delta_lambda) > kForwardLimitRadians) return map;
 
     // Newton's method on Inverse with the slope of the conformal map itself: a rotation by the grid convergence and the
     // scale of the central meridian. The true scale differs from it by 1e-3 or so, hence each step wins three digits.
@@ -110,13 +110,13 @@ MAP_POSITION UTM_PROJECTION::Forward(const MAP_GEOGRAPHIC& position) const {
     const double parallel_radius_m = a_m_ / std::sqrt(w2) * cos_phi;
     const double meridian_radius_m = a_m_ * (1.0 - e2_) / (w2 * std::sqrt(w2));
     const double convergence_rad = std::atan(std::tan(delta_lambda) * sin_phi);
-    for (int step = 0; step < kMaxSteps; ++step) {
+    for (int step = 0; step < kForwardMaxSteps; ++step) {
         const MAP_GEOGRAPHIC reached = Inverse(map);
         const double east_m = scale_ * parallel_radius_m * InOneTurn(position.longitude_rad - reached.longitude_rad);
         const double north_m = scale_ * meridian_radius_m * (position.latitude_rad - reached.latitude_rad);
         map.easting_m += east_m * std::cos(convergence_rad) - north_m * std::sin(convergence_rad);
         map.northing_m += east_m * std::sin(convergence_rad) + north_m * std::cos(convergence_rad);
-        if (std::hypot(east_m, north_m) < kTolerance_m) break;
+        if (std::hypot(east_m, north_m) < kForwardToleranceMetres) break;
     }
     return map;
 }

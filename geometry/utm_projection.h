@@ -11,11 +11,11 @@
 
 /// Bound of the error in either direction for |longitude - central meridian| <= 3 degrees, latitude -80..84 (measured
 /// against a series of higher order: 0.39 mm).
-inline constexpr double kUtmError_m = 5e-4;
+inline constexpr double kUtmErrorMetres = 5e-4;
 
 inline constexpr double kUtmScale = 0.9996;
-inline constexpr double kUtmFalseEasting_m = 500000.0;
-inline constexpr double kUtmFalseNorthingSouth_m = 10000000.0;
+inline constexpr double kUtmFalseEastingMetres = 500000.0;
+inline constexpr double kUtmFalseNorthingSouthMetres = 10000000.0;
 
 struct MAP_POSITION {
     double easting_m = 0.0;
@@ -49,7 +49,7 @@ class UTM_PROJECTION {
     double scale_ = kUtmScale;
     double central_meridian_rad_;
     double origin_meridian_distance_m_ = 0.0;  ///< the latitude of origin is the equator
-    double false_easting_m_ = kUtmFalseEasting_m;
+    double false_easting_m_ = kUtmFalseEastingMetres;
     double false_northing_m_;
     double rectifying_radius_m_;
     double footpoint_[4];

@@ -26,6 +26,7 @@ struct TIME_WINDOW {
 
 inline constexpr double kZeroDopplerTolerance = 1e-9;  ///< residual, m^2/s, and step, s
 inline constexpr int kZeroDopplerMaxIterations = 100;
+inline constexpr double kZeroDopplerLongestStepSeconds = 1e6;
 
 /// V(t) . (S(t) - P), m^2/s.
 template <class ORBIT>
@@ -40,7 +41,6 @@ template <class ORBIT>
 template <class ORBIT>
 [[nodiscard]] ZERO_DOPPLER SolveZeroDoppler(const ORBIT& orbit, double offset_s, const VECTOR_3D<double>& point_m,
                                             double first_guess_s, const TIME_WINDOW& window) {
-    constexpr double kLongestStep_s = 1e6;
     ZERO_DOPPLER solution = {first_guess_s, 0.0, 0.0, 0.0, false};
     for (int iteration = 0; iteration < kZeroDopplerMaxIterations; ++iteration) {
         const auto state = orbit.State(solution.time_s + offset_s);
@@ -53,8 +53,9 @@ template <class ORBIT>
         const double slope =
             DotProduct(state.acceleration_m_s2, sight_m) + DotProduct(state.velocity_m_s, state.velocity_m_s);
         // A vanishing slope would divide by zero with the traps on; the window holds whatever step comes out.
-        const bool steep = std::abs(solution.residual) < kLongestStep_s * std::abs(slope);
-        solution.last_step_s = steep ? -solution.residual / slope : std::copysign(kLongestStep_s, -solution.residual);
+        const bool steep = std::abs(solution.residual) < kZeroDopplerLongestStepSeconds * std::abs(slope);
+        solution.last_step_s =
+            steep ? -solution.residual / slope : std::copysign(kZeroDopplerLongestStepSeconds, -solution.residual);
         const double next_s = solution.time_s + solution.last_step_s;
         solution.time_s = std::clamp(next_s, window.first_s, window.last_s);
         solution.converged = std::abs(solution.last_step_s) <= kZeroDopplerTolerance;

@@ -14,16 +14,17 @@
 namespace {
 
 constexpr double kSecondsPerMetre = 3.3356409519815204e-09;  ///< 1 / speed of light
-constexpr double kSamplingCentreOffset_s = 0.0;
+constexpr double kSamplingCentreOffsetSeconds = 0.0;
 /// Weight of the delay that grows with the slant of the path (length over its part along the local vertical). The
 /// products are those of the straight path in vacuum.
-constexpr double kSlantDelay_s = 0.0;
+constexpr double kSlantDelaySeconds = 0.0;
 
 /// Travel time of a straight path; unit_vertical is the direction from the Earth's centre to the ground point.
 double PathDelay(const VECTOR_3D<double>& path_m, const VECTOR_3D<double>& unit_vertical) {
     const double length_m = Length(path_m);
-    if constexpr (kSlantDelay_s != 0.0) {
-        return length_m * kSecondsPerMetre + kSlantDelay_s * length_m / std::abs(DotProduct(path_m, unit_vertical));
+    if constexpr (kSlantDelaySeconds != 0.0) {
+        return length_m * kSecondsPerMetre +
+               kSlantDelaySeconds * length_m / std::abs(DotProduct(path_m, unit_vertical));
     }
     return length_m * kSecondsPerMetre;
 }
@@ -182,7 +183,7 @@ BISTATIC_SOLUTION::EQUIVALENT BISTATIC_SOLUTION::Solve(const VECTOR_3D<double>& 
                                                        const POINT<int>& dem_index) {
     const double middle_s = 0.5 * (slave_time_s + master_time_s);
     for (int i = 0; i < settings_.sample_count; ++i) {
-        const long double travel_s = TravelTime(i, point_m, SampleTime(i) + middle_s + kSamplingCentreOffset_s);
+        const long double travel_s = TravelTime(i, point_m, SampleTime(i) + middle_s + kSamplingCentreOffsetSeconds);
         squared_travel_time_[i] = travel_s * travel_s;
     }
     const PARABOLA y = Fit();

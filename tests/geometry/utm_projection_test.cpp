@@ -80,8 +80,8 @@ TEST(UtmProjection, HoldsItsErrorBoundWithinThreeDegrees) {
             for (const bool south : {false, true}) {
                 SCOPED_TRACE(ellipsoid.name + std::to_string(zone) + (south ? " south" : " north"));
                 const ERRORS errors = LargestErrors(ellipsoid, zone, south, 3.0);
-                EXPECT_LE(errors.inverse_m, kUtmError_m);
-                EXPECT_LE(errors.forward_m, kUtmError_m);
+                EXPECT_LE(errors.inverse_m, kUtmErrorMetres);
+                EXPECT_LE(errors.forward_m, kUtmErrorMetres);
                 EXPECT_LE(errors.closure_m, 1e-6);
             }
         }

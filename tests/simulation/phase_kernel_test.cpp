@@ -143,29 +143,20 @@ TEST(PhaseKernel, SubSamplesWithoutLeavingAGrid) {
     }
 }
 
-TEST(PhaseKernel, WritesOnlyWhatIsWanted) {
+TEST(PhaseKernel, WritesOnlyWhatIsWantedAndStillFree) {
     TEST_SCENE s(kDescendingRight);
-    s.scene.image.phase_rad = nullptr;
     s.scene.shifts.range = s.scene.shifts.azimuth = nullptr;
     s.scene.earth.x = nullptr;
     s.scene.earth.radar_dem = nullptr;
+    s.mask.Table()[20][30] = 1;
     s.Run();
     EXPECT_EQ(s.MaskCount(), s.request.image_rows * s.request.image_columns);
-    EXPECT_EQ(s.phase.At(5, 5), 0.0F);
     EXPECT_EQ(s.shift_range.At(5, 5), 0.0);
     EXPECT_EQ(s.x.At(5, 5), 0.0);
     EXPECT_NE(s.y.At(5, 5), 0.0);
-    EXPECT_NE(s.z.At(5, 5), 0.0);
-}
-
-TEST(PhaseKernel, LeavesAClaimedPixelAlone) {
-    TEST_SCENE s(kDescendingRight);
-    s.mask.Table()[20][30] = 1;
-    s.phase.Table()[20][30] = 7.0F;
-    s.Run();
-    EXPECT_EQ(s.phase.At(20, 30), 7.0F);
-    EXPECT_EQ(s.shift_range.At(20, 30), 0.0);
     EXPECT_NE(s.phase.At(20, 31), 0.0F);
+    EXPECT_EQ(s.phase.At(20, 30), 0.0F);
+    EXPECT_EQ(s.y.At(20, 30), 0.0);
 }
 
 /// Sets PARALLEL while it lives.
@@ -289,28 +280,6 @@ TEST(PhaseKernel, RefusesAnUnknownGridInItsThread) {
     const std::string log =
         LoggedBy([&] { EXPECT_EQ(TextThrownBy([&] { s.Run(); }), "error in thread execution"); }, LOGGING_LEVEL::ALARM);
     EXPECT_THAT(log, testing::HasSubstr("DEM grid must be UTM or GEO : LCC\n"));
-}
-
-TEST(RadarSolution, GivesThePixelOnTheDiagonalToTheFirstTriangle) {
-    TEST_SCENE s(kDescendingRight);
-    BLOCK_CLAIMS claims(0);
-    RADAR_SOLUTION solution(s.scene, claims);
-    for (const auto& [slot, column, row] : {std::array{0, 40, 40}, {1, 41, 40}, {2, 40, 41}, {3, 41, 41}}) {
-        solution.SolveMaster(slot, column, row);
-        solution.SolvePoint(slot, false);
-    }
-    int in_first = 0;
-    int in_second = 0;
-    for (int row = 0; row < s.request.image_rows; ++row) {
-        for (int column = 0; column < s.request.image_columns; ++column) {
-            in_first += solution.IsInside(column, row, RADAR_SOLUTION::kTriangles[0]);
-            in_second += solution.IsInside(column, row, RADAR_SOLUTION::kTriangles[1]);
-        }
-    }
-    EXPECT_GT(in_first, 0);
-    EXPECT_GT(in_second, 0);
-    // Area in pixels over both triangles: cells of 30 m on pixels of 10 m by 10 m slant, some 6 pixels.
-    EXPECT_NEAR(in_first + in_second, 6, 4);
 }
 
 TEST(RadarSolution, TellsATriangleThatIsOnlyALine) {
