@@ -24,7 +24,7 @@ SCENES = {"square": ["--samples", "2000", "--lines", "2000", "--dem-spacing-m", 
 
 
 def timed_run(binary, folder, threads):
-    """Seconds of stage B and of the whole run, peak memory in MiB, and the log lines."""
+    """Seconds of stage B and of the whole run, processor seconds, peak memory in MiB, and the log."""
     environment = {"PATH": os.environ["PATH"], "PARALLEL": str(threads)}
     start = time.monotonic()
     process = subprocess.Popen([binary, "-pcf", "scene.pcf"], cwd=folder, env=environment, stdout=subprocess.PIPE,
@@ -39,7 +39,8 @@ def timed_run(binary, folder, threads):
     process.returncode = os.waitstatus_to_exitcode(status)
     if process.returncode != 0:
         sys.exit("velmora ended with status %d:\n%s" % (process.returncode, "".join(lines[-10:])))
-    return arrivals["C"] - arrivals["B"], time.monotonic() - start, usage.ru_maxrss / 1024.0, "".join(lines)
+    return (arrivals["C"] - arrivals["B"], time.monotonic() - start, usage.ru_utime + usage.ru_stime,
+            usage.ru_maxrss / 1024.0, "".join(lines))
 
 
 def counts(log):
@@ -61,14 +62,15 @@ def main(arguments):
         pixels = 1
         for word in ("samples", "lines"):
             pixels *= int(re.search(r"n_%s INT_32 (\d+)" % word, pair)[1])
-        print("%7s %12s %14s %14s %12s %12s" % ("threads", "stage B [s]", "DEM points/s", "pixels/s", "whole [s]", "peak [MiB]"))
+        print("%7s %12s %14s %14s %12s %12s %12s" % ("threads", "stage B [s]", "DEM points/s", "pixels/s", "whole [s]",
+                                                     "CPU [s]", "peak [MiB]"))
         for threads in options.threads.split(","):
             runs = [timed_run(options.binary, folder, threads) for _ in range(options.repeat)]
-            stage_s, whole_s, memory = (min(run[i] for run in runs) for i in range(3))
-            points, extended = counts(runs[0][3])
+            stage_s, whole_s, cpu_s, memory = (min(run[i] for run in runs) for i in range(4))
+            points, extended = counts(runs[0][4])
             simulated = int(extended[0][1]) * int(extended[1][1]) if all(extended) else pixels
-            print("%7s %12.3f %14.0f %14.0f %12.3f %12.1f"
-                  % (threads, stage_s, points / stage_s, simulated / stage_s, whole_s, memory))
+            print("%7s %12.3f %14.0f %14.0f %12.3f %12.3f %12.1f"
+                  % (threads, stage_s, points / stage_s, simulated / stage_s, whole_s, cpu_s, memory))
     return 0
 
 

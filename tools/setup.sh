@@ -2,7 +2,7 @@
 # setup.sh: installs what building, testing and the demo need, on Debian 12 or later. Does nothing when all is there.
 set -euo pipefail
 
-packages=(g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev python3 python3-numpy python3-pytest)
+packages=(g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev python3 python3-numpy python3-pytest strace util-linux)
 
 missing=()
 for package in "${packages[@]}"; do
