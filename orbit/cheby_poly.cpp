@@ -44,7 +44,7 @@ void CHEBY_POLY<T>::Create(const ARRAY<POINT<T>>& points) {
 template <class T>
 void CHEBY_POLY<T>::Evaluate(T x, T& value, T& first, T& second) const {
     const double at = static_cast<double>(x);
-    if (!fit_.reach.Holds(at)) RefuseQuery("CHEBY_POLY", at);
+    if (!fit_.reach.Holds(at)) RefuseQuery("CHEBY_POLY", fit_.reach, at);
     const double u = fit_.scale.ToUnit(at);
     JET b1{};
     JET b2{};

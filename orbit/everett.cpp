@@ -13,7 +13,8 @@ namespace {
 void NextCoefficient(JET& coefficient, double p, int k) {
     const double factor = p * p - static_cast<double>(k) * k;
     const double divisor = 2.0 * k * (2.0 * k + 1);
-    coefficient = {coefficient.value * factor / divisor, (coefficient.first * factor + 2 * p * coefficient.value) / divisor,
+    coefficient = {coefficient.value * factor / divisor,
+                   (coefficient.first * factor + 2 * p * coefficient.value) / divisor,
                    (coefficient.second * factor + 4 * p * coefficient.first + 2 * coefficient.value) / divisor};
 }
 
@@ -37,13 +38,15 @@ bool EVERETT<T>::IsEquidistant(const SUPPORT_POINTS& points) {
 
 template <class T>
 void EVERETT<T>::Create(const ARRAY<POINT<T>>& points) {
+    reach_ = REACH();
     if (points.Count() < 2) {
         Log().Message(LOGGING_LEVEL::ALARM, "EVERETT::Create: more than 1 value needed.");
         throw ERROR_ARGUMENT();
     }
     if (order_ % 2 != 0) {
         Log().Message(LOGGING_LEVEL::ALARM,
-                      "EVERETT::Create: Everett interpolation only possible with even order, not for given order %d", order_);
+                      "EVERETT::Create: Everett interpolation only possible with even order, not for given order %d",
+                      order_);
         throw ERROR_ARGUMENT();
     }
     if (order_ < 0 || order_ > kMaxOrder)
@@ -112,7 +115,8 @@ typename EVERETT<T>::CELL EVERETT<T>::GetXi(T x) const {
     const double p = r - index;
     if (p < 0 || p > 1) {
         char text[120];
-        std::snprintf(text, sizeof text, "EVERETT::GetXi: Extrapolation needed (r=%.10g p=%.10g q=%.10g)\n", r, p, 1 - p);
+        std::snprintf(text, sizeof text, "EVERETT::GetXi: Extrapolation needed (r=%.10g p=%.10g q=%.10g)\n", r, p,
+                      1 - p);
         LogForced(extrapolation_lines_, LOGGING_LEVEL::DEBUG, text);
     }
     return {index, p, 1 - p};
@@ -120,7 +124,7 @@ typename EVERETT<T>::CELL EVERETT<T>::GetXi(T x) const {
 
 template <class T>
 void EVERETT<T>::Evaluate(T x, T& value, T& first, T& second) const {
-    if (!reach_.Holds(static_cast<double>(x))) RefuseQuery("EVERETT", static_cast<double>(x));
+    if (!reach_.Holds(static_cast<double>(x))) RefuseQuery("EVERETT", reach_, static_cast<double>(x));
     const CELL cell = GetXi(x);
     const int columns = order_ / 2 + 1;
     const double* const left = &differences_[static_cast<size_t>(cell.index) * static_cast<size_t>(columns)];

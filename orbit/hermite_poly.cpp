@@ -15,6 +15,7 @@ void HERMITE_POLY<T>::SetSupportPointCount(int node_count) {
 
 template <class T>
 void HERMITE_POLY<T>::Create(const ARRAY<DPOINT<T>>& points) {
+    is_created_ = false;
     points_ = CheckedSupportPoints(points, "HERMITE_POLY::Create", SORTED::STRICTLY, true);
     node_count_ = std::min(wanted_node_count_, points_.Count());
     if (node_count_ < wanted_node_count_)
@@ -23,6 +24,7 @@ void HERMITE_POLY<T>::Create(const ARRAY<DPOINT<T>>& points) {
     terms_.assign(points_.x.size() * 2 * static_cast<size_t>(node_count_), {});
     scales_.assign(points_.x.size(), 1.0);
     for (int point = 0; point < points_.Count(); ++point) CreateCell(point);
+    is_created_ = true;
 }
 
 /// The polynomial for x between point - 1 (exclusive) and point: its nodes from that point outwards.
@@ -50,6 +52,7 @@ void HERMITE_POLY<T>::CreateCell(int point) {
 template <class T>
 void HERMITE_POLY<T>::Evaluate(T x, T& value, T& first, T& second) const {
     const double at = static_cast<double>(x);
+    if (!is_created_) RefuseArgument("HERMITE_POLY", "a query at %.17g before there are support points", at);
     // Quiet comparisons: a NaN counts as outside, without a trap.
     if (!std::isgreaterequal(at, points_.x.front()) || !std::islessequal(at, points_.x.back())) {
         Log() << LOGGING_LEVEL::ALARM << "interpolation point outside of data constraints\n";

@@ -1,10 +1,10 @@
 /// \file hermite_poly.h
 /// Hermite interpolation: the polynomial that takes value and first derivative of the m support points nearest to x.
 /// Accuracy: exact up to degree 2 m - 1; at a support point value and first derivative are the given ones, bit for bit.
-/// Outside the data: ends the process (see Evaluate), since an orbit asked outside its data is an error of configuration
-/// that must not make a product.
-/// Method: the polynomial of each interval of the data is unique, so it is kept in Newton's form with double nodes, those
-/// next to the interval first: no search for weights, no division at query time.
+/// Outside the data: ends the process (see Evaluate), since an orbit asked outside its data is an error of
+/// configuration that must not make a product. Method: the polynomial of each interval of the data is unique, so it is
+/// kept in Newton's form with double nodes, those next to the interval first: no search for weights, no division at
+/// query time.
 
 #pragma once
 
@@ -27,9 +27,9 @@ class HERMITE_POLY final : public INTERPOLATION<T, DPOINT<T>> {
     /// The node count m, from 1. @throws ERROR_ARGUMENT outside 1 .. kMaxNodeCount
     void SetSupportPointCount(int node_count) override;
 
-    /// The nodes are points s .. s + m - 1: with j the first point not less than x, s is j - m / 2, kept inside the data.
-    /// Ends the process with exit status 1, after a line in the log, for x outside the first to last abscissa and for a
-    /// result that is NaN.
+    /// The nodes are points s .. s + m - 1: with j the first point not less than x, s is j - m / 2, kept inside the
+    /// data. Ends the process with exit status 1, after a line in the log, for x outside the first to last abscissa and
+    /// for a result that is NaN.
     void Evaluate(T x, T& value, T& first, T& second) const override;
 
   private:
@@ -38,6 +38,7 @@ class HERMITE_POLY final : public INTERPOLATION<T, DPOINT<T>> {
     SUPPORT_POINTS points_;
     int wanted_node_count_ = kDefaultNodeCount;
     int node_count_ = 0;
+    bool is_created_ = false;
     std::vector<NEWTON_TERM> terms_;  ///< 2 node_count_ for each point j: the polynomial between point j - 1 and j
     std::vector<double> scales_;      ///< for each point j
 };

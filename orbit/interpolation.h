@@ -1,11 +1,10 @@
 /// \file interpolation.h
 /// One-dimensional interpolation over support points sorted by abscissa: the base of every interpolator.
-/// An orbit keeps one interpolator per axis: abscissa time in seconds, ordinate one coordinate in metres; value, first and
-/// second derivative are then position, velocity and acceleration.
-/// Arithmetic: double, for float points as well, so that a float interpolator errs by the rounding of its input and of
-/// its result only.
-/// Outside the data: the outermost piece goes on (HERMITE_POLY alone ends the process instead).
-/// Threads: queries are const, allocate nothing and take no lock; Create and the setters belong to one thread.
+/// An orbit keeps one interpolator per axis: abscissa time in seconds, ordinate one coordinate in metres; value, first
+/// and second derivative are then position, velocity and acceleration. Arithmetic: double, for float points as well, so
+/// that a float interpolator errs by the rounding of its input and of its result only. Outside the data: the outermost
+/// piece goes on (HERMITE_POLY alone ends the process instead). Threads: queries are const, allocate nothing and take
+/// no lock; Create and the setters belong to one thread.
 
 #pragma once
 
@@ -41,7 +40,8 @@ class INTERPOLATION {
     virtual ARRAY<T> GetCoeffs() const;
 
     /// Value and both derivatives at x in one evaluation.
-    /// @throws ERROR_ARGUMENT (logged first) for an x so far outside the data that the result would overflow
+    /// @throws ERROR_ARGUMENT (logged first) before a successful Create, and for an x so far outside the data that the
+    /// result would overflow
     virtual void Evaluate(T x, T& value, T& first, T& second) const = 0;
 
   protected:

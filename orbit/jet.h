@@ -36,7 +36,7 @@ void Deliver(const JET& jet, const char* owner, T& value, T& first, T& second) {
 /// It lies far outside anything meaningful (degree 9: beyond 1e20 times the data) and turns a trap into a message.
 struct REACH {
     double centre = 0;
-    double radius = 0;
+    double radius = -1;  ///< negative: there are no data yet
 
     /// @param magnitude  sum of the absolute coefficients, in the variable (x - centre) / half_width
     void Set(double middle, double half_width, int degree, double magnitude) {
@@ -49,6 +49,7 @@ struct REACH {
     bool Holds(double x) const { return std::islessequal(std::fabs(x - centre), radius); }
 };
 
-[[noreturn]] inline void RefuseQuery(const char* owner, double x) {
+[[noreturn]] inline void RefuseQuery(const char* owner, const REACH& reach, double x) {
+    if (reach.radius < 0) RefuseArgument(owner, "a query at %.17g before there are support points", x);
     RefuseArgument(owner, "a query at %.17g lies so far outside the data that its result would overflow", x);
 }

@@ -37,6 +37,8 @@ void LOCAL_INTERPOLATION<T, I, P>::SetSupportPointCount(int support_point_count)
 
 template <class T, class I, class P>
 void LOCAL_INTERPOLATION<T, I, P>::Create(const ARRAY<P>& points) {
+    pieces_.clear();
+    joints_.clear();
     CheckedSupportPoints(points, "LOCAL_INTERPOLATION::Create", SORTED::STRICTLY, true);
     const int point_count = std::min(support_point_count_, points.Count());
     if (point_count < support_point_count_)
@@ -44,8 +46,6 @@ void LOCAL_INTERPOLATION<T, I, P>::Create(const ARRAY<P>& points) {
                       support_point_count_, point_count);
     const int piece_count = points.Count() - point_count + 1;
     Log().Message(LOGGING_LEVEL::PARAMETER, "LOCAL_INTERPOLATION: polynom count; %d", piece_count);
-    pieces_.clear();
-    joints_.clear();
     pieces_.reserve(static_cast<size_t>(piece_count));
     for (int index = 0; index < piece_count; ++index) CreatePiece(points, index, piece_count, point_count);
 }
@@ -72,6 +72,9 @@ void LOCAL_INTERPOLATION<T, I, P>::CreatePiece(const ARRAY<P>& points, int index
 
 template <class T, class I, class P>
 void LOCAL_INTERPOLATION<T, I, P>::Evaluate(T x, T& value, T& first, T& second) const {
+    if (pieces_.size() != joints_.size() + 1)  // none yet, or the last Create failed
+        RefuseArgument("LOCAL_INTERPOLATION", "a query at %.17g before there are support points",
+                       static_cast<double>(x));
     // A NaN would trap in the search; the first piece answers it as its class does.
     const auto joint = std::isnan(x) ? joints_.begin() : std::upper_bound(joints_.begin(), joints_.end(), x);
     pieces_[static_cast<size_t>(joint - joints_.begin())].Interpolator().Evaluate(x, value, first, second);

@@ -3,7 +3,9 @@
 #include <cmath>
 #include <vector>
 
-double NewtonScale(double first, double last) { return last > first ? 4 / (last - first) : 1; }
+double NewtonScale(double first, double last) {
+    return last > first ? 4 / (last - first) : 1;
+}
 
 void DividedDifferences(std::span<NEWTON_TERM> terms, std::span<const double> y, std::span<const double> slope,
                         double scale, const char* owner) {
@@ -18,7 +20,8 @@ void DividedDifferences(std::span<NEWTON_TERM> terms, std::span<const double> y,
             if (to == from) {
                 difference[i] = static_cast<long double>(slope[i]) / scale;
             } else if (std::fabs(distance) < kSmallestDistance) {
-                RefuseArgument(owner, "the support points at %.17g and %.17g lie too close for one polynomial", from, to);
+                RefuseArgument(owner, "the support points at %.17g and %.17g lie too close for one polynomial", from,
+                               to);
             } else {
                 difference[i] = (difference[i] - difference[i - 1]) / distance;
             }

@@ -69,14 +69,18 @@ template <class T>
 T* vector(long nl, long nh) {
     return NewVector<T>(nl, nh, "allocation failure in vector()");
 }
-int* ivector(long nl, long nh) { return NewVector<int>(nl, nh, "allocation failure in ivector()"); }
+int* ivector(long nl, long nh) {
+    return NewVector<int>(nl, nh, "allocation failure in ivector()");
+}
 unsigned char* cvector(long nl, long nh) {
     return NewVector<unsigned char>(nl, nh, "allocation failure in cvector()");
 }
 unsigned long* lvector(long nl, long nh) {
     return NewVector<unsigned long>(nl, nh, "allocation failure in lvector()");
 }
-double* dvector(long nl, long nh) { return NewVector<double>(nl, nh, "allocation failure in dvector()"); }
+double* dvector(long nl, long nh) {
+    return NewVector<double>(nl, nh, "allocation failure in dvector()");
+}
 
 template <class T>
 T** matrix(long nrl, long nrh, long ncl, long nch) {
@@ -92,8 +96,7 @@ template <class T>
 T** submatrix(T** a, long oldrl, long oldrh, long oldcl, long, long newrl, long newcl) {
     const long newrh = newrl + (oldrh - oldrl);
     T** const rows = NewVector<T*>(newrl, newrh, "allocation failure in submatrix()");
-    for (long row = newrl; row <= newrh; ++row)
-        rows[row] = Indexed(&a[oldrl + (row - newrl)][oldcl], newcl);
+    for (long row = newrl; row <= newrh; ++row) rows[row] = Indexed(&a[oldrl + (row - newrl)][oldcl], newcl);
     return rows;
 }
 
@@ -127,10 +130,18 @@ template <class T>
 void free_vector(T* v, long nl, long) {
     FreeVector(v, nl);
 }
-void free_ivector(int* v, long nl, long) { FreeVector(v, nl); }
-void free_cvector(unsigned char* v, long nl, long) { FreeVector(v, nl); }
-void free_lvector(unsigned long* v, long nl, long) { FreeVector(v, nl); }
-void free_dvector(double* v, long nl, long) { FreeVector(v, nl); }
+void free_ivector(int* v, long nl, long) {
+    FreeVector(v, nl);
+}
+void free_cvector(unsigned char* v, long nl, long) {
+    FreeVector(v, nl);
+}
+void free_lvector(unsigned long* v, long nl, long) {
+    FreeVector(v, nl);
+}
+void free_dvector(double* v, long nl, long) {
+    FreeVector(v, nl);
+}
 
 template <class T>
 void free_matrix(T** m, long nrl, long, long, long) {

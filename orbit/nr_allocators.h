@@ -1,7 +1,7 @@
 /// \file nr_allocators.h
 /// Vectors and matrices with a free first index, as the numerical routines are written, and their error routine.
-/// A vector over nl..nh has one element of slack before nl; the elements are zero. An empty range (nh = nl - 1) is fine.
-/// Out of memory, or a range that cannot be: nrerror, which ends the process.
+/// A vector over nl..nh has one element of slack before nl; the elements are zero. An empty range (nh = nl - 1) is
+/// fine. Out of memory, or a range that cannot be: nrerror, which ends the process.
 
 #pragma once
 

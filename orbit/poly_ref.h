@@ -11,7 +11,6 @@
 template <class T, class I, class P>
 class POLY_REF {
   public:
-    /// @param points       all support points of the local interpolation
     /// @param index_start  first point of the piece, in the array's own indices
     /// @param index_stop   last point of the piece
     /// @param start, stop  the abscissae for which the piece is responsible
@@ -19,6 +18,7 @@ class POLY_REF {
         : index_start_(index_start), index_stop_(index_stop), start_(start), stop_(stop) {}
 
     /// Creates the interpolator from the piece's own points.
+    /// @param points  all support points of the local interpolation
     void Create(const ARRAY<P>& points) {
         ARRAY<P> own(index_start_, index_stop_ - index_start_ + 1);
         for (int index = index_start_; index <= index_stop_; ++index) own[index] = points[index];

@@ -38,9 +38,12 @@ T Saturated(long double value) {
 
 template <class T>
 void POLYNOM<T>::Create(const ARRAY<POINT<T>>& points) {
+    reach_ = REACH();
     if (points.Count() > kMaxPointCount)
-        RefuseArgument("POLYNOM::Create", "%d support points are too many for one polynomial (at most %d); a local "
-                       "interpolation such as localpolynom suits", points.Count(), kMaxPointCount);
+        RefuseArgument("POLYNOM::Create",
+                       "%d support points are too many for one polynomial (at most %d); a local "
+                       "interpolation such as localpolynom suits",
+                       points.Count(), kMaxPointCount);
     points_ = CheckedSupportPoints(points, "POLYNOM::Create", SORTED::STRICTLY);
     scale_ = NewtonScale(points_.x.front(), points_.x.back());
     std::vector<double> ordinates;
@@ -61,7 +64,7 @@ void POLYNOM<T>::Create(const ARRAY<POINT<T>>& points) {
 template <class T>
 void POLYNOM<T>::Evaluate(T x, T& value, T& first, T& second) const {
     const double at = static_cast<double>(x);
-    if (!reach_.Holds(at)) RefuseQuery("POLYNOM", at);
+    if (!reach_.Holds(at)) RefuseQuery("POLYNOM", reach_, at);
     JET jet = EvaluateNewton(terms_.data(), static_cast<int>(terms_.size()), scale_, at);
     const auto node = std::lower_bound(points_.x.begin(), points_.x.end(), at);
     if (node != points_.x.end() && *node == at) jet.value = points_.y[static_cast<size_t>(node - points_.x.begin())];
@@ -74,7 +77,8 @@ ARRAY<T> POLYNOM<T>::GetCoeffs() const {
     ARRAY<T> coefficients(0, points_.Count());
     for (int order = 0; order < points_.Count(); ++order) {
         for (int i = points_.Count() - 1; order > 0 && i >= order; --i)
-            difference[i] = (difference[i] - difference[i - 1]) / (static_cast<long double>(points_.x[i]) - points_.x[i - order]);
+            difference[i] =
+                (difference[i] - difference[i - 1]) / (static_cast<long double>(points_.x[i]) - points_.x[i - order]);
         coefficients[order] = Saturated<T>(difference[static_cast<size_t>(order)]);
     }
     return coefficients;

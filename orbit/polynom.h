@@ -1,9 +1,9 @@
 /// \file polynom.h
 /// The polynomial through all support points.
-/// Accuracy: exact up to degree count - 1. Points at equal distances: use it in the middle of the data only; towards the
-/// ends the error of the data is amplified up to 2^count times (Runge).
-/// Method: Newton's form with the nodes in Leja order (L. Reichel, "Newton interpolation at Leja points", BIT 30, 1990).
-/// Of an orbit of 84 vectors at 10 s, 200 s off the middle, it keeps 5e-8 m where the order of the abscissae loses 30 m.
+/// Accuracy: exact up to degree count - 1. Points at equal distances: use it in the middle of the data only; towards
+/// the ends the error of the data is amplified up to 2^count times (Runge). Method: Newton's form with the nodes in
+/// Leja order (L. Reichel, "Newton interpolation at Leja points", BIT 30, 1990). Of an orbit of 84 vectors at 10 s, 200
+/// s off the middle, it keeps 5e-8 m where the order of the abscissae loses 30 m.
 
 #pragma once
 

@@ -21,7 +21,7 @@ void POLYNOM_FIT<T>::Create(const ARRAY<POINT<T>>& points) {
 template <class T>
 void POLYNOM_FIT<T>::Evaluate(T x, T& value, T& first, T& second) const {
     const double at = static_cast<double>(x);
-    if (!fit_.reach.Holds(at)) RefuseQuery("POLYNOM_FIT", at);
+    if (!fit_.reach.Holds(at)) RefuseQuery("POLYNOM_FIT", fit_.reach, at);
     const double u = fit_.scale.ToUnit(at);
     JET jet{};
     double half_second = 0;

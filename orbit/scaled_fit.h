@@ -1,6 +1,6 @@
 /// \file scaled_fit.h
-/// What the fitting interpolators share: the abscissa mapped to -1..1, the order lowered where there are too few points,
-/// the fit itself in double, and the line about dropped singular values.
+/// What the fitting interpolators share: the abscissa mapped to -1..1, the order lowered where there are too few
+/// points, the fit itself in double, and the line about dropped singular values.
 
 #pragma once
 

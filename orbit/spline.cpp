@@ -64,6 +64,7 @@ std::vector<double> SolveTridiagonal(std::vector<CONTINUITY_ROW> rows) {
 
 template <class T>
 void SPLINE<T>::Create(const ARRAY<POINT<T>>& points) {
+    reach_ = REACH();
     points_ = CheckedSupportPoints(points, "SPLINE::Create", SORTED::STRICTLY);
     if (points_.Count() < 2) RefuseArgument("SPLINE::Create", "more than 1 value needed.");
     const std::vector<CONTINUITY_ROW> rows = ContinuityRows(points_);
@@ -74,13 +75,15 @@ void SPLINE<T>::Create(const ARRAY<POINT<T>>& points) {
     cubics_.clear();
     for (size_t i = 0; i + 1 < points_.x.size(); ++i) {
         const double h = points_.x[i + 1] - points_.x[i];
-        cubics_.push_back({points_.y[i], (points_.y[i + 1] - points_.y[i]) / h - h * (2 * moments[i] + moments[i + 1]) / 6,
+        cubics_.push_back({points_.y[i],
+                           (points_.y[i + 1] - points_.y[i]) / h - h * (2 * moments[i] + moments[i + 1]) / 6,
                            moments[i] / 2, (moments[i + 1] - moments[i]) / (6 * h)});
     }
     const double half = (points_.x.back() - points_.x.front()) / 2;
     double magnitude = 0;
     for (const CUBIC& cubic : {cubics_.front(), cubics_.back()})
-        magnitude += std::fabs(cubic.a) + half * (std::fabs(cubic.b) + half * (std::fabs(cubic.c) + half * std::fabs(cubic.e)));
+        magnitude +=
+            std::fabs(cubic.a) + half * (std::fabs(cubic.b) + half * (std::fabs(cubic.c) + half * std::fabs(cubic.e)));
     reach_.Set(points_.x.front() + half, half / 2, 3, magnitude);
     reach_.radius = std::max(reach_.radius, 2 * half);
 }
@@ -88,12 +91,12 @@ void SPLINE<T>::Create(const ARRAY<POINT<T>>& points) {
 template <class T>
 void SPLINE<T>::Evaluate(T x, T& value, T& first, T& second) const {
     const double at = static_cast<double>(x);
-    if (!reach_.Holds(at)) RefuseQuery("SPLINE", at);
+    if (!reach_.Holds(at)) RefuseQuery("SPLINE", reach_, at);
     const auto interval = static_cast<size_t>(points_.IntervalOf(at));
     const CUBIC& cubic = cubics_[interval];
     const double d = at - points_.x[interval];
-    const JET jet{cubic.a + d * (cubic.b + d * (cubic.c + d * cubic.e)),
-                  cubic.b + d * (2 * cubic.c + d * 3 * cubic.e), 2 * cubic.c + d * 6 * cubic.e};
+    const JET jet{cubic.a + d * (cubic.b + d * (cubic.c + d * cubic.e)), cubic.b + d * (2 * cubic.c + d * 3 * cubic.e),
+                  2 * cubic.c + d * 6 * cubic.e};
     Deliver(jet, "SPLINE", value, first, second);
 }
 

@@ -19,7 +19,9 @@ struct LIMITS {
 };
 
 /// isfinite first: an ordered comparison with a NaN would trap.
-bool InRange(double value, double largest) { return std::isfinite(value) && std::fabs(value) <= largest; }
+bool InRange(double value, double largest) {
+    return std::isfinite(value) && std::fabs(value) <= largest;
+}
 
 template <class T>
 void CheckAbscissae(const std::vector<double>& x, const char* owner, SORTED sorted) {

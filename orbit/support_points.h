@@ -22,8 +22,8 @@ struct SUPPORT_POINTS {
 
 /// What an interpolator asks of its points.
 enum class SORTED {
-    STRICTLY,        ///< every abscissa greater than the one before
-    EQUAL_ALLOWED    ///< a fit can do with several ordinates at one abscissa
+    STRICTLY,      ///< every abscissa greater than the one before
+    EQUAL_ALLOWED  ///< a fit can do with several ordinates at one abscissa
 };
 
 /// @param owner  class name that begins the messages

@@ -1,7 +1,7 @@
 /// \file svdcmp.h
 /// Singular value decomposition and back-substitution, on matrices addressed from index 1.
-/// Source: G. H. Golub and C. Reinsch, "Singular value decomposition and least squares solutions", Numerische Mathematik
-/// 14 (1970): Householder bidiagonalisation, then QR steps with implicit shift.
+/// Source: G. H. Golub and C. Reinsch, "Singular value decomposition and least squares solutions", Numerische
+/// Mathematik 14 (1970): Householder bidiagonalisation, then QR steps with implicit shift.
 
 #pragma once
 
@@ -26,7 +26,7 @@ extern template void svdcmp(double**, int, int, double*, double**, double*);
 extern template void svdcmp(long double**, int, int, long double*, long double**, long double*);
 extern template void svbksb(float**, const float*, float**, int, int, const float*, float*, float*);
 extern template void svbksb(double**, const double*, double**, int, int, const double*, double*, double*);
-extern template void svbksb(long double**, const long double*, long double**, int, int, const long double*, long double*,
-                            long double*);
+extern template void svbksb(long double**, const long double*, long double**, int, int, const long double*,
+                            long double*, long double*);
 
 }  // namespace NUMERICS

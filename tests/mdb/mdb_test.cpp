@@ -143,16 +143,19 @@ TEST_F(MdbTest, StopModesFindTheirRecords) {
     using enum MDB_STOP_MODE;
     const char* const kBefore =
         "MDB::GotoRecord( mdb_stop_before ) : you want me to give you the record before the first one\n";
-    const char* const kAfter = "MDB::GotoRecord( mdb_stop_after ) : you want me to give you the record after the last one\n";
+    const char* const kAfter =
+        "MDB::GotoRecord( mdb_stop_after ) : you want me to give you the record after the last one\n";
     const char* const kExact = "MDB::GotoRecord( mdb_stop_exact ) : search_value not found\n";
     const char* const kNearest = "(its really the nearest!)\n";
     const CASE cases[] = {
-        {BEFORE, -5.5, -1, kBefore}, {BEFORE, -5, 0, ""},        {BEFORE, 9.9, 0, ""},       {BEFORE, 20, 4, ""},
-        {BEFORE, 30, 4, ""},         {BEFORE, 1e9, 6, ""},       {EXACT, -5, 0, ""},         {EXACT, 20, 2, ""},
-        {EXACT, 1e5, 6, ""},         {EXACT, 25, -1, kExact},    {EXACT, -6, -1, kExact},    {EXACT, 1e6, -1, kExact},
-        {AFTER, -6, 0, ""},          {AFTER, 10, 1, ""},         {AFTER, 11, 2, ""},         {AFTER, 1e5, 6, ""},
-        {AFTER, 100001, -1, kAfter}, {NEAREST, 10, 1, kNearest}, {NEAREST, -5, 0, kNearest}, {NEAREST, 15.1, 2, kNearest},
-        {NEAREST, 15, 1, kNearest},  {NEAREST, 25, 4, kNearest}, {NEAREST, 1e5, 6, kNearest},
+        {BEFORE, -5.5, -1, kBefore}, {BEFORE, -5, 0, ""},          {BEFORE, 9.9, 0, ""},
+        {BEFORE, 20, 4, ""},         {BEFORE, 30, 4, ""},          {BEFORE, 1e9, 6, ""},
+        {EXACT, -5, 0, ""},          {EXACT, 20, 2, ""},           {EXACT, 1e5, 6, ""},
+        {EXACT, 25, -1, kExact},     {EXACT, -6, -1, kExact},      {EXACT, 1e6, -1, kExact},
+        {AFTER, -6, 0, ""},          {AFTER, 10, 1, ""},           {AFTER, 11, 2, ""},
+        {AFTER, 1e5, 6, ""},         {AFTER, 100001, -1, kAfter},  {NEAREST, 10, 1, kNearest},
+        {NEAREST, -5, 0, kNearest},  {NEAREST, 15.1, 2, kNearest}, {NEAREST, 15, 1, kNearest},
+        {NEAREST, 25, 4, kNearest},  {NEAREST, 1e5, 6, kNearest},
     };
     MDB db;
     db.Open(root_, "data", MDB_OPEN_MODE::READ_ONLY);
@@ -160,7 +163,8 @@ TEST_F(MdbTest, StopModesFindTheirRecords) {
         SCOPED_TRACE(testing::Message() << StopModeText(one.mode) << " " << one.value);
         std::string thrown;
         const std::string log = Logged([&] { thrown = Thrown([&] { db.GotoRecord(one.value, one.mode); }); });
-        EXPECT_THAT(log, *one.text == '\0' ? testing::Matcher<std::string>("") : testing::Matcher<std::string>(HasSubstr(one.text)));
+        EXPECT_THAT(log, *one.text == '\0' ? testing::Matcher<std::string>("")
+                                           : testing::Matcher<std::string>(HasSubstr(one.text)));
         EXPECT_EQ(thrown.empty(), one.record >= 0);
         if (one.record >= 0) {
             EXPECT_EQ(db["n"].Int(), one.record);
@@ -210,7 +214,8 @@ TEST_F(MdbTest, CalendarKeysAreFoundByTheirOwnOrder) {
     db.Open(root_, "data", MDB_OPEN_MODE::READ_WRITE);
     MDB_RECORD record = TypeOf({{"time", RECORD_ITEM_TYPE::UTC}});
     db.SetRecordType(record);
-    for (const char* time : {"31-DEC-2011/23:59:59.999999", "01-JAN-2012/00:00:00.000000", "05-MAR-2012/14:03:07.000000"}) {
+    for (const char* time :
+         {"31-DEC-2011/23:59:59.999999", "01-JAN-2012/00:00:00.000000", "05-MAR-2012/14:03:07.000000"}) {
         record["time"].Set(UNIVERSAL_TIME::FromText(time));
         db.Write(record);
     }
@@ -258,9 +263,8 @@ TEST_F(MdbTest, DefinitionsAreReadLeniently) {
     WriteFile("data", "");
     MDB db;
     db.Open(root_, "data", MDB_OPEN_MODE::READ_ONLY);
-    EXPECT_TRUE(db.GetRecordType().SameType(TypeOf({{"time", RECORD_ITEM_TYPE::UTC},
-                                                    {"x", RECORD_ITEM_TYPE::DOUBLE},
-                                                    {"n", RECORD_ITEM_TYPE::INT}})));
+    EXPECT_TRUE(db.GetRecordType().SameType(
+        TypeOf({{"time", RECORD_ITEM_TYPE::UTC}, {"x", RECORD_ITEM_TYPE::DOUBLE}, {"n", RECORD_ITEM_TYPE::INT}})));
     EXPECT_FALSE(db.Read());
 }
 
@@ -317,7 +321,8 @@ TEST_F(MdbTest, DamagedRecordsNameFileAndPlace) {
         {"t : 1\n  t : 1\n  n : 1e400\n", "n: MDB: RECORD_ITEM: can not read value:  1e400"},
         {"t : 1\n  t : 1\n  n : 99999999999\n", "can not read value"},
         {"t : 1\n  t : 1\nn : 1\n", "expected item n"},
-        {"t : 2\n  t : 2\n  n : 1\nt : 1\n  t : 1\n  n : 1\n", ": byte 22: the records are not in the order of their keys"},
+        {"t : 2\n  t : 2\n  n : 1\nt : 1\n  t : 1\n  n : 1\n",
+         ": byte 22: the records are not in the order of their keys"},
         {"t : 1\n  t : 1\n  n : 1\n  extra : 1\n", ": byte 22: expected a record of key t"},
         {"t : nan\n  t : nan\n  n : 1\n", "can not read value"},
         {"garbage\n", "expected a record of key t"},
@@ -330,7 +335,12 @@ TEST_F(MdbTest, DamagedRecordsNameFileAndPlace) {
         MDB db;
         db.Open(root_, "data", MDB_OPEN_MODE::READ_ONLY);
         std::string thrown;
-        const std::string log = Logged([&] { thrown = Thrown([&] { while (db.Read()) {} }); });
+        const std::string log = Logged([&] {
+            thrown = Thrown([&] {
+                while (db.Read()) {
+                }
+            });
+        });
         EXPECT_EQ(thrown, "MDB: invalid data record");
         EXPECT_THAT(log, HasSubstr(root_ + "/data"));
         EXPECT_THAT(log, HasSubstr(expected));
@@ -338,7 +348,8 @@ TEST_F(MdbTest, DamagedRecordsNameFileAndPlace) {
 }
 
 TEST_F(MdbTest, AWriteThatFailsOnAFullDiskLeavesTheFileAsItWas) {
-    if (mount("none", root_.c_str(), "tmpfs", 0, "size=64k") != 0) GTEST_SKIP() << "no memory file system can be mounted";
+    if (mount("none", root_.c_str(), "tmpfs", 0, "size=64k") != 0)
+        GTEST_SKIP() << "no memory file system can be mounted";
     MDB db;
     db.Open(root_, "data", MDB_OPEN_MODE::READ_WRITE);
     MDB_RECORD record = TypeOf({{"t", RECORD_ITEM_TYPE::DOUBLE}});
@@ -390,16 +401,21 @@ TEST_F(MdbTest, EachOperationTellsWhyItCanNotBe) {
 
     db.SetRecordType(type);
     EXPECT_EQ(Thrown([&] { db["t"]; }), "MDB[\"key\"](): no valid data available");
-    EXPECT_EQ(Thrown([&] { db.GotoRecord(1.0, MDB_STOP_MODE::NEAREST); }), "MDB::GotoRecord(): mdb-file holds no records");
+    EXPECT_EQ(Thrown([&] { db.GotoRecord(1.0, MDB_STOP_MODE::NEAREST); }),
+              "MDB::GotoRecord(): mdb-file holds no records");
     db.Write(type);
     ASSERT_TRUE(db.Read());
     EXPECT_EQ(Thrown([&] { db["T"]; }), "MDB: RECORD_ITEM: can not find key_name in record");
     MDB_RECORD earlier = type;
     earlier["t"].Set(-1.0);
     EXPECT_EQ(Thrown([&] { db.Write(earlier); }), "MDB::Write(): key lies before the last record");
-    EXPECT_EQ(Thrown([&] { db.Write(TypeOf({{"u", RECORD_ITEM_TYPE::DOUBLE}})); }),
+    EXPECT_EQ(Thrown([&] {
+                  db.Write(TypeOf({{"u", RECORD_ITEM_TYPE::DOUBLE}}));
+              }),
               "MDB::Write(): record has not the record type");
-    EXPECT_EQ(Thrown([&] { db.SetRecordType(TypeOf({{"u", RECORD_ITEM_TYPE::DOUBLE}})); }),
+    EXPECT_EQ(Thrown([&] {
+                  db.SetRecordType(TypeOf({{"u", RECORD_ITEM_TYPE::DOUBLE}}));
+              }),
               "MDB: database has another record type");
 
     db.Open(root_, "data", MDB_OPEN_MODE::READ_ONLY);

@@ -33,8 +33,12 @@ std::string LogOfRefusal(const std::function<void()>& call) {
 }
 
 const CLOSED_FORM kSine = SineOf(7e6L, 1e-3L);
-ARRAY<POINT<double>> Points(const std::vector<double>& x) { return SamplesOf<POINT<double>>(kSine, x); }
-ARRAY<DPOINT<double>> Slopes(const std::vector<double>& x) { return SamplesOf<DPOINT<double>>(kSine, x); }
+ARRAY<POINT<double>> Points(const std::vector<double>& x) {
+    return SamplesOf<POINT<double>>(kSine, x);
+}
+ARRAY<DPOINT<double>> Slopes(const std::vector<double>& x) {
+    return SamplesOf<DPOINT<double>>(kSine, x);
+}
 const std::vector<double> kGrid = Grid(100, 10, 12);
 
 using LOCAL_FIT = LOCAL_INTERPOLATION<double, POLYNOM_FIT<double>, POINT<double>>;
@@ -45,7 +49,9 @@ TEST(InterpolatorLog, FitsTellTheirOrderTheirChiSquareAndALoweredOrder) {
     EXPECT_THAT(polyfit, HasSubstr("INFO  : global : POLYFIT: polynomial fit order = 3\n"));
     EXPECT_THAT(polyfit, HasSubstr("INFO  : global : POLYFIT: chi^2 = "));
     EXPECT_THAT(polyfit, Not(HasSubstr("reduce")));
-    EXPECT_THAT(Logged([] { POLYNOM_FIT<double>().Create(Points({0, 1, 2}), 3, -1); }),
+    EXPECT_THAT(Logged([] {
+                    POLYNOM_FIT<double>().Create(Points({0, 1, 2}), 3, -1);
+                }),
                 HasSubstr("WARN  : global : POLYFIT: reduce polynomial fit order 3 -> 2\n"));
     EXPECT_THAT(Logged([] { POLYNOM_FIT<double>().Create(Points({0, 1, 2}), 2, -1); }), Not(HasSubstr("reduce")));
     const std::string chebyshev = Logged([] { CHEBY_POLY<double>().Create(Points({0, 1, 2}), 9, -1); });
@@ -79,11 +85,16 @@ TEST(InterpolatorLog, LocalInterpolationListsItsPieces) {
               "PARAM : global : LOCAL_INTERPOLATION: polynom count; 2\n"
               "PARAM : global : idx_start=3 idx_stop=13 t_start=100 t_stop=155\n"
               "PARAM : global : idx_start=4 idx_stop=14 t_start=155 t_stop=210\n");
-    EXPECT_THAT(Logged([] { LOCAL_POLYNOM().Create(Points({0, 1, 2}), -1, 5); }),
+    EXPECT_THAT(Logged([] {
+                    LOCAL_POLYNOM().Create(Points({0, 1, 2}), -1, 5);
+                }),
                 HasSubstr("LOCAL_INTERPOLATION: change support_point_count from 5 to 3\n"));
-    EXPECT_THAT(Logged([] { LOCAL_FIT().Create(Points(kGrid), 9, 5); }), HasSubstr("reduce polynomial fit order 9 -> 4\n"));
+    EXPECT_THAT(Logged([] { LOCAL_FIT().Create(Points(kGrid), 9, 5); }),
+                HasSubstr("reduce polynomial fit order 9 -> 4\n"));
     EXPECT_EQ(Count(Logged([] { LOCAL_FIT().Create(Points(kGrid), 9, 5); }), "reduce"), 1u);
-    EXPECT_THAT(Logged([] { HERMITE_POLY<double>().Create(Slopes({0, 1, 2}), -1, 5); }),
+    EXPECT_THAT(Logged([] {
+                    HERMITE_POLY<double>().Create(Slopes({0, 1, 2}), -1, 5);
+                }),
                 HasSubstr("HERMITE_POLY::Create: change node count from 5 to 3\n"));
 }
 
@@ -129,7 +140,8 @@ TEST(Everett, RefusesWhatItCanNotInterpolate) {
     const CASE cases[] = {
         {{1}, 0, "ALARM : global : EVERETT::Create: more than 1 value needed.\n"},
         {kGrid, 3,
-         "ALARM : global : EVERETT::Create: Everett interpolation only possible with even order, not for given order 3\n"},
+         "ALARM : global : EVERETT::Create: Everett interpolation only possible with even order, not for given order "
+         "3\n"},
         {uneven, 2, "ALARM : global : EVERETT::Create: Everett interpolation only possible on equidistant grid.\n"},
         {Grid(0, 10, 4), 4, "EVERETT::Create: order 4 needs at least 5 support points, not 4"},
         {kGrid, -2, "EVERETT::Create: the order -2 is outside 0..128"},
@@ -182,12 +194,15 @@ TEST(Everett, ForcesTheOuterCellsInwardsAndSaysSoALimitedNumberOfTimes) {
 TEST(Interpolators, RefuseBadSupportPointsAndParameters) {
     constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
     constexpr double kInfinity = std::numeric_limits<double>::infinity();
-    for (const std::vector<double>& x : std::vector<std::vector<double>>{{}, {0, 2, 1}, {0, 1, 1}, {0, kNan, 2}, {0, 1e99}}) {
+    for (const std::vector<double>& x :
+         std::vector<std::vector<double>>{{}, {0, 2, 1}, {0, 1, 1}, {0, kNan, 2}, {0, 1e99}}) {
         ARRAY<POINT<double>> points(0, static_cast<int>(x.size()));
         for (int i = 0; i < points.Count(); ++i) points[i] = {x[static_cast<size_t>(i)], 1};
         SCOPED_TRACE(testing::PrintToString(x));
-        EXPECT_THAT(LogOfRefusal([&] { POLYNOM<double>().Create(points); }), HasSubstr("ALARM : global : POLYNOM::Create: "));
-        EXPECT_THAT(LogOfRefusal([&] { SPLINE<double>().Create(points); }), HasSubstr("ALARM : global : SPLINE::Create: "));
+        EXPECT_THAT(LogOfRefusal([&] { POLYNOM<double>().Create(points); }),
+                    HasSubstr("ALARM : global : POLYNOM::Create: "));
+        EXPECT_THAT(LogOfRefusal([&] { SPLINE<double>().Create(points); }),
+                    HasSubstr("ALARM : global : SPLINE::Create: "));
         EXPECT_THROW(LOCAL_POLYNOM().Create(points), ERROR_ARGUMENT);
     }
     ARRAY<POINT<double>> infinite = Points({1, 2, 3});
@@ -200,7 +215,8 @@ TEST(Interpolators, RefuseBadSupportPointsAndParameters) {
     EXPECT_THAT(LogOfRefusal([] { POLYNOM<double>().Create(Points(Grid(0, 10, 257))); }),
                 HasSubstr("257 support points are too many for one polynomial (at most 256); a local interpolation"));
     EXPECT_THAT(LogOfRefusal([] { POLYNOM<double>().Create(Points({0, 1e-9, 10})); }), HasSubstr("too close"));
-    EXPECT_THAT(LogOfRefusal([] { POLYNOM_FIT<double>().SetOrder(-2); }), HasSubstr("the fit order -2 is outside 0..128"));
+    EXPECT_THAT(LogOfRefusal([] { POLYNOM_FIT<double>().SetOrder(-2); }),
+                HasSubstr("the fit order -2 is outside 0..128"));
     EXPECT_THROW(LOCAL_FIT().SetOrder(129), ERROR_ARGUMENT);
     EXPECT_THROW(HERMITE_POLY<double>().SetSupportPointCount(0), ERROR_ARGUMENT);
     EXPECT_THROW(LOCAL_POLYNOM().SetSupportPointCount(-7), ERROR_ARGUMENT);
@@ -215,16 +231,36 @@ TEST(Interpolators, RefuseQueriesThatWouldOverflow) {
     EVERETT<double> everett;
     LOCAL_POLYNOM local;
     const ARRAY<POINT<double>> points = Points(kGrid);
-    for (INTERPOLATION<double, POINT<double>>* one :
-         std::initializer_list<INTERPOLATION<double, POINT<double>>*>{&polynom, &fit, &chebyshev, &spline, &everett, &local}) {
+    for (INTERPOLATION<double, POINT<double>>* one : std::initializer_list<INTERPOLATION<double, POINT<double>>*>{
+             &polynom, &fit, &chebyshev, &spline, &everett, &local}) {
         one->Create(points, 8, 8);
         for (const double x : {1e6, -1e9, 1e15}) one->Value(x);
         for (const double x : {1e299, -1e308, std::numeric_limits<double>::quiet_NaN()})
-            EXPECT_THAT(LogOfRefusal([&] { one->Value(x); }), HasSubstr("so far outside the data that its result would overflow"));
+            EXPECT_THAT(LogOfRefusal([&] { one->Value(x); }),
+                        HasSubstr("so far outside the data that its result would overflow"));
     }
     POLYNOM_FIT<float> narrow;
     narrow.Create(SamplesOf<POINT<float>>(kSine, Grid(0, 1, 12)), 8, -1);
     EXPECT_THAT(LogOfRefusal([&] { narrow.Value(1e8F); }), HasSubstr("does not fit the type float"));
+}
+
+TEST(Interpolators, RefuseQueriesBeforeASuccessfulCreate) {
+    const auto check = [](auto interpolation, const auto& points, auto bad) {
+        const char* const kText = "a query at 0 before there are support points";
+        EXPECT_THAT(LogOfRefusal([&] { interpolation.Value(0); }), HasSubstr(kText));
+        interpolation.Create(points, 2, 2);
+        bad[1].x = bad[0].x;
+        EXPECT_THROW(interpolation.Create(bad), ERROR_ARGUMENT);
+        EXPECT_THAT(LogOfRefusal([&] { interpolation.Value(0); }), HasSubstr(kText));
+    };
+    const ARRAY<POINT<double>> points = Points(Grid(-50, 10, 12));
+    check(POLYNOM<double>(), points, points);
+    check(SPLINE<double>(), points, points);
+    check(EVERETT<double>(), points, points);
+    check(LOCAL_POLYNOM(), points, points);
+    check(HERMITE_POLY<double>(), Slopes(Grid(-50, 10, 12)), Slopes(Grid(-50, 10, 12)));
+    EXPECT_THAT(LogOfRefusal([] { POLYNOM_FIT<double>().Value(0); }), HasSubstr("before there are support points"));
+    EXPECT_THAT(LogOfRefusal([] { CHEBY_POLY<double>().Value(0); }), HasSubstr("before there are support points"));
 }
 
 /// Runs in the child of a death test: its log goes to a file, which the parent reads.

@@ -38,7 +38,9 @@ using CHECK = std::function<void(const CLOSED_FORM&, const ABSCISSAE& nodes, con
 template <class I>
 CHECK Made(int order, int count) {
     return [=](const CLOSED_FORM& form, const ABSCISSAE& nodes, const ABSCISSAE& queries, const BOUNDS& bounds) {
-        constexpr bool kSlopes = requires(I i) { i.Create(ARRAY<DPOINT<double>>()); };
+        constexpr bool kSlopes = requires(I i) {
+            i.Create(ARRAY<DPOINT<double>>());
+        };
         I interpolation;
         interpolation.Create(SamplesOf<std::conditional_t<kSlopes, DPOINT<double>, POINT<double>>>(form, nodes, -3),
                              order, count);
@@ -76,7 +78,8 @@ TEST(Interpolators, ReproducePolynomialsUpToTheirDegreeAlsoOnUnevenPointsAndOuts
     for (const CASE& one : cases) {
         SCOPED_TRACE(one.name);
         const CLOSED_FORM form = PolynomialOf({c.begin(), c.begin() + one.degree + 1}, 46045, 60);
-        const ABSCISSAE queries = {45990, 45990.001, 45995, 46010, 46024.9, 46030, 46036, 46045.75, 46050, 46099, 46100};
+        const ABSCISSAE queries = {45990, 45990.001, 45995, 46010, 46024.9, 46030,
+                                   46036, 46045.75,  46050, 46099, 46100};
         one.check(form, nodes, queries, {2e-8, 2e-8, 1e-8});
         if (one.extrapolates) one.check(form, nodes, {45985, 46103}, {2e-7, 2e-7, 1e-7});  // rounding grows outside
     }
@@ -120,8 +123,8 @@ CLOSED_FORM NaturalSpline(double x0, int knots) {  // knots from 5
         }
         return total;
     };
-    return {[=](long double x) { return 3 + 2 * (x - x0) + sum(3, 1, x); }, [=](long double x) { return 2 + sum(2, 3, x); },
-            [=](long double x) { return sum(1, 6, x); }};
+    return {[=](long double x) { return 3 + 2 * (x - x0) + sum(3, 1, x); },
+            [=](long double x) { return 2 + sum(2, 3, x); }, [=](long double x) { return sum(1, 6, x); }};
 }
 
 TEST(Interpolators, SplineIsTheNaturalOneWithFullAndWithTridiagonalSystem) {
@@ -129,9 +132,10 @@ TEST(Interpolators, SplineIsTheNaturalOneWithFullAndWithTridiagonalSystem) {
         SCOPED_TRACE(knots);
         const double end = 1000 + knots - 1;
         const double size = std::pow(knots, 3);
-        Made<SPLINE<double>>(-1, -1)(NaturalSpline(1000, knots), Grid(1000, 1, knots),
-                                    {999.5, 1000, 1000.25, 1001, 1001.5, 1002, end - 1.5, end - 1, end - 0.25, end, end + 0.5},
-                                    {1e-12 * size, 1e-12 * size, 1e-12 * size});
+        Made<SPLINE<double>>(-1, -1)(
+            NaturalSpline(1000, knots), Grid(1000, 1, knots),
+            {999.5, 1000, 1000.25, 1001, 1001.5, 1002, end - 1.5, end - 1, end - 0.25, end, end + 0.5},
+            {1e-12 * size, 1e-12 * size, 1e-12 * size});
     }
     Made<SPLINE<double>>(-1, -1)(PolynomialOf({5, 3}, 0, 1), {1, 7}, {0, 1, 2, 7, 9}, {1e-14, 1e-14, 1e-14});
 }
@@ -150,7 +154,9 @@ TEST(Interpolators, SinesStayWithinTheKnownErrorBoundInEveryCell) {
     constexpr long double kOmega = 2 * 3.14159265358979323846L / 200;
     const ABSCISSAE grid = Grid(500, 10, 16);
     const CLOSED_FORM sine = SineOf(kAmplitude, kOmega);
-    const auto part = [&](int first, int count) { return ABSCISSAE(grid.begin() + first, grid.begin() + first + count); };
+    const auto part = [&](int first, int count) {
+        return ABSCISSAE(grid.begin() + first, grid.begin() + first + count);
+    };
     POLYNOM<double> polynom;
     HERMITE_POLY<double> hermite;
     LOCAL<POLYNOM<double>> local_even, local_odd;
@@ -180,7 +186,8 @@ TEST(Interpolators, SinesStayWithinTheKnownErrorBoundInEveryCell) {
         EXPECT_LE(error(hermite), bound(part(std::clamp(j - 2, 0, 12), 4), 2));
         EXPECT_LE(error(local_even), bound(part(std::clamp(static_cast<int>(t) - 2, 0, 10), 6)));
         EXPECT_LE(error(local_odd), bound(part(std::clamp(static_cast<int>(std::floor(t + 0.5)) - 2, 0, 11), 5)));
-        EXPECT_LE(error(local_hermite), bound(part(std::clamp(static_cast<int>(std::floor(t + 0.5)) - 1, 0, 13), 3), 2));
+        EXPECT_LE(error(local_hermite),
+                  bound(part(std::clamp(static_cast<int>(std::floor(t + 0.5)) - 1, 0, 13), 3), 2));
         if (x >= 520 && x <= 630) {
             EXPECT_LE(error(everett), bound(part(std::clamp(static_cast<int>(t) - 2, 0, 10), 6)));
         }
@@ -244,8 +251,11 @@ TEST(Interpolators, FloatErrsByTheRoundingOfInputAndResult) {
     const CLOSED_FORM form = PolynomialOf({7e6L, -3e5L, 2e4L}, 55, 60);
     const auto check = [&](auto interpolation, int order, int count) {
         using I = decltype(interpolation);
-        constexpr bool kSlopes = requires(I i) { i.Create(ARRAY<DPOINT<float>>()); };
-        interpolation.Create(SamplesOf<std::conditional_t<kSlopes, DPOINT<float>, POINT<float>>>(form, nodes), order, count);
+        constexpr bool kSlopes = requires(I i) {
+            i.Create(ARRAY<DPOINT<float>>());
+        };
+        interpolation.Create(SamplesOf<std::conditional_t<kSlopes, DPOINT<float>, POINT<float>>>(form, nodes), order,
+                             count);
         for (float x = 0; x <= 110; x += 2.75F) ExpectAgrees(interpolation, form, x, {1.0, 0.3, 0.2});
     };
     check(POLYNOM_FIT<float>(), 2, -1);

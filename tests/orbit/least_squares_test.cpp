@@ -149,7 +149,8 @@ void ExpectFitsAsGoodAsQr(const ARRAY<POINT<double>>& points, int order) {
 
 TEST(Fits, AreAsGoodAsLongDoubleQrOnAClosedFormOrbit) {
     // A low Earth orbit's x: the orbit's motion times the Earth's turn.
-    const CLOSED_FORM orbit{[](long double t) { return 7.07e6L * std::cos(1.06e-3L * t) * std::cos(7.292e-5L * t + 1); }, {}, {}};
+    const CLOSED_FORM orbit{
+        [](long double t) { return 7.07e6L * std::cos(1.06e-3L * t) * std::cos(7.292e-5L * t + 1); }, {}, {}};
     const ARRAY<POINT<double>> points = SamplesOf<POINT<double>>(orbit, Grid(46123.456789, 10, 20));
     for (const int order : {0, 3, 5, 7, 9, 11}) {
         SCOPED_TRACE(order);
@@ -163,13 +164,15 @@ std::vector<double> PoolList(const std::string& file, const std::string& key) {
     std::vector<double> values;
     for (std::string line; std::getline(pool, line);) {
         if (line.rfind(key + " ", 0) != 0) continue;
-        for (std::getline(pool, line); std::getline(pool, line) && line != "}";) values.push_back(std::strtod(line.c_str(), nullptr));
+        for (std::getline(pool, line); std::getline(pool, line) && line != "}";)
+            values.push_back(std::strtod(line.c_str(), nullptr));
     }
     return values;
 }
 
 TEST(Fits, AreAsGoodAsLongDoubleQrOnARealOrbit) {
-    const std::vector<double> positions = PoolList("/work/shared/scenes/pyrenees/master.pool", "state_vector_positions");
+    const std::vector<double> positions =
+        PoolList("/work/shared/scenes/pyrenees/master.pool", "state_vector_positions");
     if (positions.size() < 60) GTEST_SKIP() << "no real orbit at hand";
     for (size_t axis = 0; axis < 3; ++axis) {
         ARRAY<POINT<double>> points(0, 20);
@@ -193,7 +196,8 @@ TEST(Svdcmp, ReassemblesRandomMatricesOfAnyShape) {
         double* const w = NUMERICS::vector<double>(1, n);
         double* const work = NUMERICS::vector<double>(1, n);
         for (int i = 1; i <= m; ++i)
-            for (int j = 1; j <= n; ++j) u[i][j] = a[i][j] = j == 3 ? 2 * a[i][1] : uniform(random);  // one dependent column
+            for (int j = 1; j <= n; ++j)
+                u[i][j] = a[i][j] = j == 3 ? 2 * a[i][1] : uniform(random);  // one dependent column
         NUMERICS::svdcmp(u, m, n, w, v, work);
         for (int i = 1; i <= m; ++i)
             for (int j = 1; j <= n; ++j) {
@@ -252,11 +256,13 @@ TEST(NumericsHardStop, NamesTheReasonAndExitsWithOne) {
         NUMERICS::gaussj(a, 2, a, 0);
     };
     expect([&] { eliminate(1); }, "gaussj: Singular Matrix-2");
-    expect([] {
-        double nan[4] = {std::nan(""), std::nan(""), std::nan(""), std::nan("")};
-        double** const a = NUMERICS::convert_matrix(nan, 1, 2, 1, 2);
-        NUMERICS::gaussj(a, 2, a, 0);
-    }, "gaussj: Singular Matrix-1");
+    expect(
+        [] {
+            double nan[4] = {std::nan(""), std::nan(""), std::nan(""), std::nan("")};
+            double** const a = NUMERICS::convert_matrix(nan, 1, 2, 1, 2);
+            NUMERICS::gaussj(a, 2, a, 0);
+        },
+        "gaussj: Singular Matrix-1");
     constexpr long kHuge = 1L << 62;  // refused before the allocator, which a sanitizer would end the run for
     expect([] { NUMERICS::vector<float>(1, kHuge); }, "allocation failure in vector()");
     expect([] { NUMERICS::ivector(1, kHuge); }, "allocation failure in ivector()");

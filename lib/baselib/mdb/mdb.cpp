@@ -148,7 +148,8 @@ void MDB::CheckCanFollowLast(const MDB_RECORD& record) {
     const long long last = LastRecordStart();
     const MDB_RECORD before = RecordAt(last < 0 ? 0 : last);
     if (file_.Position() < file_.Size()) RefuseRecord(file_.Position(), "unexpected lines behind the last record");
-    if (std::is_gt(CompareValues(before.KeyItem(), record.KeyItem()))) throw "MDB::Write(): key lies before the last record";
+    if (std::is_gt(CompareValues(before.KeyItem(), record.KeyItem())))
+        throw "MDB::Write(): key lies before the last record";
 }
 
 void MDB::CheckCanSearch() const {

@@ -5,10 +5,9 @@
 ///     db.Open("/data/orbits", "2012_03.mdb", MDB_OPEN_MODE::READ_ONLY);
 ///     db.GotoRecord(start, MDB_STOP_MODE::BEFORE);
 ///     do Use(db["x"]); while (db.Read());
-/// Search: bisection over the bytes of the file, about 2 log2(size) reads of 4 KiB; nothing is kept between searches, so
-/// a file may grow meanwhile.
-/// Failures are thrown as plain character strings; a line at ALARM before it names file and reason where the text does
-/// not. The object stays usable after Rewind.   Threads: one object per thread.
+/// Search: bisection over the bytes of the file, about 2 log2(size) reads of 4 KiB; nothing is kept between searches,
+/// so a file may grow meanwhile. Failures are thrown as plain character strings; a line at ALARM before it names file
+/// and reason where the text does not. The object stays usable after Rewind.   Threads: one object per thread.
 
 #pragma once
 
@@ -36,8 +35,8 @@ class MDB {
   public:
     static constexpr const char* kDefinitionName = "format.dat";
 
-    /// Opens a data file and reads the record type, when the directory has one. READ_WRITE makes a missing directory and
-    /// a missing data file.
+    /// Opens a data file and reads the record type, when the directory has one. READ_WRITE makes a missing directory
+    /// and a missing data file.
     /// @param path       directory of the database
     /// @param file_name  data file in it
     /// @throws const char* "MDB::Open(): no path selected", "MDB::Open(): no file selected", "can not open mdb-file",
@@ -68,8 +67,8 @@ class MDB {
 
     /// The next record becomes the current one.
     /// @return false at the end of the file; the current record then stays
-    /// @throws const char* "MDB::Read(): no file open", "MDB::Read(): no valid record type", "MDB: invalid data record";
-    /// file, line's position and what was expected are logged
+    /// @throws const char* "MDB::Read(): no file open", "MDB::Read(): no valid record type", "MDB: invalid data
+    /// record"; file, line's position and what was expected are logged
     bool Read();
 
     /// Appends a record of the record type. The current record and the place of the next Read stay.

@@ -1,8 +1,7 @@
 /// \file mdb_record.h
-/// A record: its items, in the order of the record type, of which the first is the key item that orders the file. A record
-/// type is a record whose values do not matter.
-/// Record type definition ("format.dat"): one item per line, name ":" type word; blanks and tabs around the name and
-/// anywhere in the type word do not count, empty lines neither.
+/// A record: its items, in the order of the record type, of which the first is the key item that orders the file. A
+/// record type is a record whose values do not matter. Record type definition ("format.dat"): one item per line, name
+/// ":" type word; blanks and tabs around the name and anywhere in the type word do not count, empty lines neither.
 ///     time : utc
 ///     x : double
 

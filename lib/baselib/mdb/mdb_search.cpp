@@ -36,7 +36,8 @@ long long MDB::LastRecordStart() {
     for (long long reach = 4096;; reach *= 4) {
         const long long from = reach < size ? size - reach : 0;
         long long last = -1;
-        for (long long start = RecordStartFrom(from, size); start >= 0; start = RecordStartFrom(start + 1, size)) last = start;
+        for (long long start = RecordStartFrom(from, size); start >= 0; start = RecordStartFrom(start + 1, size))
+            last = start;
         if (last >= 0 || from == 0) return last;
     }
 }
@@ -49,8 +50,8 @@ RECORD_ITEM MDB::KeyAt(long long position) {
     return key;
 }
 
-/// Bisection over the bytes. Throughout: records that begin before `low` lie before the value, those from `high` on after
-/// it.
+/// Bisection over the bytes. Throughout: records that begin before `low` lie before the value, those from `high` on
+/// after it.
 MDB::NEIGHBOURS MDB::FindNeighbours(const RECORD_ITEM& key, SIDE side) {
     NEIGHBOURS neighbours;
     long long low = 0;
@@ -81,11 +82,20 @@ void MDB::Goto(const RECORD_ITEM& key, MDB_STOP_MODE mode) {
     file_.Seek(next);
     if (!has_records) throw "MDB::GotoRecord(): mdb-file holds no records";
     switch (mode) {
-        case MDB_STOP_MODE::BEFORE: current_ = RecordAt(FindBefore(key)); return;
-        case MDB_STOP_MODE::EXACT: current_ = RecordAt(FindExact(key)); return;
-        case MDB_STOP_MODE::NEAREST: current_ = RecordAt(FindNearest(key)); return;
-        case MDB_STOP_MODE::AFTER: current_ = RecordAt(FindAfter(key)); return;
-        case MDB_STOP_MODE::INVALID: break;
+        case MDB_STOP_MODE::BEFORE:
+            current_ = RecordAt(FindBefore(key));
+            return;
+        case MDB_STOP_MODE::EXACT:
+            current_ = RecordAt(FindExact(key));
+            return;
+        case MDB_STOP_MODE::NEAREST:
+            current_ = RecordAt(FindNearest(key));
+            return;
+        case MDB_STOP_MODE::AFTER:
+            current_ = RecordAt(FindAfter(key));
+            return;
+        case MDB_STOP_MODE::INVALID:
+            break;
     }
     throw "MDB::GotoRecord(): invalid stop mode";
 }

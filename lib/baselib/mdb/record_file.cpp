@@ -8,10 +8,9 @@
 #include <cstring>
 
 FILE_STATE FileStateOf(const std::string& path) {
-    struct stat status{};
+    struct stat status {};
     if (stat(path.c_str(), &status) != 0) return {};
-    return {true,           status.st_dev,          status.st_ino,
-            status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
+    return {true, status.st_dev, status.st_ino, status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
 }
 
 bool RECORD_FILE::Open(const std::string& path, bool create_and_write) {
@@ -20,7 +19,7 @@ bool RECORD_FILE::Open(const std::string& path, bool create_and_write) {
     const int flags = (create_and_write ? O_RDWR | O_CREAT : O_RDONLY) | O_NONBLOCK | O_CLOEXEC;
     descriptor_ = open(path.c_str(), flags, 0666);
     if (descriptor_ < 0) return false;
-    struct stat status{};
+    struct stat status {};
     if (fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode)) return true;
     Close();
     errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
@@ -35,7 +34,7 @@ void RECORD_FILE::Close() {
 }
 
 long long RECORD_FILE::Size() const {
-    struct stat status{};
+    struct stat status {};
     return fstat(descriptor_, &status) == 0 ? status.st_size : 0;
 }
 

@@ -110,11 +110,16 @@ const UNIVERSAL_TIME& RECORD_ITEM::Utc() const {
 
 RECORD_ITEM::operator double() const {
     switch (type_) {
-        case RECORD_ITEM_TYPE::INT: return integer_;
-        case RECORD_ITEM_TYPE::DOUBLE: return real_;
-        case RECORD_ITEM_TYPE::MET: return static_cast<double>(met_);  // throws the type's own text
-        case RECORD_ITEM_TYPE::UTC: return static_cast<double>(utc_);
-        case RECORD_ITEM_TYPE::NOT_SET: break;
+        case RECORD_ITEM_TYPE::INT:
+            return integer_;
+        case RECORD_ITEM_TYPE::DOUBLE:
+            return real_;
+        case RECORD_ITEM_TYPE::MET:
+            return static_cast<double>(met_);  // throws the type's own text
+        case RECORD_ITEM_TYPE::UTC:
+            return static_cast<double>(utc_);
+        case RECORD_ITEM_TYPE::NOT_SET:
+            break;
     }
     throw kUnknownType;
 }
@@ -122,11 +127,17 @@ RECORD_ITEM::operator double() const {
 std::string RECORD_ITEM::ValueText() const {
     char text[40] = "";
     switch (type_) {
-        case RECORD_ITEM_TYPE::INT: return std::to_string(integer_);
-        case RECORD_ITEM_TYPE::DOUBLE: std::snprintf(text, sizeof text, "% .16e", real_); return text;
-        case RECORD_ITEM_TYPE::MET: return met_.ToText();
-        case RECORD_ITEM_TYPE::UTC: return utc_.ToText();
-        case RECORD_ITEM_TYPE::NOT_SET: break;
+        case RECORD_ITEM_TYPE::INT:
+            return std::to_string(integer_);
+        case RECORD_ITEM_TYPE::DOUBLE:
+            std::snprintf(text, sizeof text, "% .16e", real_);
+            return text;
+        case RECORD_ITEM_TYPE::MET:
+            return met_.ToText();
+        case RECORD_ITEM_TYPE::UTC:
+            return utc_.ToText();
+        case RECORD_ITEM_TYPE::NOT_SET:
+            break;
     }
     throw kUnknownType;
 }
@@ -134,11 +145,20 @@ std::string RECORD_ITEM::ValueText() const {
 void RECORD_ITEM::SetFromText(const std::string& text) {
     const std::string value = Trimmed(text);
     switch (type_) {
-        case RECORD_ITEM_TYPE::INT: integer_ = IntFromText(value); return;
-        case RECORD_ITEM_TYPE::DOUBLE: real_ = DoubleFromText(value); return;
-        case RECORD_ITEM_TYPE::MET: met_ = TimeFromText<MISSION_ELAPSED_TIME>(value); return;
-        case RECORD_ITEM_TYPE::UTC: utc_ = TimeFromText<UNIVERSAL_TIME>(value); return;
-        case RECORD_ITEM_TYPE::NOT_SET: break;
+        case RECORD_ITEM_TYPE::INT:
+            integer_ = IntFromText(value);
+            return;
+        case RECORD_ITEM_TYPE::DOUBLE:
+            real_ = DoubleFromText(value);
+            return;
+        case RECORD_ITEM_TYPE::MET:
+            met_ = TimeFromText<MISSION_ELAPSED_TIME>(value);
+            return;
+        case RECORD_ITEM_TYPE::UTC:
+            utc_ = TimeFromText<UNIVERSAL_TIME>(value);
+            return;
+        case RECORD_ITEM_TYPE::NOT_SET:
+            break;
     }
     throw kUnknownType;
 }
@@ -146,15 +166,19 @@ void RECORD_ITEM::SetFromText(const std::string& text) {
 std::weak_ordering CompareValues(const RECORD_ITEM& a, const RECORD_ITEM& b) {
     b.CheckType(a.type_);
     switch (a.type_) {
-        case RECORD_ITEM_TYPE::INT: return a.integer_ <=> b.integer_;
+        case RECORD_ITEM_TYPE::INT:
+            return a.integer_ <=> b.integer_;
         case RECORD_ITEM_TYPE::DOUBLE:
             if (std::isnan(a.real_) || std::isnan(b.real_)) throw "MDB: RECORD_ITEM: value is not a number";
             return a.real_ < b.real_   ? std::weak_ordering::less
                    : a.real_ > b.real_ ? std::weak_ordering::greater
                                        : std::weak_ordering::equivalent;
-        case RECORD_ITEM_TYPE::MET: return a.met_ <=> b.met_;
-        case RECORD_ITEM_TYPE::UTC: return a.utc_ <=> b.utc_;
-        case RECORD_ITEM_TYPE::NOT_SET: break;
+        case RECORD_ITEM_TYPE::MET:
+            return a.met_ <=> b.met_;
+        case RECORD_ITEM_TYPE::UTC:
+            return a.utc_ <=> b.utc_;
+        case RECORD_ITEM_TYPE::NOT_SET:
+            break;
     }
     throw kUnknownType;
 }
@@ -163,8 +187,10 @@ long double Distance(const RECORD_ITEM& a, const RECORD_ITEM& b) {
     const std::weak_ordering order = CompareValues(a, b);  // and checks the types
     if (order == std::weak_ordering::equivalent) return 0;
     switch (a.type_) {
-        case RECORD_ITEM_TYPE::MET: return std::fabs(TIME_AXIS<MISSION_ELAPSED_TIME>::SecondsSince(a.met_, b.met_));
-        case RECORD_ITEM_TYPE::UTC: return std::fabs(TIME_AXIS<UNIVERSAL_TIME>::SecondsSince(a.utc_, b.utc_));
+        case RECORD_ITEM_TYPE::MET:
+            return std::fabs(TIME_AXIS<MISSION_ELAPSED_TIME>::SecondsSince(a.met_, b.met_));
+        case RECORD_ITEM_TYPE::UTC:
+            return std::fabs(TIME_AXIS<UNIVERSAL_TIME>::SecondsSince(a.utc_, b.utc_));
         default:
             return std::fabs(static_cast<long double>(static_cast<double>(a)) -
                              static_cast<long double>(static_cast<double>(b)));

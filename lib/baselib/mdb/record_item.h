@@ -1,8 +1,8 @@
 /// \file record_item.h
 /// One item of a record: key name, type and value.
-/// Text of a value: "int" decimal; "double" in scientific notation with 16 digits behind the point (reads back to the same
-/// bits), a blank where a negative one has its sign; "met" and "utc" as those types print themselves.
-/// Failures are thrown as plain character strings.   Threads: plain values.
+/// Text of a value: "int" decimal; "double" in scientific notation with 16 digits behind the point (reads back to the
+/// same bits), a blank where a negative one has its sign; "met" and "utc" as those types print themselves. Failures are
+/// thrown as plain character strings.   Threads: plain values.
 
 #pragma once
 
