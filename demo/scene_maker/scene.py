@@ -170,8 +170,9 @@ def _write_acquisition(scene, acquisition, comment, days_later, path, is_slave):
     times = [axis.time(time_s, index) for index, time_s in enumerate(acquisition.state_vector_times_s)]
     (pool.texts if axis.is_text else pool.reals)("state_vector_times", times)
     state = acquisition.orbit.state(acquisition.state_vector_times_s)
-    pool.reals("state_vector_positions", state.position_m.ravel())
-    pool.reals("state_vector_velocities", state.velocity_m_s.ravel())
+    tag = "FLT_6" if "_float_" in options.orbit_representation else "FLT_15"  # the pool's type is the coordinates' own
+    pool.reals("state_vector_positions", state.position_m.ravel(), tag)
+    pool.reals("state_vector_velocities", state.velocity_m_s.ravel(), tag)
     if not is_slave:
         pool.reals("ellipsoid_parameters", [0.0] * 7 + [WGS84.equatorial_radius_m, WGS84.polar_radius_m])
     pool.real("prf", options.prf_hz)
