@@ -42,7 +42,9 @@ def cut(name, size):
     return lambda folder: os.truncate(folder / name, size)
 
 
+NO_SHIFTS = keys(RG_COREG=None, AZ_COREG=None)
 KEY_NOT_FOUND = "pool error - key not found"
+BOTH_DIRECTIONS = "factors above 1 are needed in both directions or in none"
 FATAL = "program aborted due to FATAL ERROR"
 
 # What is wrong, how the scene is changed, and texts that stand in the ALARM lines, in this order.
@@ -106,7 +108,15 @@ CASES = [
                                                     "shift_matrices_subsampling_rg INT_32 2"),
                                                pool("insar.pool", "shift_matrices_subsampling_az",
                                                     "shift_matrices_subsampling_az INT_32 1")),
-     ["Error: simulated area extension is not enough for subsampled shift matrices"]),
+     ["Error: simulated area extension is not enough for subsampled shift matrices", BOTH_DIRECTIONS]),
+    ("Earth factor of 2 in one direction only", both(NO_SHIFTS, pool("insar.pool", "earth_matrices_subsampling_y",
+                                                                     "earth_matrices_subsampling_y INT_32 2")),
+     ["Error: simulated area extension is not enough for subsampled shift matrixes", BOTH_DIRECTIONS]),
+    ("geocoding factor of 2 in one direction only",
+     both(NO_SHIFTS, pool("insar.pool", "geco_sub_factor_range", "geco_sub_factor_range INT_32 1"),
+          pool("insar.pool", "geco_sub_factor_azimuth", "geco_sub_factor_azimuth INT_32 2")),
+     [" h_earth coverage not enough for interpolation in geco grid", "       h_earth: 60 x 52 (sub 1 x 1 )",
+      "       geco:    61 x 26 (sub 1 x 2, eq 60 x 50 )", BOTH_DIRECTIONS]),
     ("DEM shorter than its header says", cut("dem.ras", 5000), ["dem.ras"]),
     ("DEM of a header only", cut("dem.ras", 32), ["dem.ras"]),
     ("DEM empty", cut("dem.ras", 0), ["MEM_MGR: can not read header from: dem.ras"]),
