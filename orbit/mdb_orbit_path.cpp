@@ -60,7 +60,7 @@ const ID_TEXT* TapeSourceIds() {
 std::string TextOfId(const ID_TEXT* table, int id, const std::string& pool_file, const char* key) {
     for (const ID_TEXT* row = table; row->text != nullptr; ++row) {
         if (row->id != id) continue;
-        const std::string text = row->text;
+        std::string text = row->text;
         if (text.find('/') != std::string::npos || text.find("..") != std::string::npos) {
             Refuse(pool_file, key, id, "stands for a text that leads out of the database");
         }

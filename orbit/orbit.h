@@ -28,8 +28,9 @@ class ORBIT : public SAMPLED_ORBIT<T, S> {
     [[nodiscard]] ORBIT_STATE State(double t_s) const override {
         if (!this->HasSamples()) RefuseCoreObject();
         if constexpr (std::is_same_v<T, float>) {
-            constexpr double kFarOutside_s = 1e30;  // the interpolators refuse it, the conversion to float would trap
-            return axes_.State(static_cast<float>(std::clamp(t_s, -kFarOutside_s, kFarOutside_s)));
+            constexpr double kFarOutsideSeconds =
+                1e30;  // the interpolators refuse it, the conversion to float would trap
+            return axes_.State(static_cast<float>(std::clamp(t_s, -kFarOutsideSeconds, kFarOutsideSeconds)));
         } else {
             return axes_.State(t_s);
         }

@@ -55,13 +55,13 @@ const ROWS_OF_TYPE* const kRowsOfTypes[kOrbitTypes] = {
 
 ORBIT_FACTORY_TABLE BuildTable() {
     ORBIT_FACTORY_TABLE table{};
+    size_t row = 0;
     for (int type = 0; type < kOrbitTypes; ++type) {
         for (int interpolation = 0; interpolation < kInterpolations; ++interpolation) {
             const auto type_id = static_cast<ORBIT_TYPE_ID>(type + 1);
             const auto interpolation_id = static_cast<INTERPOLATION_ID>(interpolation);
-            table[static_cast<size_t>(type * kInterpolations + interpolation)] = {
-                type_id, TextOf(type_id), interpolation_id, TextOf(interpolation_id),
-                (*kRowsOfTypes[type])[static_cast<size_t>(interpolation)]};
+            table[row++] = {type_id, TextOf(type_id), interpolation_id, TextOf(interpolation_id),
+                            (*kRowsOfTypes[type])[static_cast<size_t>(interpolation)]};
         }
     }
     return table;

@@ -17,7 +17,7 @@ struct ORBIT_FACTORY_ROW {
                                               ///< "localchebyshev", "hermite" and "localhermite": returns null
 };
 
-using ORBIT_FACTORY_TABLE = std::array<ORBIT_FACTORY_ROW, kOrbitTypes * kInterpolations>;
+using ORBIT_FACTORY_TABLE = std::array<ORBIT_FACTORY_ROW, size_t{kOrbitTypes} * size_t{kInterpolations}>;
 
 /// In order of type and then interpolation.
 [[nodiscard]] const ORBIT_FACTORY_TABLE& OrbitFactoryTable();

@@ -15,9 +15,9 @@
 namespace {
 
 // No satellite of the Earth is beyond; a value that is has been misread or stands in another unit.
-constexpr double kFarthest_m = 1e9;
-constexpr double kFastest_m_s = 1e6;
-constexpr double kLongest_s = 1e10;  // 300 years between state vector and reference time
+constexpr double kFarthestMetres = 1e9;
+constexpr double kFastestMetresPerSecond = 1e6;
+constexpr double kLongestSeconds = 1e10;  // 300 years between state vector and reference time
 
 std::string NameOf(const std::string& file, const std::string& key) {
     return file + ": key \"" + key + "\"";
@@ -99,14 +99,14 @@ void CheckTriple(const VECTOR_3D<T>& triple, double largest, const char* unit, c
 template <class S>
 double PlausibleSeconds(const S& reference, const S& time, const std::string& name, size_t entry) {
     if constexpr (std::is_same_v<S, double>) {  // before the difference: it could overflow
-        if (!IsPlausible(time, kLongest_s)) {
-            Refuse("%s: state vector %zu: %.9g s is outside +-%g s", name.c_str(), entry, time, kLongest_s);
+        if (!IsPlausible(time, kLongestSeconds)) {
+            Refuse("%s: state vector %zu: %.9g s is outside +-%g s", name.c_str(), entry, time, kLongestSeconds);
         }
     }
     const double seconds = TIME_AXIS<S>::SecondsSince(reference, time);
-    if (!IsPlausible(seconds, kLongest_s)) {
+    if (!IsPlausible(seconds, kLongestSeconds)) {
         Refuse("%s: state vector %zu: %.9g s from the reference time are more than %g s", name.c_str(), entry, seconds,
-               kLongest_s);
+               kLongestSeconds);
     }
     return seconds;
 }
@@ -167,8 +167,8 @@ std::vector<ORBIT_SAMPLE<T>> CheckedSamples(const STATE_VECTORS<T, S>& vectors, 
     std::vector<ORBIT_SAMPLE<T>> samples(vectors.size());
     for (size_t i = 0; i < vectors.size(); ++i) {
         const STATE_VECTOR<T, S>& vector = vectors[i];
-        CheckTriple(vector.position_m, kFarthest_m, "m", NameOf(source.file, source.position_key), i);
-        CheckTriple(vector.velocity_m_s, kFastest_m_s, "m/s", NameOf(source.file, source.velocity_key), i);
+        CheckTriple(vector.position_m, kFarthestMetres, "m", NameOf(source.file, source.position_key), i);
+        CheckTriple(vector.velocity_m_s, kFastestMetresPerSecond, "m/s", NameOf(source.file, source.velocity_key), i);
         const T t_s = static_cast<T>(PlausibleSeconds(reference, vector.time, time_name, i));
         samples[i] = {t_s, vector.position_m, vector.velocity_m_s};
         if (i > 0 && !(samples[i].t_s > samples[i - 1].t_s)) {
