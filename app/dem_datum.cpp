@@ -1,5 +1,6 @@
 #include "app/dem_datum.h"
 
+#include <cmath>
 #include <string>
 
 #include "app/refusal.h"
@@ -9,6 +10,7 @@
 namespace {
 
 constexpr double kRotationTolerance = 1e-6;
+constexpr double kLargestScaleDifference = 0.01;  ///< datums differ by some parts per million
 
 /// The elements of a list of known length, whatever its first index.
 ARRAY<double> ReadList(PARAMETER_POOL& pool, const std::string& key, int length) {
@@ -47,7 +49,10 @@ DATUM ReadDatum(PARAMETER_POOL& pool) {
     if (!IsRotation(datum.rotation, kRotationTolerance))
         RefuseValue({pool.FileName(), "datum_rotation"}, "of 9 elements", "is no rotation (orthonormal to 1e-6)");
     if (pool.FindKey("datum_scale")) datum.scale = pool.Get<double>("datum_scale");
-    RequirePositive({pool.FileName(), "datum_scale"}, datum.scale);
+    RequireFinite({pool.FileName(), "datum_scale"}, datum.scale);
+    if (std::abs(datum.scale - 1.0) > kLargestScaleDifference)
+        RefuseValue({pool.FileName(), "datum_scale"}, datum.scale,
+                    "is outside 0.99..1.01 (a factor, not parts per million)");
     return datum;
 }
 

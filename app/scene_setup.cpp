@@ -1,5 +1,6 @@
 #include "app/scene_setup.h"
 
+#include "simulation/azimuth_shift_correction.h"
 #include "simulation/common_time_axis.h"
 
 namespace {
@@ -54,10 +55,12 @@ void SetUpAcquisitions(SIMULATION_STATE& state) {
     scene.master = SceneOf(state.master);
     scene.slave = SceneOf(state.slave);
     scene.bistatic = state.mode.IsSinglePass();
-    if (scene.bistatic) CarrySlaveOntoMasterAxis(scene.master, scene.slave);
     const ARRAY<double>& coefficients = state.correction.coefficients;
     scene.correction.coefficients.assign(coefficients.begin(), coefficients.end());
     scene.correction.fast_time_reference_s = state.correction.fast_time_reference_s;
+    if (!scene.bistatic) return;
+    CheckAzimuthShiftCorrection(scene.correction, scene.slave);
+    CarrySlaveOntoMasterAxis(scene.master, scene.slave);
 }
 
 void SetUpGrids(SIMULATION_STATE& state) {

@@ -10,6 +10,7 @@
 #include "lib/baselib/logging/logging.h"
 #include "orbit/general_orbit.h"
 #include "orbit/svdfit.h"
+#include "simulation/azimuth_shift_correction.h"
 
 namespace {
 
@@ -54,11 +55,13 @@ BISTATIC_SOLUTION::BISTATIC_SOLUTION(const SCENE& scene, const SETTINGS& setting
 
 void BISTATIC_SOLUTION::PrepareForAperture(double aperture_s) {
     aperture_s_ = aperture_s;
-    if (!(aperture_s_ > 0.0)) {
-        Log().Message(LOGGING_LEVEL::ALARM,
-                      "bistatic solution: aperture time %g s of the slave is not above 0 (az_bandwidth %g Hz, "
-                      "radar_frequency %g Hz)",
-                      aperture_s_, scene_.slave.azimuth_bandwidth_hz, scene_.slave.carrier_frequency_hz);
+    const double data_s = scene_.slave.orbit.orbit->LastTime() - scene_.slave.orbit.orbit->FirstTime();
+    if (!(aperture_s_ > 0.0 && aperture_s_ <= data_s)) {
+        Log().Message(
+            LOGGING_LEVEL::ALARM,
+            "bistatic solution: aperture time %g s of the slave is not above 0 and within its orbit's data of "
+            "%g s (az_bandwidth %g Hz, radar_frequency %g Hz)",
+            aperture_s_, data_s, scene_.slave.azimuth_bandwidth_hz, scene_.slave.carrier_frequency_hz);
         throw ERROR_PARAMETER();
     }
     PrepareFit();
@@ -170,14 +173,6 @@ BISTATIC_SOLUTION::PARABOLA BISTATIC_SOLUTION::Fit() const {
     return {coefficient(0), coefficient(1) / scale_s, coefficient(2) / (scale_s * scale_s)};
 }
 
-double BISTATIC_SOLUTION::Correction(double travel_time_s) const {
-    const std::vector<double>& p = scene_.correction.coefficients;
-    const double u = travel_time_s - scene_.correction.fast_time_reference_s;
-    double sum = 0.0;
-    for (auto coefficient = p.rbegin(); coefficient != p.rend(); ++coefficient) sum = sum * u + *coefficient;
-    return sum;
-}
-
 BISTATIC_SOLUTION::EQUIVALENT BISTATIC_SOLUTION::Solve(const VECTOR_3D<double>& point_m, double master_time_s,
                                                        double master_range_m, double slave_time_s,
                                                        const POINT<int>& dem_index) {
@@ -199,8 +194,8 @@ BISTATIC_SOLUTION::EQUIVALENT BISTATIC_SOLUTION::Solve(const VECTOR_3D<double>& 
     }
     const double vertex_s = static_cast<double>(-0.5L * y.c1 / y.c2) + middle_s;
     const double shortest_s = static_cast<double>(std::sqrt(radicand));
-    return {shortest_s * kSpeedOfLight * 0.5,
-            master_range_m / kSpeedOfLight + (vertex_s - shortest_s) + Correction(shortest_s)};
+    return {shortest_s * kSpeedOfLight * 0.5, master_range_m / kSpeedOfLight + (vertex_s - shortest_s) +
+                                                  AzimuthShiftCorrection(scene_.correction, shortest_s)};
 }
 
 void BISTATIC_SOLUTION::LogStatistics() const {

@@ -36,7 +36,7 @@ class BISTATIC_SOLUTION {
 
     /// Aperture time and the fit's constant part, once before the first Solve. The aperture is that of the DEM's
     /// centre, or of the centre of the simulated rows and columns where the former lies outside the orbits' data.
-    /// Errors: an aperture time that is not above 0 is logged at ALARM, then ERROR_PARAMETER.
+    /// Errors: an aperture time of 0, or longer than the slave orbit's data, is logged at ALARM, then ERROR_PARAMETER.
     void Prepare() { PrepareForAperture(ReferenceAperture()); }
     /// The same for a given aperture time in seconds.
     void PrepareForAperture(double aperture_s);
@@ -70,7 +70,6 @@ class BISTATIC_SOLUTION {
     [[nodiscard]] double SampleTime(int sample) const;
     [[nodiscard]] double TravelTime(int sample, const VECTOR_3D<double>& point_m, double receive_time_s);
     [[nodiscard]] PARABOLA Fit() const;
-    [[nodiscard]] double Correction(double travel_time_s) const;
 
     const SCENE& scene_;
     SETTINGS settings_;

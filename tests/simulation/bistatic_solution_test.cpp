@@ -5,9 +5,11 @@
 
 #include <array>
 #include <cmath>
+#include <limits>
 
 #include "geometry/zero_doppler.h"
 #include "lib/baselib/errors/error_exception.h"
+#include "simulation/azimuth_shift_correction.h"
 #include "simulation/common_time_axis.h"
 #include "tests/simulation/test_scene.h"
 #include "tests/time/log_capture.h"
@@ -203,6 +205,35 @@ TEST(BistaticSolution, AddsTheCorrectionPolynomial) {
     }
 }
 
+TEST(AzimuthShiftCorrection, RefusesWhatMovesTheSlaveOutOfSight) {
+    ACQUISITION_SCENE slave;
+    slave.near_range_time_s = 0.0058;
+    slave.far_range_time_s = 0.0060;
+    const struct {
+        std::vector<double> coefficients;
+        double reference_s;
+        const char* text;  ///< nullptr: accepted
+    } cases[] = {
+        {{}, 1e300, nullptr},
+        {{3e-6, -1.5e-3, 0.02, 0.0, 1e16}, 0.0058, nullptr},
+        {{101.0}, 0.0058, "element 0, 101,"},
+        {{0.0, 1e300}, 0.0058, "element 1, 1e+300,"},
+        {{0.0, 0.0, 1e-3}, 1e300, "element 2, 0.001,"},
+        {{std::numeric_limits<double>::infinity()}, 0.0, "element 0, inf,"},
+        {{1.0}, std::numeric_limits<double>::quiet_NaN(), "fast_time_reference"},
+    };
+    for (const auto& c : cases) {
+        const std::string log = LoggedBy([&] {
+            const auto check = [&] { CheckAzimuthShiftCorrection({c.coefficients, c.reference_s}, slave); };
+            if (c.text == nullptr)
+                EXPECT_NO_THROW(check());
+            else
+                EXPECT_THROW(check(), ERROR_PARAMETER);
+        });
+        EXPECT_THAT(log, testing::HasSubstr(c.text == nullptr ? "" : c.text));
+    }
+}
+
 TEST(BistaticSolution, TellsHowManyIterationsItTook) {
     const PAIR pair(Formation(0.7, 300.0, 200.0), 1.0, 0.0);
     BISTATIC_SOLUTION solution(pair.scene);
@@ -258,11 +289,12 @@ TEST(BistaticSolution, NamesThePointWhoseTravelTimesHaveNoMinimum) {
     EXPECT_THAT(log, testing::HasSubstr("DEM column 12, row 34"));
 }
 
-TEST(BistaticSolution, RefusesAnApertureOfNoTime) {
+TEST(BistaticSolution, RefusesAnApertureOfNoTimeOrBeyondTheOrbit) {
     PAIR pair(Formation(0.7, 300.0, 200.0), 1.0, 0.0);
     BISTATIC_SOLUTION solution(pair.scene);
     EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(solution.PrepareForAperture(0.0), ERROR_PARAMETER); }),
                 testing::HasSubstr("aperture time 0 s"));
+    EXPECT_THROW(solution.PrepareForAperture(1e30), ERROR_PARAMETER);
 }
 
 double ApertureInClosedForm(const TEST_SCENE& s, const VECTOR_3D<double>& point_m) {
