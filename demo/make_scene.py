@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Writes a synthetic scene for velmora: DEM raster, DEM, master, slave, InSAR and log pool, and the control file scene.pcf.
 
-Every option of the list below is a field of scene_maker/options.py. Needs python3-numpy.
+Needs python3-numpy.
 """
 
 import argparse
@@ -14,6 +14,23 @@ sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 from scene_maker import scene  # noqa: E402
 from scene_maker.options import SCENE_OPTIONS  # noqa: E402
 
+HELP = {
+    "samples": "master image, range", "lines": "master image, azimuth", "seed": "of the terrain",
+    "side": "where the antenna looks: right or left", "permanent_scatterer": "image keys in the acquisitions' own pools",
+    "oversampling": "in permanent-scatterer mode; the rates are those before it", "pass_direction": "ascending or descending",
+    "slave_radar_frequency_hz": "0: the master's", "inclination_deg": "0: 97.5, or 90 where that one does not reach",
+    "along_track_m": "the slave flies this much ahead", "slave_is_master": "a pair of one image with itself",
+    "single_pass": "both satellites at once", "correction_coefficients": "azimuth-shift polynomial of a single-pass pair",
+    "state_vectors": "0: enough to reach 50 s beyond the image", "terrain": "fractal, or flat at low-m",
+    "low_m": "lowest height", "high_m": "highest height", "smoothness": "1.5 jagged .. 2.5 rounded",
+    "height_step_m": "heights are multiples of this", "dem_spacing_arcsec": "geographic grids: overrides dem-spacing-m",
+    "dem_margin_m": "around the area needed; negative: too small", "cover_low_m": "the DEM covers the image for heights from here",
+    "cover_high_m": "to here", "longitudes": "signed: -180..180, positive: 0..360", "utm": "a UTM grid",
+    "utm_zone": "0: the zone of the centre", "ellipsoid": "Airy, Bessel, GRS80, WGS84", "datum_shift_m": "x y z",
+    "datum_rotation_arcsec": "about x y z", "products": "of: phase shifts earth height",
+    "shift_factors": "range azimuth", "earth_factors": "range azimuth", "geocoding_factors": "range azimuth",
+    "invalid_value": "IFGRM_INVALID", "dem_valid": "DEM_VALID",
+}
 TUPLE_KINDS = {"products": str, "shift_factors": int, "earth_factors": int, "geocoding_factors": int}
 
 
@@ -22,14 +39,15 @@ def parse_arguments(arguments):
     parser.add_argument("folder", help="where the scene goes; created when it is missing")
     for field in dataclasses.fields(SCENE_OPTIONS):
         name, default = "--" + field.name.replace("_", "-"), field.default
+        explanation = HELP.get(field.name, field.name.replace("_", " "))
         if isinstance(default, bool):
-            parser.add_argument(name, action="store_true", help=" ")
+            parser.add_argument(name, action="store_true", help=explanation)
         elif isinstance(default, tuple):
             kind = TUPLE_KINDS.get(field.name, float)
-            parser.add_argument(name, nargs="*", type=kind, default=list(default), metavar=kind.__name__, help=" ")
+            parser.add_argument(name, nargs="*", type=kind, default=list(default), metavar=kind.__name__, help=explanation)
         else:
             kind = type(default)
-            parser.add_argument(name, type=kind, default=default, metavar=kind.__name__, help=" ")
+            parser.add_argument(name, type=kind, default=default, metavar=kind.__name__, help=explanation)
     return vars(parser.parse_args(arguments))
 
 
