@@ -8,6 +8,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "lib/baselib/containers/records.h"
 #include "lib/baselib/containers/vector.h"
@@ -59,6 +60,8 @@ class GENERAL_ORBIT {
     [[nodiscard]] double FirstTime() const { return Core().FirstTime(); }
     [[nodiscard]] double LastTime() const { return Core().LastTime(); }
     [[nodiscard]] int StateVectorCount() const { return Core().StateVectorCount(); }
+    /// See ORBIT_BASE.
+    [[nodiscard]] std::vector<double> PieceBounds() const { return Core().PieceBounds(); }
 
     [[nodiscard]] ANY_TIME ReferenceTime() const { return Core().ReferenceTime(); }
     /// A time of the orbit's own type as seconds on the axis of the queries, leap seconds counted.

@@ -51,6 +51,8 @@ int ORBIT_BASE::StateVectorCount() const {
     RefuseOperation("StateVectorCount()");
 }
 
+std::vector<double> ORBIT_BASE::PieceBounds() const { RefuseOperation("PieceBounds()"); }
+
 void ORBIT_BASE::SetReferenceTime(const ANY_TIME&) {
     RefuseOperation("SetReferenceTime(const ANY_TIME&)");
 }

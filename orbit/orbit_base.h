@@ -9,6 +9,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "orbit/interpolation_request.h"
 #include "orbit/orbit_configuration.h"
@@ -38,6 +39,9 @@ class ORBIT_BASE {
     [[nodiscard]] virtual double FirstTime() const;
     [[nodiscard]] virtual double LastTime() const;
     [[nodiscard]] virtual int StateVectorCount() const;
+    /// Increasing times, FirstTime() to LastTime(), between which every axis is one polynomial: the interpolation may
+    /// hand over from one piece to the next at these times only.
+    [[nodiscard]] virtual std::vector<double> PieceBounds() const;
 
     /// To be set before the state vectors are read. @throws ERROR_ARGUMENT, after logging, for another time type than
     /// the orbit's own

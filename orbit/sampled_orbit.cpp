@@ -24,6 +24,20 @@ double SAMPLED_ORBIT<T, S>::LastTime() const {
     return samples_.back().t_s;
 }
 
+// State vectors and the middles between them: whatever the interpolator, it hands over nowhere else.
+template <class T, class S>
+std::vector<double> SAMPLED_ORBIT<T, S>::PieceBounds() const {
+    if (!HasSamples()) RefuseCoreObject();
+    std::vector<double> bounds;
+    for (std::size_t i = 0; i + 1 < samples_.size(); ++i) {
+        const T middle_s = samples_[i].t_s + (samples_[i + 1].t_s - samples_[i].t_s) / 2;
+        bounds.push_back(samples_[i].t_s);
+        bounds.push_back(middle_s);
+    }
+    bounds.push_back(samples_.back().t_s);
+    return bounds;
+}
+
 template <class T, class S>
 void SAMPLED_ORBIT<T, S>::SetReferenceTime(const ANY_TIME& time) {
     const S* const own_type = std::get_if<S>(&time);

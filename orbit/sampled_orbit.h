@@ -19,6 +19,7 @@ class SAMPLED_ORBIT : public ORBIT_BASE {
     [[nodiscard]] double FirstTime() const override;
     [[nodiscard]] double LastTime() const override;
     [[nodiscard]] int StateVectorCount() const override { return static_cast<int>(samples_.size()); }
+    [[nodiscard]] std::vector<double> PieceBounds() const override;
 
     void SetReferenceTime(const ANY_TIME& time) override;
     [[nodiscard]] ANY_TIME ReferenceTime() const override { return reference_; }
