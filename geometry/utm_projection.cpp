@@ -67,6 +67,28 @@ MAP_GEOGRAPHIC UTM_PROJECTION::Inverse(const MAP_POSITION& position) const {
     return {InOneTurn(lambda), phi};
 }
 
+UTM_INVERSE_ROW UTM_PROJECTION::InverseRow(double northing_m) const {
+    const double m = (northing_m - false_northing_m_) / scale_ + origin_meridian_distance_m_;
+    const double mu = m / rectifying_radius_m_;
+    const double phi1 = mu + footpoint_[0] * std::sin(2.0 * mu) + footpoint_[1] * std::sin(4.0 * mu) +
+                        footpoint_[2] * std::sin(6.0 * mu) + footpoint_[3] * std::sin(8.0 * mu);
+    const double sin1 = std::sin(phi1);
+    const double cos1 = std::cos(phi1);
+    const double tan1 = std::tan(phi1);
+    const double c1 = ep2_ * cos1 * cos1;
+    const double t1 = tan1 * tan1;
+    const double w2 = 1.0 - e2_ * sin1 * sin1;
+    const double n1 = a_m_ / std::sqrt(w2);
+    const double r1 = a_m_ * (1.0 - e2_) / (w2 * std::sqrt(w2));
+    const double k = n1 * tan1 / r1;
+    return {phi1,
+            1.0 / (n1 * scale_),
+            {k / 2.0, -k * (5.0 + 3.0 * t1 + 10.0 * c1 - 4.0 * c1 * c1 - 9.0 * ep2_) / 24.0,
+             k * (61.0 + 90.0 * t1 + 298.0 * c1 + 45.0 * t1 * t1 - 252.0 * ep2_ - 3.0 * c1 * c1) / 720.0},
+            {1.0 / cos1, -(1.0 + 2.0 * t1 + c1) / (6.0 * cos1),
+             (5.0 - 2.0 * c1 + 28.0 * t1 - 3.0 * c1 * c1 + 8.0 * ep2_ + 24.0 * t1 * t1) / (120.0 * cos1)}};
+}
+
 double UTM_PROJECTION::MeridianDistance(double latitude_rad) const {
     const double e4 = e2_ * e2_;
     const double e6 = e4 * e2_;

@@ -27,12 +27,28 @@ struct MAP_GEOGRAPHIC {
     double latitude_rad = 0.0;
 };
 
+/// The inverse series along one line of constant northing, in d = (easting - false easting) arc_per_metre:
+///   latitude = footpoint - (c0 d^2 + c1 d^4 + c2 d^6), longitude = central meridian + l0 d + l1 d^3 + l2 d^5.
+struct UTM_INVERSE_ROW {
+    double footpoint_rad;
+    double arc_per_metre;
+    double c[3];
+    double l[3];
+};
+
 class UTM_PROJECTION {
   public:
     /// @param zone  1 to 60; the central meridian is 6 zone - 183 degrees. The caller has checked it.
     UTM_PROJECTION(double a_m, double e2, int zone, bool southern_hemisphere);
 
     [[nodiscard]] MAP_GEOGRAPHIC Inverse(const MAP_POSITION& position) const;
+
+    /// What Inverse has in common for all positions of one northing; the folding of longitudes into one turn and of
+    /// latitudes beyond a pole is left to the caller.
+    [[nodiscard]] UTM_INVERSE_ROW InverseRow(double northing_m) const;
+
+    [[nodiscard]] double CentralMeridian() const { return central_meridian_rad_; }
+    [[nodiscard]] double FalseEasting() const { return false_easting_m_; }
 
     /// The map position whose Inverse is the given point, to 1e-6 m within 6 degrees of the central meridian; farther
     /// away the forward series alone, a usable approximation for finding out that a point is off the map. Longitudes

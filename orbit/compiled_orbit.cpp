@@ -23,7 +23,7 @@ constexpr TOLERANCE kTolerances[3] = {{4e-10L, 1e-9}, {1e-11L, 1e-9}, {1e-11L, 1
 constexpr int kRoundings = 4;  ///< halves of an ulp: the interpolation's last operations and the compiled ones
 
 ORBIT_PIECE::TERM ComponentsOf(const ORBIT_STATE& s) {
-    return {s.position_m.x,   s.position_m.y,   s.position_m.z,        s.velocity_m_s.x,      s.velocity_m_s.y,
+    return {s.position_m.x,   s.position_m.y,        s.position_m.z,        s.velocity_m_s.x,     s.velocity_m_s.y,
             s.velocity_m_s.z, s.acceleration_m_s2.x, s.acceleration_m_s2.y, s.acceleration_m_s2.z};
 }
 

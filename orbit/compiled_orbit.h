@@ -1,14 +1,13 @@
 /// \file compiled_orbit.h
 /// An orbit's interpolation over a short span of time, turned once into polynomials that give position, velocity and
 /// acceleration together: what the inner loops of the simulation ask.
-/// Pieces: those of the interpolation itself (ORBIT_BASE::PieceBounds), always whole, each about its own centre: a time has
-/// the same answer whatever span was asked for. Position, velocity and acceleration are expanded separately, so that none
-/// is the derivative of another's rounding.
-/// Accuracy: every piece was held against the orbit when it was built: positions to 1e-9 m plus the rounding of both
-/// (an ulp of a satellite's coordinate is 9e-10 m), velocities to 1e-9 m/s. An orbit that can not be compiled so (single
-/// precision, a polynomial of too high a degree) has no pieces, and every question goes to the orbit itself.
-/// Frame: Earth-fixed, metres, seconds; times as the orbit's own (seconds since its reference time).
-/// Threads: constant after construction.
+/// Pieces: those of the interpolation itself (ORBIT_BASE::PieceBounds), always whole, each about its own centre: a time
+/// has the same answer whatever span was asked for. Position, velocity and acceleration are expanded separately, so
+/// that none is the derivative of another's rounding. Accuracy: every piece was held against the orbit when it was
+/// built: positions to 1e-9 m plus the rounding of both (an ulp of a satellite's coordinate is 9e-10 m), velocities to
+/// 1e-9 m/s. An orbit that can not be compiled so (single precision, a polynomial of too high a degree) has no pieces,
+/// and every question goes to the orbit itself. Frame: Earth-fixed, metres, seconds; times as the orbit's own (seconds
+/// since its reference time). Threads: constant after construction.
 
 #pragma once
 

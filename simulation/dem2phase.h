@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include "simulation/scene.h"
 #include "simulation/thread_arg.h"
 
 /// One block of DEM rows; the scene reaches the kernel beside it (SCENE_IN_USE).
@@ -13,3 +14,7 @@ struct DEM2PHASE_ARG : THREAD_ARG {};
 /// Errors: what the geometry throws ends the routine; the runner turns it into the thread's status.
 /// @return nullptr
 void* DEM2PHASE_Thread(void* dem2phase_arg);
+
+/// Simulates all rows of a scene on ThreadCount() threads. The grids come out the same for every number of threads.
+/// Errors: as the runner's (threads.h).
+void SimulateScene(const SCENE& scene);

@@ -1,90 +1,56 @@
 /// \file radar_solution.h
-/// One DEM cell in radar geometry: its four corners solved towards both orbits, and its two triangles filled into the
-/// master image's grids.
-/// Slots of the corners: 0 (row r, column c), 1 (r, c+1), 2 (r+1, c), 3 (r+1, c+1); the cell is cut along the diagonal
-/// from slot 1 to slot 2, into the triangles (0, 1, 2) and (1, 2, 3). A pixel on the diagonal belongs to the first.
-/// Threads: one object per thread. A cell may write a pixel, in every grid, only after its atomic exchange of the
-/// pixel's mask byte from 0 to 1 has succeeded: all layers of a pixel come from one cell, and no two threads write one
-/// element.
+/// The DEM in radar geometry, row by row: the samples that the cells between two DEM rows need, solved towards both
+/// orbits as whole rows, each sample once; and the cells filled into the master image's grids. Invariants: a sample is
+/// solved towards the master when it is the first corner (row r, column c) of a cell that touches the simulated area,
+/// or a corner of a cell that is filled; towards the slave in the latter case only. Nothing else is asked of an orbit:
+/// some interpolations end the process outside their data. A cell is filled when one of its corners lies in the area
+/// and its first corner within 1000 samples and lines of the image. Memory: two rows of samples, allocated by the
+/// constructor. Threads: one object per thread.
 
 #pragma once
 
 #include <array>
 
-#include "lib/baselib/containers/records.h"
+#include "simulation/area_rows.h"
 #include "simulation/bistatic_solution.h"
-#include "simulation/pixel_claims.h"
-#include "simulation/scene.h"
-#include "simulation/triangle.h"
-
-/// A corner of a DEM cell. Pixels are fractional, azimuth = line, range = column.
-struct RADAR_POINT {
-    VECTOR_3D<double> position_m{};  ///< frame of the orbits
-    double master_range_pixel = 0.0;
-    double master_azimuth_pixel = 0.0;
-    double phase_rad = 0.0;  ///< absolute, not wrapped
-    double slave_range_pixel = 0.0;
-    double slave_azimuth_pixel = 0.0;
-    double master_range_time_s = 0.0;  ///< two-way
-    double master_range_m = 0.0;
-    double master_time_s = 0.0;  ///< zero Doppler, on the master handle's axis
-    float height_m = 0.0F;
-    POINT<int> dem_index{};  ///< x: column, y: row; names the corner in messages
-};
+#include "simulation/dem_row.h"
+#include "simulation/scene_in_use.h"
+#include "simulation/triangle_filler.h"
 
 class RADAR_SOLUTION {
   public:
-    using CORNERS = std::array<int, 3>;
-    static constexpr std::array<CORNERS, 2> kTriangles = {{{0, 1, 2}, {1, 2, 3}}};
-
-    /// @param scene   must outlive the object
-    /// @param claims  of the block of DEM rows that this object works on; must outlive the object
-    RADAR_SOLUTION(const SCENE& scene, BLOCK_CLAIMS& claims);
+    /// @param in_use  must outlive the object
+    /// @param block   of DEM rows, the thread's own
+    RADAR_SOLUTION(SCENE_IN_USE& in_use, int block);
     /// Logs the statistics of the bistatic iteration (in monostatic mode their heading alone).
     ~RADAR_SOLUTION();
     RADAR_SOLUTION(const RADAR_SOLUTION&) = delete;
     RADAR_SOLUTION& operator=(const RADAR_SOLUTION&) = delete;
 
-    /// Before the first SolvePoint with bistatic set.
-    void PrepareBistatic() { bistatic_.Prepare(); }
-    /// Earth position and master solution of one DEM sample into a slot.
-    void SolveMaster(int slot, int column, int row);
-    /// Phase, master pixel and slave pixel of a slot whose master solution is there.
-    void SolvePoint(int slot, bool bistatic);
-    /// Fills the pixels of the cell that nobody has claimed yet. All four slots must be solved.
-    void FillTriangles();
-    /// Point-in-triangle test in master pixels. A triangle below 1e-5 square pixels is logged at WARNING and holds
-    /// nothing.
-    [[nodiscard]] bool IsInside(int column, int row, const CORNERS& triangle) const;
+    /// Solves and fills the cells between DEM rows row and row + 1. Rows are given in increasing order, one by one.
+    void SimulateRow(int row);
 
-    [[nodiscard]] const RADAR_POINT& Point(int slot) const { return points_[slot]; }
-    /// Whether the pixel filled last went into the shift grids, and into the x/y/z or radar DEM grids.
-    [[nodiscard]] bool ShiftWritten() const { return shift_written_; }
-    [[nodiscard]] bool EarthWritten() const { return earth_written_; }
+    /// For tests: without the vector code that belongs to this machine.
+    TRIANGLE_FILLER& Filler() { return filler_; }
 
   private:
-    struct PIXEL_BOX {
-        int first_column = 0;
-        int last_column = -1;
-        int first_row = 0;
-        int last_row = -1;
-    };
-    /// Barycentric weights of a pixel in a triangle.
-    struct WEIGHTS;
-
-    [[nodiscard]] PIXEL_BOX BoundingBox() const;
-    [[nodiscard]] TRIANGLE InPixels(const CORNERS& triangle) const;
-    [[nodiscard]] const CORNERS* TriangleAround(int column, int row) const;
-    void FillPixel(int column, int row, const CORNERS& triangle);
-    [[nodiscard]] PIXEL_VALUES ValuesAt(int column, int row, const WEIGHTS& weights) const;
+    void Begin(RADAR_ROW& samples, int row) const;
+    void MarkTouchedCells();
+    void DropFarCells();
+    [[nodiscard]] bool IsWithinExtent(int i) const;
+    void SolveMaster(RADAR_ROW& samples) const;
+    void SolveCorners(RADAR_ROW& samples);
+    void SolvePoint(RADAR_ROW& samples, int i);
+    void FillTriangles();
 
     const SCENE& scene_;
-    BLOCK_CLAIMS& claims_;
-    double master_wavelength_m_;
-    double slave_wavelength_m_;
-    std::array<RADAR_POINT, 4> points_{};
-    PIXEL_BOX box_{};
-    bool shift_written_ = false;
-    bool earth_written_ = false;
+    const SCENE_IN_USE& in_use_;
+    AREA_ROWS area_;
+    DEM_ROW dem_row_;
+    TRIANGLE_FILLER filler_;
     BISTATIC_SOLUTION bistatic_;
+    std::array<RADAR_ROW, 2> rows_;
+    RADAR_ROW* upper_;
+    RADAR_ROW* lower_;
+    std::vector<unsigned char> cells_;  ///< 1: the cell right of and below this sample is to be filled
 };

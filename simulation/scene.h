@@ -1,7 +1,7 @@
 /// \file scene.h
 /// All that the phase kernel reads, and the grids that it writes. The program fills one SCENE before the threads start.
-/// Threads: the scene is const while they run. The grids that its pointers reach are shared: a cell owns a pixel, in
-/// every grid, once it has claimed the pixel's mask byte (see radar_solution.h).
+/// Threads: the scene is const while they run. The grids that its pointers reach are shared: a thread writes a pixel,
+/// in every grid, by the rules of pixel_ownership.h.
 
 #pragma once
 
@@ -10,7 +10,6 @@
 #include "geometry/calc_slave_time.h"
 #include "lib/baselib/containers/records.h"
 #include "simulation/dem_grid.h"
-#include "simulation/pixel_claims.h"
 
 /// One acquisition, after oversampling and range-time correction. Range times are two-way.
 struct ACQUISITION_SCENE {
@@ -55,7 +54,7 @@ struct AZIMUTH_SHIFT_CORRECTION {
 struct MASTER_GRIDS {
     int rows = 0;
     int columns = 0;
-    unsigned char** mask = nullptr;  ///< 0 not simulated, else the tag of the owner (pixel_claims.h)
+    unsigned char** mask = nullptr;  ///< 0 not simulated, 1 simulated
     float** phase_rad = nullptr;     ///< nullptr: not wanted
 };
 
@@ -99,28 +98,3 @@ struct SCENE {
     SHIFT_GRIDS shifts{};
     EARTH_GRIDS earth{};
 };
-
-/// Makes a scene the one that the phase kernel's threads read, for as long as this object lives. The kernel's argument
-/// carries rows only, so the scene reaches the threads beside it.
-/// One at a time: a second one while the first lives is logged at ALARM, then ERROR_ALGORITHM.
-class SCENE_IN_USE {
-  public:
-    explicit SCENE_IN_USE(const SCENE& scene);
-    ~SCENE_IN_USE();
-    SCENE_IN_USE(const SCENE_IN_USE&) = delete;
-    SCENE_IN_USE& operator=(const SCENE_IN_USE&) = delete;
-
-    /// Stores the pixels that blocks took from later blocks. To be called once, when all threads have ended.
-    void SettleContestedPixels() const;
-
-    [[nodiscard]] const SCENE& Scene() const { return scene_; }
-    /// @param block  number of the thread: below ThreadCount() and the number of rows
-    [[nodiscard]] BLOCK_CLAIMS& ClaimsOf(std::size_t block) { return claims_.at(block); }
-
-  private:
-    const SCENE& scene_;
-    std::vector<BLOCK_CLAIMS> claims_;
-};
-
-/// The scene in use. Errors: none in use is logged at ALARM, then ERROR_ALGORITHM.
-[[nodiscard]] SCENE_IN_USE& CurrentScene();

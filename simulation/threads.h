@@ -30,6 +30,7 @@
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/logging/logging.h"
 #include "simulation/exception_text.h"
+#include "simulation/row_blocks.h"
 #include "simulation/thread_count.h"
 
 template <class ARG, class ROW>
@@ -106,7 +107,7 @@ THREADS<ARG, ROW>::THREADS(ROW start_row, ROW end_row, START_ROUTINE start_routi
         throw ERROR_ARGUMENT();
     }
     direct_ = count_ == 1;
-    count_ = static_cast<int>(std::min(static_cast<long long>(count_), static_cast<long long>(range_.length)));
+    count_ = BlockCount(static_cast<long long>(range_.length), count_);
     Resize(arguments_, count_);
     Resize(handles_, count_);
     Resize(workers_, count_);
@@ -150,14 +151,10 @@ void THREADS<ARG, ROW>::Resize(ARRAY<T>& array, int count) {
 
 template <class ARG, class ROW>
 void THREADS<ARG, ROW>::CutIntoBlocks() {
-    if (count_ == 0) return;
-    const ROW base = range_.length / static_cast<ROW>(count_);
-    const ROW remainder = range_.length % static_cast<ROW>(count_);
-    ROW start = range_.start;
     for (int i = 0; i < count_; ++i) {
-        blocks_[i].start = start;
-        blocks_[i].length = base + (static_cast<ROW>(i) < remainder ? 1 : 0);
-        start += blocks_[i].length;
+        const ROW_BLOCK block =
+            RowBlock(static_cast<long long>(range_.start), static_cast<long long>(range_.length), count_, i);
+        blocks_[i] = {static_cast<ROW>(block.start), static_cast<ROW>(block.length)};
     }
 }
 

@@ -6,7 +6,8 @@
 
 #include "geometry/zero_doppler.h"
 #include "lib/baselib/errors/error_exception.h"
-#include "simulation/radar_solution.h"
+#include "simulation/scene_in_use.h"
+#include "tests/plain_kernel/plain_solution.h"
 #include "tests/simulation/test_scene.h"
 #include "tests/time/log_capture.h"
 
@@ -26,8 +27,8 @@ constexpr SCENE_REQUEST kScenes[] = {
     {.name = "UTM south", .argument_rad = -0.5, .kind = "UTM", .height_at_corner_m = -300},
 };
 
-/// The point of the inclined plane that a master pixel shows, by Newton's method in DEM indices on the closed-form orbit:
-/// backwards, pixel to ground, where the kernel goes forwards.
+/// The point of the inclined plane that a master pixel shows, by Newton's method in DEM indices on the closed-form
+/// orbit: backwards, pixel to ground, where the kernel goes forwards.
 struct GROUND {
     POINT<double> dem_index;
     VECTOR_3D<double> point_m;
@@ -240,7 +241,7 @@ TEST(PhaseKernel, ReportsProgressFromTheMiddleThread) {
     const THREAD_COUNT_SETTING one("1");
     const auto log_of = [](int rows, unsigned thread_number) {
         TEST_SCENE s({.dem_size = 40});
-        const SCENE_IN_USE in_use(s.scene);
+        SCENE_IN_USE in_use(s.scene);
         DEM2PHASE_ARG arg;
         arg.start = 10;
         arg.length = static_cast<unsigned>(rows);
@@ -282,15 +283,14 @@ TEST(PhaseKernel, RefusesAnUnknownGridInItsThread) {
     EXPECT_THAT(log, testing::HasSubstr("DEM grid must be UTM or GEO : LCC\n"));
 }
 
-TEST(RadarSolution, TellsATriangleThatIsOnlyALine) {
+TEST(PlainSolution, TellsATriangleThatIsOnlyALine) {
     TEST_SCENE s(kDescendingRight);
-    BLOCK_CLAIMS claims(0);
-    RADAR_SOLUTION solution(s.scene, claims);
+    PLAIN_SOLUTION solution(s.scene);
     for (const int slot : {0, 1, 2, 3}) {
         solution.SolveMaster(slot, 40, 40);
         solution.SolvePoint(slot, false);
     }
-    const std::string log = LoggedBy([&] { EXPECT_FALSE(solution.IsInside(5, 5, RADAR_SOLUTION::kTriangles[0])); });
+    const std::string log = LoggedBy([&] { EXPECT_FALSE(solution.IsInside(5, 5, PLAIN_SOLUTION::kTriangles[0])); });
     EXPECT_THAT(log, testing::HasSubstr("RADAR_SOLUTION::IsInside : Not triangle, only line\n"));
     solution.FillTriangles();
     EXPECT_EQ(s.MaskCount(), 0);

@@ -1,6 +1,6 @@
 /// \file test_scene.h
-/// A small scene over an inclined plane: two circular orbits in closed form, a DEM whose heights grow by whole metres per
-/// row and column, and the grids for the products. Everything about it can be computed another way.
+/// A small scene over an inclined plane: two circular orbits in closed form, a DEM whose heights grow by whole metres
+/// per row and column, and the grids for the products. Everything about it can be computed another way.
 
 #pragma once
 
@@ -13,7 +13,6 @@
 #include "geometry/geolocation_fast.h"
 #include "simulation/dem2phase.h"
 #include "simulation/scene.h"
-#include "simulation/threads.h"
 #include "tests/geometry/circular_orbit.h"
 #include "tests/geometry/orbit_from_motion.h"
 
@@ -85,13 +84,7 @@ class TEST_SCENE {
     TEST_SCENE(const TEST_SCENE&) = delete;
     TEST_SCENE& operator=(const TEST_SCENE&) = delete;
 
-    void Run() {
-        SCENE_IN_USE in_use(scene);
-        THREADS<DEM2PHASE_ARG, unsigned int> threads(static_cast<unsigned>(scene.simulated.first_row),
-                                                     static_cast<unsigned>(scene.simulated.last_row), DEM2PHASE_Thread);
-        threads.Run();
-        in_use.SettleContestedPixels();
-    }
+    void Run() { SimulateScene(scene); }
 
     [[nodiscard]] int MaskCount() const {
         int count = 0;

@@ -1,0 +1,55 @@
+/// \file pixel_ownership.h
+/// Which block of DEM rows may write a master pixel at once, when several threads fill the image.
+/// The rule of the products: a pixel belongs to the lowest DEM row, then the lowest column, whose cell holds it; that
+/// is also what one thread does, which walks them in this order. Blocks are disjoint in DEM rows but not quite in
+/// pixels: where they meet, and where mountains lean over, cells of several blocks hold one pixel. Hence: (1) every
+/// pixel has one owner, guessed before the threads start from where the blocks' borders lie in the image. A
+///     thread writes only what it owns, mask and all layers, so no two threads touch one element and no atomic is
+///     needed;
+/// (2) what a thread would write elsewhere it keeps in a list of its own (CONTESTED_PIXELS);
+/// (3) after the threads have ended, the lists are settled, highest block first: a kept pixel is written unless a lower
+///     block has written it. The last writer is then the lowest block that holds the pixel, with its first cell.
+/// The guess decides how long the lists are, never what the products hold.
+/// Threads: constant after construction.
+
+#pragma once
+
+#include <vector>
+
+#include "lib/baselib/containers/records.h"
+
+struct PIXEL_BOX {
+    int first_column = 0;
+    int last_column = -1;
+    int first_row = 0;
+    int last_row = -1;
+};
+
+/// Pixels (x: range, y: azimuth) along the first row of a block, in order of DEM columns.
+using BLOCK_BORDER = std::vector<POINT<double>>;
+
+class PIXEL_OWNERSHIP {
+  public:
+    /// @param borders  one per block; fewer than two: block 0 owns everything
+    PIXEL_OWNERSHIP(int image_rows, int image_columns, const std::vector<BLOCK_BORDER>& borders);
+
+    [[nodiscard]] bool Owns(int block, int row, int column) const;
+    [[nodiscard]] bool OwnsAll(int block, const PIXEL_BOX& box) const;
+    [[nodiscard]] int OwnerOf(int row, int column) const;
+
+  private:
+    /// The image's rows and columns as the borders see them: borders run along `along` and are crossed along `across`.
+    struct PLACE {
+        int along;
+        int across;
+    };
+    [[nodiscard]] PLACE PlaceOf(int row, int column) const;
+    void Orient(const std::vector<BLOCK_BORDER>& borders);
+    [[nodiscard]] std::vector<int> Trace(const BLOCK_BORDER& border, int size) const;
+
+    bool borders_run_along_rows_ = true;  ///< of the image, from column to column
+    int sign_ = 1;                        ///< of the pixel coordinate that grows with the block
+    /// For blocks 1, 2, ... and every place along the border, where across it the block begins; never decreasing from
+    /// block to block.
+    std::vector<std::vector<int>> begins_;
+};

@@ -1,0 +1,108 @@
+#include "simulation/scene_in_use.h"
+
+#include <strings.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+
+#include "geometry/constants.h"
+#include "geometry/zero_doppler.h"
+#include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/logging/logging.h"
+#include "simulation/row_blocks.h"
+#include "simulation/thread_count.h"
+
+namespace {
+
+std::atomic<SCENE_IN_USE*> current_scene{nullptr};
+
+/// The points of the accepted cells lie within 1000 lines of the image; beyond the margin single points are solved.
+std::optional<COMPILED_ORBIT> CompiledFor(const ACQUISITION_SCENE& acquisition) {
+    if (acquisition.orbit.orbit == nullptr) return std::nullopt;
+    constexpr double kMarginLines = 2000.0;
+    constexpr double kShortestMargin_s = 1.0;
+    const double length_s = acquisition.last_azimuth_time_s - acquisition.first_azimuth_time_s;
+    const double margin_s =
+        std::max({kMarginLines * acquisition.azimuth_sampling_interval_s, length_s, kShortestMargin_s});
+    const double offset_s = acquisition.orbit.offset_s;
+    return std::optional<COMPILED_ORBIT>(std::in_place, *acquisition.orbit.orbit,
+                                         acquisition.first_azimuth_time_s + offset_s - margin_s,
+                                         acquisition.last_azimuth_time_s + offset_s + margin_s);
+}
+
+std::optional<ROW_ORBIT> RowOrbitOf(const ACQUISITION_SCENE& acquisition,
+                                    const std::optional<COMPILED_ORBIT>& compiled) {
+    if (!compiled) return std::nullopt;
+    return ROW_ORBIT{acquisition.orbit, &*compiled, acquisition.first_azimuth_time_s};
+}
+
+bool HasPositions(const DEM_GRID& dem) {
+    return strcasecmp(dem.kind.c_str(), "GEO") == 0 || strcasecmp(dem.kind.c_str(), "UTM") == 0;
+}
+
+}  // namespace
+
+SCENE_IN_USE::SCENE_IN_USE(const SCENE& scene)
+    : scene_(scene),
+      compiled_master_(CompiledFor(scene.master)),
+      compiled_slave_(CompiledFor(scene.slave)),
+      master_orbit_(RowOrbitOf(scene.master, compiled_master_)),
+      slave_orbit_(RowOrbitOf(scene.slave, compiled_slave_)),
+      layers_(scene),
+      contested_(std::max(ThreadCount(), 1)),
+      ownership_(scene.image.rows, scene.image.columns, Borders()) {
+    SCENE_IN_USE* none = nullptr;
+    if (!current_scene.compare_exchange_strong(none, this)) {
+        Log().Message(LOGGING_LEVEL::ALARM, "phase kernel: another scene is being simulated");
+        throw ERROR_ALGORITHM();
+    }
+}
+
+SCENE_IN_USE::~SCENE_IN_USE() {
+    current_scene.store(nullptr);
+}
+
+std::vector<BLOCK_BORDER> SCENE_IN_USE::Borders() const {
+    const DEM_RANGE& simulated = scene_.simulated;
+    const long long rows = std::max(simulated.last_row - simulated.first_row, 0);
+    const int blocks = BlockCount(rows, static_cast<int>(contested_.size()));
+    std::vector<BLOCK_BORDER> borders;
+    if (blocks < 2 || !master_orbit_ || !HasPositions(scene_.dem)) return borders;
+    for (int i = 0; i < blocks; ++i) {
+        borders.push_back(BorderAt(static_cast<int>(RowBlock(simulated.first_row, rows, blocks, i).start)));
+    }
+    return borders;
+}
+
+/// A guess needs no more than some hundred points. It never asks the orbit outside its data.
+BLOCK_BORDER SCENE_IN_USE::BorderAt(int row) const {
+    constexpr int kPoints = 500;
+    const ACQUISITION_SCENE& master = scene_.master;
+    const double offset_s = master.orbit.offset_s;
+    const TIME_WINDOW data = {master.orbit.orbit->FirstTime() - offset_s, master.orbit.orbit->LastTime() - offset_s};
+    const int columns = scene_.simulated.last_column - scene_.simulated.first_column;
+    double guess_s =
+        std::clamp(0.5 * (master.first_azimuth_time_s + master.last_azimuth_time_s), data.first_s, data.last_s);
+    BLOCK_BORDER border;
+    for (int i = 0; i <= std::min(columns, kPoints); ++i) {
+        const int column = scene_.simulated.first_column +
+                           static_cast<int>(static_cast<long long>(i) * columns / std::min(columns, kPoints));
+        VECTOR_3D<double> point_m;
+        Get_Earth_Position_From_DEM(scene_.dem, column, row, point_m.x, point_m.y, point_m.z);
+        const ZERO_DOPPLER solution = SolveZeroDoppler(*compiled_master_, offset_s, point_m, guess_s, data);
+        guess_s = solution.time_s;
+        border.push_back({(2.0 * solution.range_m / kSpeedOfLight - master.near_range_time_s) * master.rsf_hz,
+                          (solution.time_s - master.first_azimuth_time_s) * master.prf_hz});
+    }
+    return border;
+}
+
+SCENE_IN_USE& CurrentScene() {
+    SCENE_IN_USE* const scene = current_scene.load();
+    if (scene == nullptr) {
+        Log().Message(LOGGING_LEVEL::ALARM, "phase kernel: no scene to simulate");
+        throw ERROR_ALGORITHM();
+    }
+    return *scene;
+}

@@ -1,0 +1,274 @@
+// The kernel against its yardstick, the plain one: same result, quickly.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <random>
+
+#include "geometry/calc_slave_time.h"
+#include "geometry/zero_doppler_rows.h"
+#include "simulation/area_rows.h"
+#include "simulation/dem_row.h"
+#include "simulation/radar_solution.h"
+#include "simulation/scene_in_use.h"
+#include "simulation/triangle_filler.h"
+#include "tests/plain_kernel/plain_kernel.h"
+#include "tests/simulation/test_scene.h"
+#include "tests/time/log_capture.h"
+
+namespace {
+
+constexpr unsigned kSeed = 20120305;
+
+constexpr const char* kInterpolations[] = {
+    "polynom",     "polyfit_7",          "spline",      "localpolynom_0_8", "localpolyfit_5_9",
+    "chebyshev_7", "localchebyshev_5_8", "hermite_0_8", "localhermite_0_5", "everett_8"};
+
+void UseInterpolation(TEST_SCENE& s, const char* interpolation) {
+    s.master_orbit = OrbitFrom(MotionOf(s.master_motion), interpolation);
+    s.slave_orbit = OrbitFrom(MotionOf(s.slave_motion), interpolation);
+    s.scene.master.orbit.orbit = s.master_orbit.get();
+    s.scene.slave.orbit.orbit = s.slave_orbit.get();
+}
+
+/// Mountains that lean over each other in the image, and with `voids` samples that are no heights.
+void MakeSteep(TEST_SCENE& s, bool voids) {
+    std::mt19937 random(kSeed);
+    std::uniform_int_distribution<int> relief(-25, 25);
+    std::uniform_int_distribution<int> chance(0, 400);
+    for (int row = 0; row < s.scene.dem.rows; ++row) {
+        for (int column = 0; column < s.scene.dem.columns; ++column) {
+            const double hill = 150.0 * std::sin(0.31 * row) * std::cos(0.23 * column);
+            short& height = s.heights.Table()[row][column];
+            height = static_cast<short>(height + hill + relief(random));
+            if (voids && chance(random) == 0) height = -32768;
+        }
+    }
+}
+
+void ExpectSameGrids(const TEST_SCENE& fast, const TEST_SCENE& plain) {
+    const auto near = [](double a, double b, double tolerance) {
+        return std::abs(a - b) <= tolerance + 2.4e-7 * std::abs(b);
+    };
+    int different = 0;
+    for (int row = 0; row < fast.request.image_rows; ++row) {
+        for (int column = 0; column < fast.request.image_columns; ++column) {
+            ASSERT_EQ(fast.mask.At(row, column) != 0, plain.mask.At(row, column) != 0) << row << " " << column;
+            different += !near(fast.phase.At(row, column), plain.phase.At(row, column), 1e-4);
+        }
+    }
+    for (int row = 0; row < fast.scene.shifts.rows; ++row) {
+        for (int column = 0; column < fast.scene.shifts.columns; ++column) {
+            different += !near(fast.shift_range.At(row, column), plain.shift_range.At(row, column), 1e-5);
+            different += !near(fast.shift_azimuth.At(row, column), plain.shift_azimuth.At(row, column), 1e-5);
+        }
+    }
+    for (int row = 0; row < fast.scene.earth.rows; ++row) {
+        for (int column = 0; column < fast.scene.earth.columns; ++column) {
+            different += !near(fast.x.At(row, column), plain.x.At(row, column), 1e-4);
+            different += !near(fast.y.At(row, column), plain.y.At(row, column), 1e-4);
+            different += !near(fast.z.At(row, column), plain.z.At(row, column), 1e-4);
+            different += !near(fast.radar_dem.At(row, column), plain.radar_dem.At(row, column), 1e-4);
+        }
+    }
+    EXPECT_EQ(different, 0);
+}
+
+template <class CHANGE>
+void CompareKernels(const SCENE_REQUEST& request, CHANGE change) {
+    TEST_SCENE plain(request);
+    change(plain);
+    PlainSimulateRows(plain.scene, plain.scene.simulated.first_row, plain.scene.simulated.last_row);
+    EXPECT_GT(plain.MaskCount(), 0);
+    for (const char* threads : {"1", "3"}) {
+        SCOPED_TRACE(std::string(request.name) + ", threads " + threads);
+        setenv("PARALLEL", threads, 1);
+        TEST_SCENE fast(request);
+        change(fast);
+        fast.Run();
+        unsetenv("PARALLEL");
+        ExpectSameGrids(fast, plain);
+    }
+}
+
+constexpr SCENE_REQUEST kScenes[] = {
+    {},
+    {.name = "ascending, left", .argument_rad = 0.7, .look = -1.0},
+    {.name = "UTM, Bessel, seven parameters", .argument_rad = 0.8, .kind = "utm", .bessel = true},
+    {.name = "UTM south", .argument_rad = -0.5, .kind = "UTM", .height_at_corner_m = -300},
+    {.name = "factors",
+     .shift_azimuth_factor = 3,
+     .shift_range_factor = 2,
+     .earth_azimuth_factor = 2,
+     .earth_range_factor = 5},
+};
+
+TEST(FastKernel, GivesTheProductsOfThePlainOne) {
+    for (const SCENE_REQUEST& request : kScenes) CompareKernels(request, [](TEST_SCENE&) {});
+}
+
+TEST(FastKernel, GivesTheProductsOfThePlainOneInSteepTerrainWithVoids) {
+    for (const SCENE_REQUEST& request : kScenes) {
+        CompareKernels(request, [](TEST_SCENE& s) { MakeSteep(s, false); });
+        CompareKernels(request, [](TEST_SCENE& s) { MakeSteep(s, true); });
+    }
+}
+
+TEST(FastKernel, GivesTheProductsOfThePlainOneWithEveryInterpolation) {
+    for (const char* interpolation : kInterpolations) {
+        SCOPED_TRACE(interpolation);
+        CompareKernels({}, [&](TEST_SCENE& s) { UseInterpolation(s, interpolation); });
+    }
+}
+
+TEST(FastKernel, GivesTheProductsOfThePlainOneForOneTransmitter) {
+    CompareKernels({.name = "bistatic"}, [](TEST_SCENE& s) { s.scene.bistatic = true; });
+}
+
+TEST(FastKernel, GivesTheProductsOfThePlainOneWithoutTheMachinesVectors) {
+    TEST_SCENE plain({});
+    MakeSteep(plain, false);
+    PlainSimulateRows(plain.scene, 0, plain.scene.simulated.last_row);
+    setenv("PARALLEL", "1", 1);
+    TEST_SCENE fast({});
+    MakeSteep(fast, false);
+    {
+        SCENE_IN_USE in_use(fast.scene);
+        RADAR_SOLUTION solution(in_use, 0);
+        solution.Filler().UseVectors(false);
+        for (int row = 0; row < fast.scene.simulated.last_row; ++row) solution.SimulateRow(row);
+    }
+    unsetenv("PARALLEL");
+    ExpectSameGrids(fast, plain);
+}
+
+/// Columns that all lie in one place: every triangle is a line.
+TEST(FastKernel, TellsOfLinesAsOftenAsThePlainOne) {
+    const auto flatten = [](TEST_SCENE& s) {
+        s.scene.dem.x0 += 0.5 * s.request.dem_size * s.scene.dem.dx;
+        s.scene.dem.dx *= 1e-9;  // all columns in one place, the middle
+    };
+    const auto lines_of = [](const std::string& log) {
+        int count = 0;
+        for (std::size_t at = log.find("only line"); at != std::string::npos; at = log.find("only line", at + 1))
+            ++count;
+        return count;
+    };
+    SCENE_REQUEST small;
+    small.height_per_column_m = 0;
+    TEST_SCENE plain(small);
+    flatten(plain);
+    TEST_SCENE fast(small);
+    flatten(fast);
+    setenv("PARALLEL", "1", 1);
+    const int expected = lines_of(LoggedBy([&] { PlainSimulateRows(plain.scene, 40, 42); }));
+    fast.scene.simulated.first_row = 40;
+    fast.scene.simulated.last_row = 42;
+    const int told = lines_of(LoggedBy([&] { fast.Run(); }));
+    unsetenv("PARALLEL");
+    EXPECT_GT(expected, 0);
+    EXPECT_EQ(told, expected);
+}
+
+TEST(ZeroDopplerRow, AgreesWithCalcSlaveTime) {
+    TEST_SCENE s({});
+    std::mt19937 random(kSeed);
+    std::uniform_real_distribution<double> index(-200.0, 300.0);
+    std::vector<double> x, y, z;
+    for (int i = 0; i < 333; ++i) {
+        const VECTOR_3D<double> p = s.PointAt(index(random), index(random));
+        x.push_back(p.x);
+        y.push_back(p.y);
+        z.push_back(p.z);
+    }
+    for (const char* interpolation : kInterpolations) {
+        SCOPED_TRACE(interpolation);
+        UseInterpolation(s, interpolation);
+        // Guesses near and far, spans wide and so narrow that points leave them; offsets as those of other references.
+        for (const auto& [guess_s, first_s, last_s] :
+             {std::array{-0.04, -5.0, 5.0}, {-14.0, -20.0, 20.0}, {-0.04, -0.05, 0.05}, {3.0, -1.0, 1.0}}) {
+            const double offset_s = guess_s < -10.0 ? 7.25 : 0.0;
+            const COMPILED_ORBIT compiled(*s.master_orbit, first_s, last_s);
+            const ROW_ORBIT orbit = {{s.master_orbit.get(), offset_s}, &compiled, guess_s};
+            std::vector<double> time_s(x.size()), range_m(x.size());
+            SolveZeroDopplerRow(orbit, {x.data(), y.data(), z.data()}, 3, 330, time_s.data(), range_m.data());
+            EXPECT_EQ(time_s[2], 0.0);
+            for (std::size_t i = 3; i < x.size(); ++i) {
+                double expected_m = 0.0;
+                const double expected_s = CalcSlaveTime(orbit.handle, {x[i], y[i], z[i]}, &expected_m, guess_s);
+                ASSERT_NEAR(time_s[i], expected_s, 1e-9) << i;
+                ASSERT_NEAR(range_m[i], expected_m, 1e-8) << i;
+            }
+            // A point's solution is its own, whatever stands beside it.
+            std::vector<double> alone_s(x.size()), alone_m(x.size());
+            for (const int i : {3, 17, 200, 332}) {
+                SolveZeroDopplerRow(orbit, {x.data(), y.data(), z.data()}, i, 1, alone_s.data(), alone_m.data());
+                EXPECT_EQ(alone_s[i], time_s[i]);
+                EXPECT_EQ(alone_m[i], range_m[i]);
+            }
+        }
+    }
+}
+
+TEST(AreaRows, GiveTheAnswerOfTheTestByAreas) {
+    std::mt19937 random(kSeed);
+    std::uniform_real_distribution<double> coordinate(-20.0, 120.0);
+    std::uniform_int_distribution<int> whole(0, 100);
+    for (int trial = 0; trial < 300; ++trial) {
+        SIMULATION_AREA area;
+        const int count = trial % 4;
+        for (int i = 0; i < count; ++i) {
+            for (auto* list : {&area.q1, &area.q2, &area.q3, &area.q4}) {
+                if (trial % 3 == 0) {
+                    list->push_back({static_cast<double>(whole(random)), static_cast<double>(whole(random))});
+                } else {
+                    list->push_back({coordinate(random), coordinate(random)});
+                }
+            }
+            if (trial % 7 == 0) area.q2.back() = area.q1.back();                                       // no area
+            if (trial % 11 == 0) area.q3.back() = {area.q1.back().x + 1e-4, area.q1.back().y + 2e-5};  // a needle
+        }
+        const AREA_ROWS rows(area);
+        std::vector<unsigned char> inside(90);
+        for (int row = -5; row < 105; ++row) {
+            rows.Mark(row, 7, inside);
+            for (int column = 7; column < 97; ++column) {
+                ASSERT_EQ(inside[column - 7] != 0, PlainIsInsideArea(area, column, row))
+                    << "trial " << trial << ", column " << column << ", row " << row;
+            }
+        }
+    }
+}
+
+TEST(DemRow, AgreesWithSamplesOneByOne) {
+    for (const SCENE_REQUEST& request : kScenes) {
+        SCOPED_TRACE(request.name);
+        // Near its meridian, and so far away that the short series would not do.
+        for (const double easting_m : {0.0, 2.5e6}) {
+            TEST_SCENE s(request);
+            if (s.scene.dem.utm) s.scene.dem.x0 += easting_m;
+            MakeSteep(s, true);
+            DEM_RANGE range = s.scene.simulated;
+            range.first_column = 5;
+            if (s.scene.dem.utm) range.last_column += 20;  // beyond the samples, where the edge goes on
+            const DEM_ROW dem_row(s.scene.dem, range);
+            RADAR_ROW samples(range);
+            for (samples.row = 0; samples.row < s.scene.dem.rows; samples.row += 13) {
+                samples.positions_filled = false;
+                dem_row.FillPositions(samples);
+                for (int i = 0; i < samples.size; ++i) {
+                    VECTOR_3D<double> p;
+                    float height_m = 0.0F;
+                    Get_Earth_Position_From_DEM(s.scene.dem, 5 + i, samples.row, p.x, p.y, p.z, &height_m);
+                    ASSERT_NEAR(samples.values[EARTH_X][i], p.x, 1e-8);
+                    ASSERT_NEAR(samples.values[EARTH_Y][i], p.y, 1e-8);
+                    ASSERT_NEAR(samples.values[EARTH_Z][i], p.z, 1e-8);
+                    ASSERT_EQ(samples.values[HEIGHT_M][i], height_m);
+                }
+            }
+        }
+    }
+}
+
+}  // namespace
