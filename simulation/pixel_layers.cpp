@@ -13,7 +13,9 @@ std::vector<int> Places(int image_size, int factor, int grid_size) {
 
 GRID_PLACES PlacesOf(const MASTER_GRIDS& image, int azimuth_factor, int range_factor, int rows, int columns) {
     GRID_PLACES places;
-    places.dense = azimuth_factor == 1 && range_factor == 1 && rows >= image.rows && columns >= image.columns;
+    places.rows = rows;
+    places.columns = columns;
+    places.dense = azimuth_factor == 1 && range_factor == 1;
     if (places.dense) return places;
     places.row_of = Places(image.rows, azimuth_factor, rows);
     places.column_of = Places(image.columns, range_factor, columns);
@@ -30,6 +32,8 @@ GRID_PLACES PlacesOf(const MASTER_GRIDS& image, int azimuth_factor, int range_fa
 }  // namespace
 
 PIXEL_LAYERS::PIXEL_LAYERS(const SCENE& scene) : sparse_row_(scene.image.rows, 0) {
+    image_.rows = scene.image.rows;
+    image_.columns = scene.image.columns;
     const SHIFT_GRIDS& shifts = scene.shifts;
     const EARTH_GRIDS& earth = scene.earth;
     if (shifts.Wanted()) {
@@ -58,7 +62,10 @@ void PIXEL_LAYERS::Add(QUANTITY quantity, const GRID_PLACES& places, float** sin
 
 void PIXEL_LAYERS::Store(int row, int column, const PIXEL_VALUES& values) const {
     const float* value = values.data();
-    for (const PIXEL_LAYER& layer : dense_) layer.Store(row, column, *value++);
+    for (const PIXEL_LAYER& layer : dense_) {
+        if (row < layer.places->rows && column < layer.places->columns) layer.Store(row, column, *value);
+        ++value;
+    }
     if (!IsSparseRow(row)) return;
     for (const PIXEL_LAYER& layer : sparse_) {
         const int grid_row = layer.places->row_of[row];

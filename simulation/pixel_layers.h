@@ -12,7 +12,9 @@
 
 /// Rows and columns of the image that a grid holds; index -1: the grid leaves it out.
 struct GRID_PLACES {
-    bool dense = true;  ///< every pixel has its place, at its own row and column
+    bool dense = true;  ///< pixels have their places at their own rows and columns, as far as the grid goes
+    int rows = 0;
+    int columns = 0;
     std::vector<int> row_of{};
     std::vector<int> column_of{};
     std::vector<unsigned char> next_eight{};  ///< bit i of element c: column c + i has a place

@@ -54,7 +54,7 @@ struct AZIMUTH_SHIFT_CORRECTION {
 struct MASTER_GRIDS {
     int rows = 0;
     int columns = 0;
-    unsigned char** mask = nullptr;  ///< 0 not simulated, 1 simulated
+    unsigned char** mask = nullptr;  ///< 0 before the run; 1 simulated
     float** phase_rad = nullptr;     ///< nullptr: not wanted
 };
 

@@ -108,6 +108,7 @@ TRIANGLE_FILLER::TRIANGLE_FILLER(SCENE_IN_USE& in_use, int block)
       layers_(in_use.Layers()),
       ownership_(in_use.Ownership()),
       contested_(in_use.Contested(block)),
+      claimed_(image_.rows, image_.columns),
       block_(block),
       use_vectors_(MachineHasVectors()) {}
 
@@ -145,10 +146,11 @@ void TRIANGLE_FILLER::FillPixelByPixel(const CELL& cell) {
     const bool owns_all = ownership_.OwnsAll(block_, cell.box);
     for (int row = cell.box.first_row; row <= cell.box.last_row; ++row) {
         for (int column = cell.box.first_column; column <= cell.box.last_column; ++column) {
-            const bool owned = owns_all || ownership_.Owns(block_, row, column);
-            if (owned && image_.mask[row][column] != 0) continue;
+            if ((claimed_.EightFrom(row, column) & 1) != 0) continue;
             const int triangle = TriangleAround(cell, row, column);
-            if (triangle != kNone) WriteOrKeep(cell, row, column, triangle, owned);
+            if (triangle == kNone) continue;
+            claimed_.Claim(row, column, 1);
+            WriteOrKeep(cell, row, column, triangle, owns_all || ownership_.Owns(block_, row, column));
         }
     }
 }
@@ -189,6 +191,13 @@ __mmask8 OwnedLanes(const PIXEL_OWNERSHIP& ownership, int block, int row, int co
         if ((lanes >> lane & 1) != 0 && ownership.Owns(block, row, column + lane)) owned |= 1U << lane;
     }
     return static_cast<__mmask8>(owned);
+}
+
+/// Lanes that have their place in a dense layer.
+__mmask8 LanesOf(const PIXEL_LAYER& layer, int row, int column, __mmask8 lanes) {
+    const int left = layer.places->columns - column;
+    if (row >= layer.places->rows || left <= 0) return 0;
+    return left >= PIXEL_LAYERS::kLanes ? lanes : static_cast<__mmask8>(lanes & ((1U << left) - 1));
 }
 
 /// Stores the lanes of a mask.
@@ -259,10 +268,7 @@ VELMORA_TARGET void TRIANGLE_FILLER::FillWithVectors(const CELL& cell) {
             first_v[t] = FirstRow(dx, cell.planes[t].v - kMiddle, cell.planes[t].v_column);
         }
         for (int row = box.first_row; row <= box.last_row; ++row) {
-            const __mmask8 owned = owns_all ? in_box : OwnedLanes(ownership_, block_, row, column, in_box);
-            unsigned char* const mask = image_.mask[row] + column;
-            const __m128i marks = _mm_maskz_loadu_epi8(owned, mask);  // nobody else's marks are looked at
-            const auto free = static_cast<__mmask8>(_mm_mask_testn_epi8_mask(in_box, marks, marks));
+            const auto free = static_cast<__mmask8>(in_box & ~claimed_.EightFrom(row, column));
             if (free == 0) continue;
             const __m512d dy = _mm512_set1_pd(row - box.first_row);
             __m512d u[2], v[2];
@@ -275,10 +281,12 @@ VELMORA_TARGET void TRIANGLE_FILLER::FillWithVectors(const CELL& cell) {
             const auto taken = static_cast<__mmask8>(free & (inside[0] | inside[1]));
             if (taken == 0) continue;
             const auto in_second = static_cast<__mmask8>(~inside[0]);
-            const auto written = static_cast<__mmask8>(taken & owned);
-            _mm_mask_storeu_epi8(mask, written, _mm_set1_epi8(1));
+            claimed_.Claim(row, column, taken);
+            const __mmask8 written = owns_all ? taken : OwnedLanes(ownership_, block_, row, column, taken);
+            _mm_mask_storeu_epi8(image_.mask[row] + column, written, _mm_set1_epi8(1));
             for (std::size_t k = 0; k < dense_count; ++k) {
-                StoreLanes(dense[k], row, column, written, ValueInLanes(quantities[k], u, v, written, in_second));
+                StoreLanes(dense[k], row, column, LanesOf(dense[k], row, column, written),
+                           ValueInLanes(quantities[k], u, v, written, in_second));
             }
             const bool sparse_row = layers_.IsSparseRow(row);
             if (!sparse_row && written == taken) continue;

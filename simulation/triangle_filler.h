@@ -9,6 +9,7 @@
 
 #pragma once
 
+#include "simulation/claimed_pixels.h"
 #include "simulation/scene_in_use.h"
 
 class TRIANGLE_FILLER {
@@ -41,6 +42,7 @@ class TRIANGLE_FILLER {
     const PIXEL_LAYERS& layers_;
     const PIXEL_OWNERSHIP& ownership_;
     CONTESTED_PIXELS& contested_;
+    CLAIMED_PIXELS claimed_;
     int block_;
     bool use_vectors_;
 };
