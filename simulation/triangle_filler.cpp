@@ -173,7 +173,7 @@ void TRIANGLE_FILLER::WriteOrKeep(const CELL& cell, int row, int column, int tri
 
 #if VELMORA_AVX512
 
-#define VELMORA_TARGET __attribute__((target("avx512f,avx512bw,avx512dq,avx512vl")))
+#define VELMORA_TARGET __attribute__((target("avx512f,avx512bw,avx512dq,avx512vl,bmi2")))
 
 namespace {
 
@@ -208,6 +208,20 @@ VELMORA_TARGET inline void StoreLanes(const PIXEL_LAYER& layer, int row, int col
     } else {
         _mm512_mask_storeu_pd(layer.doubles[row] + column, lanes, _mm512_maskz_cvtps_pd(lanes, single));
     }
+}
+
+/// Stores those lanes of a mask that have their place in a sparse layer. Such lanes are as many columns apart as the
+/// layer's factor says, and neighbours in the layer: they are drawn together.
+VELMORA_TARGET inline void StoreSparseLanes(const PIXEL_LAYER& layer, int row, int column, __mmask8 lanes,
+                                            const __m256& single) {
+    const GRID_PLACES& places = *layer.places;
+    const int grid_row = places.row_of[row];
+    const auto with_place = static_cast<__mmask8>(places.next_eight[column]);
+    if (grid_row < 0 || with_place == 0) return;
+    const int grid_column = places.column_of[column + __builtin_ctz(with_place)];
+    const auto drawn_lanes = static_cast<__mmask8>(_pext_u32(lanes, with_place));
+    const __m256 drawn = _mm256_maskz_compress_ps(with_place, single);
+    StoreLanes(layer, grid_row, grid_column, drawn_lanes, drawn);
 }
 
 /// A plane over the image at the lanes of one group, in its first row.
@@ -288,27 +302,19 @@ VELMORA_TARGET void TRIANGLE_FILLER::FillWithVectors(const CELL& cell) {
                 StoreLanes(dense[k], row, column, LanesOf(dense[k], row, column, written),
                            ValueInLanes(quantities[k], u, v, written, in_second));
             }
-            const bool sparse_row = layers_.IsSparseRow(row);
-            if (!sparse_row && written == taken) continue;
+            if (layers_.IsSparseRow(row)) {
+                for (std::size_t k = 0; k < sparse_count; ++k) {
+                    StoreSparseLanes(sparse[k], row, column, written,
+                                     ValueInLanes(quantities[dense_count + k], u, v, written, in_second));
+                }
+            }
+            if (written == taken) continue;
 
             alignas(32) float values[kMaxLayers][kLanes];
             for (std::size_t k = 0; k < dense_count + sparse_count; ++k) {
                 _mm256_store_ps(values[k], ValueInLanes(quantities[k], u, v, taken, in_second));
             }
-            if (sparse_row) StoreSparse(row, column, written, values + dense_count);
-            if (written != taken) Keep(row, column, taken & ~unsigned{written}, values);
-        }
-    }
-}
-
-void TRIANGLE_FILLER::StoreSparse(int row, int column, unsigned lanes, const float (*values)[kLanes]) const {
-    for (const PIXEL_LAYER& layer : layers_.Sparse()) {
-        const float* const value = *values++;
-        const int grid_row = layer.places->row_of[row];
-        if (grid_row < 0) continue;
-        for (unsigned left = lanes & layer.places->next_eight[column]; left != 0; left &= left - 1) {
-            const int lane = __builtin_ctz(left);
-            layer.Store(grid_row, layer.places->column_of[column + lane], value[lane]);
+            Keep(row, column, taken & ~unsigned{written}, values);
         }
     }
 }
@@ -324,7 +330,8 @@ void TRIANGLE_FILLER::Keep(int row, int column, unsigned lanes, const float (*va
 
 bool TRIANGLE_FILLER::MachineHasVectors() {
     static const bool has = __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
-                            __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl");
+                            __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl") &&
+                            __builtin_cpu_supports("bmi2");
     return has;
 }
 

@@ -33,7 +33,6 @@ class TRIANGLE_FILLER {
 
     void FillPixelByPixel(const CELL& cell);
     void FillWithVectors(const CELL& cell);
-    void StoreSparse(int row, int column, unsigned lanes, const float (*values)[kLanes]) const;
     void Keep(int row, int column, unsigned lanes, const float (*values)[kLanes]);
     [[nodiscard]] int TriangleAround(const CELL& cell, int row, int column) const;
     void WriteOrKeep(const CELL& cell, int row, int column, int triangle, bool owned);
