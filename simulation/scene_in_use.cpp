@@ -37,6 +37,10 @@ std::optional<ROW_ORBIT> RowOrbitOf(const ACQUISITION_SCENE& acquisition,
     return ROW_ORBIT{acquisition.orbit, &*compiled, acquisition.first_azimuth_time_s};
 }
 
+long long SimulatedRows(const SCENE& scene) {
+    return std::max(scene.simulated.last_row - scene.simulated.first_row, 0);
+}
+
 bool HasPositions(const DEM_GRID& dem) {
     return strcasecmp(dem.kind.c_str(), "GEO") == 0 || strcasecmp(dem.kind.c_str(), "UTM") == 0;
 }
@@ -50,7 +54,7 @@ SCENE_IN_USE::SCENE_IN_USE(const SCENE& scene)
       master_orbit_(RowOrbitOf(scene.master, compiled_master_)),
       slave_orbit_(RowOrbitOf(scene.slave, compiled_slave_)),
       layers_(scene),
-      contested_(std::max(ThreadCount(), 1)),
+      contested_(std::max(BlockCount(SimulatedRows(scene), ThreadCount()), 1)),
       ownership_(scene.image.rows, scene.image.columns, Borders()) {
     SCENE_IN_USE* none = nullptr;
     if (!current_scene.compare_exchange_strong(none, this)) {
@@ -65,7 +69,7 @@ SCENE_IN_USE::~SCENE_IN_USE() {
 
 std::vector<BLOCK_BORDER> SCENE_IN_USE::Borders() const {
     const DEM_RANGE& simulated = scene_.simulated;
-    const long long rows = std::max(simulated.last_row - simulated.first_row, 0);
+    const long long rows = SimulatedRows(scene_);
     const int blocks = BlockCount(rows, static_cast<int>(contested_.size()));
     std::vector<BLOCK_BORDER> borders;
     if (blocks < 2 || !master_orbit_ || !HasPositions(scene_.dem)) return borders;
