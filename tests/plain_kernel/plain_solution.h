@@ -56,6 +56,8 @@ class PLAIN_SOLUTION {
     [[nodiscard]] bool IsInside(int column, int row, const CORNERS& triangle) const;
 
     [[nodiscard]] const PLAIN_POINT& Point(int slot) const { return points_[slot]; }
+    /// For points that come from elsewhere.
+    [[nodiscard]] PLAIN_POINT& EditPoint(int slot) { return points_[slot]; }
     /// Whether the pixel filled last went into the shift grids, and into the x/y/z or radar DEM grids.
     [[nodiscard]] bool ShiftWritten() const { return shift_written_; }
     [[nodiscard]] bool EarthWritten() const { return earth_written_; }
