@@ -1,6 +1,6 @@
 /// \file bistatic_benchmark.cpp
-/// What the single-pass solution costs: the phase kernel on one scene, monostatic and single-pass, in one run and in one
-/// thread. Items are DEM cells; argument 0 is the mode.
+/// What the single-pass solution costs: the phase kernel on one scene, monostatic and single-pass, in one run and in
+/// one thread. Items are DEM cells; argument 0 is the mode.
 
 #include <benchmark/benchmark.h>
 

@@ -155,7 +155,7 @@ void Rasteriser(benchmark::State& state) {
     state.counters["plain"] = plain_s / (fast_s / runs);
 }
 
-#define VELMORA_ZERO_DOPPLER(name, text)                              \
+#define VELMORA_ZERO_DOPPLER(name, text) \
     BENCHMARK_CAPTURE(ZeroDoppler, name, text)->Repetitions(kRepetitions)->ReportAggregatesOnly(true)
 VELMORA_ZERO_DOPPLER(polynom, "polynom");
 VELMORA_ZERO_DOPPLER(polyfit, "polyfit_7");
@@ -167,6 +167,13 @@ VELMORA_ZERO_DOPPLER(localchebyshev, "localchebyshev_5_8");
 VELMORA_ZERO_DOPPLER(hermite, "hermite_0_8");
 VELMORA_ZERO_DOPPLER(localhermite, "localhermite_0_5");
 VELMORA_ZERO_DOPPLER(everett, "everett_8");
-BENCHMARK(Rasteriser)->Arg(1)->Arg(2)->Arg(7)->Iterations(10)->UseManualTime()->Repetitions(kRepetitions)->ReportAggregatesOnly(true);
+BENCHMARK(Rasteriser)
+    ->Arg(1)
+    ->Arg(2)
+    ->Arg(7)
+    ->Iterations(10)
+    ->UseManualTime()
+    ->Repetitions(kRepetitions)
+    ->ReportAggregatesOnly(true);
 
 }  // namespace

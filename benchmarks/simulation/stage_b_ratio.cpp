@@ -1,8 +1,8 @@
 /// \file stage_b_ratio.cpp
 /// Stage B of a real job, by the program's kernel and by the plain one, in one process:
 ///   cd <folder of a scene>; PARALLEL=1 stage_b_ratio -pcf scene.pcf
-/// The first run of the program's kernel meets fresh memory, as in the program; the plain one and four further runs meet
-/// memory that is there. Nothing is written but the log and the status files.
+/// The first run of the program's kernel meets fresh memory, as in the program; the plain one and four further runs
+/// meet memory that is there. Nothing is written but the log and the status files.
 
 #include <algorithm>
 #include <chrono>
