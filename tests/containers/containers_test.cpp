@@ -6,13 +6,11 @@
 #include <limits>
 #include <numeric>
 #include <string>
-#include <type_traits>
 
 #include "lib/baselib/containers/array.h"
 #include "lib/baselib/containers/matrix.h"
 #include "lib/baselib/containers/string.h"
 #include "lib/baselib/containers/sub_array.h"
-#include "lib/baselib/containers/vector.h"
 #include "lib/baselib/errors/error_exception.h"
 
 // The tests ask for blocks that no machine has; the sanitizer's allocator must answer as the C library does.
@@ -31,11 +29,6 @@ int Huge() {
 struct ALMOST_ONE_GIGABYTE {
     char bytes[(1 << 30) - 32];
 };
-struct FAILS_TO_COPY {
-    FAILS_TO_COPY() = default;
-    FAILS_TO_COPY(const FAILS_TO_COPY&) = default;
-    FAILS_TO_COPY& operator=(const FAILS_TO_COPY&) { throw std::bad_alloc(); }
-};
 
 TEST(AlignedBlock, HoldsCountZerosAndElements) {
     double* const elements = MEM_ALLOCATION::Allocate<double>(3);
@@ -48,11 +41,19 @@ TEST(AlignedBlock, HoldsCountZerosAndElements) {
     MEM_ALLOCATION::Free(elements);
 }
 
-TEST(AlignedBlock, IsRefusedInsteadOfBeingTooSmall) {
+TEST(NoMemory, IsRefusedInsteadOfABlockTooSmall) {
     const volatile long long wraps_to_32_bytes = 1LL << 61;  // times 8 is 2^64
     EXPECT_EQ(MEM_ALLOCATION::Allocate<double>(wraps_to_32_bytes), nullptr);
     EXPECT_EQ(MEM_ALLOCATION::Allocate<double>(-1), nullptr);
-    EXPECT_EQ(MEM_ALLOCATION::Allocate<char>((static_cast<long long>(Huge()) << 32) + Huge()), nullptr);
+    ARRAY<ALMOST_ONE_GIGABYTE> array;
+    EXPECT_EQ(array.Resize({0, Huge()}), 2);
+    EXPECT_EQ(array.Count(), 0);
+    EXPECT_THROW((ARRAY<ALMOST_ONE_GIGABYTE>(0, Huge())), ERROR_NO_MEMORY);
+    EXPECT_THROW((ARRAY<int>(0, -1)), ERROR_ARGUMENT);
+    MATRIX<COMPLEX<double>> matrix(1, 1);
+    EXPECT_EQ(matrix.Resize(Huge(), Huge()), 2);  // 2^66 bytes
+    EXPECT_EQ(matrix.Rows(), 1);
+    EXPECT_THROW((MATRIX<double>(Huge(), Huge())), ERROR_NO_MEMORY);
 }
 
 TEST(Array, ResizeCodes) {
@@ -60,35 +61,22 @@ TEST(Array, ResizeCodes) {
     std::iota(array.begin(), array.end(), 1);
     const int* const storage = array.Data();
 
-    EXPECT_EQ(array.Resize({10, 4}), 0);
     EXPECT_EQ(array.Resize({10, -1}), 3);
     EXPECT_EQ(array.Data(), storage);
     EXPECT_THAT(array, testing::ElementsAre(1, 2, 3, 4));
 
     EXPECT_EQ(array.Resize({-2, 6}), 0);
-    EXPECT_EQ(array[-2], 1);
     EXPECT_THAT(array, testing::ElementsAre(1, 2, 3, 4, 0, 0));
     EXPECT_EQ(array.Resize({0, 2}), 0);
     EXPECT_THAT(array, testing::ElementsAre(1, 2));
-    EXPECT_EQ(array.Resize({5, 0}), 0);
-    EXPECT_EQ(array.Range(), (RANGE<int>{5, 0}));
-}
-
-TEST(Array, KeepsItsContentsWhenThereIsNoMemory) {
-    ARRAY<ALMOST_ONE_GIGABYTE> array;
-    EXPECT_EQ(array.Resize({0, Huge()}), 2);
-    EXPECT_EQ(array.Count(), 0);
-    EXPECT_THROW((ARRAY<ALMOST_ONE_GIGABYTE>(0, Huge())), ERROR_NO_MEMORY);
-    EXPECT_THROW((ARRAY<int>(0, -1)), ERROR_ARGUMENT);
 }
 
 TEST(Array, ReachesItsEndsFromAnyFirstIndex) {
-    for (const int first : {std::numeric_limits<int>::min(), -3, 0, Huge() - 1}) {
-        SCOPED_TRACE(first);
+    for (const int first : {std::numeric_limits<int>::min(), Huge() - 1}) {
         ARRAY<short> array(first, 2);
         array[first] = 7;
         array[first + 1] = 8;
-        EXPECT_THAT(array, testing::ElementsAre(7, 8));
+        EXPECT_THAT(array, testing::ElementsAre(7, 8)) << first;
     }
 }
 
@@ -99,26 +87,14 @@ TEST(Array, OwnsElementsOfEitherOrigin) {
     adopted[3] = "c";
     EXPECT_THAT(adopted, testing::ElementsAre(STRING("a"), STRING("b"), STRING("c")));
     copy = std::move(adopted);
-    EXPECT_EQ(copy.Count(), 3);
     const ARRAY<STRING>& same = copy;
     copy = same;
     EXPECT_EQ(copy[2], STRING("b"));
 }
 
-TEST(Array, ThrowsItsTextWhenItCanNotBeCopied) {
-    const ARRAY<FAILS_TO_COPY> array(0, 1);
-    try {
-        const ARRAY<FAILS_TO_COPY> copy = array;
-        FAIL();
-    } catch (const char* text) {
-        EXPECT_STREQ(text, "ARRAY : can not copy array");
-    }
-}
-
 TEST(Matrix, RowsLinkIntoOneBlock) {
     MATRIX<int> matrix(2, 3);
     std::iota(matrix.Data(), matrix.Data() + 6, 1);
-    EXPECT_EQ(matrix[1], matrix.Data() + 3);
     ASSERT_EQ(matrix.Resize(3, 2), 0);
     EXPECT_THAT(std::vector<int>(matrix.Data(), matrix.Data() + 6), testing::ElementsAre(1, 2, 4, 5, 0, 0));
 
@@ -128,15 +104,6 @@ TEST(Matrix, RowsLinkIntoOneBlock) {
     matrix = std::move(copy);
     EXPECT_EQ(matrix[2][1], 9);
     EXPECT_EQ(matrix.Resize(-1, 2), 3);
-    EXPECT_EQ(matrix.Resize(0, 5), 0);
-    EXPECT_EQ(matrix.Columns(), 5);
-}
-
-TEST(Matrix, RowsTimesColumnsBeyondMemoryIsAnError) {
-    MATRIX<COMPLEX<double>> matrix(1, 1);
-    EXPECT_EQ(matrix.Resize(Huge(), Huge()), 2);  // 2^66 bytes
-    EXPECT_EQ(matrix.Rows(), 1);
-    EXPECT_THROW((MATRIX<double>(Huge(), Huge())), ERROR_NO_MEMORY);
 }
 
 TEST(SubArray, IsAViewAndNeverAssigned) {
@@ -145,45 +112,20 @@ TEST(SubArray, IsAViewAndNeverAssigned) {
     SUB_ARRAY<int> view(array, {6, 2}, 1);
     view[2] = 42;
     EXPECT_EQ(array[7], 42);
-    const SUB_ARRAY<int> copy = view;
-    EXPECT_EQ(copy[1], 1);
-    EXPECT_THROW(view = copy, ERROR_NOT_IMPLEMENTED);
+    EXPECT_THROW(view = SUB_ARRAY<int>(view), ERROR_NOT_IMPLEMENTED);
     EXPECT_THROW((SUB_ARRAY<int>(array, {4, 2})), ERROR_ARGUMENT);
     EXPECT_THROW((SUB_ARRAY<int>(array, {8, 2})), ERROR_ARGUMENT);
 }
 
-TEST(Vector, HasADimensionAndElements) {
-    VECTOR<double> vector{1.0, 2.0, 3.0};
-    EXPECT_EQ(vector.Dimension(), 3);
-    EXPECT_EQ(vector[2], 3.0);
-    EXPECT_EQ(VECTOR<double>(2)[1], 0.0);
-}
-
 TEST(String, CountsItsTerminator) {
-    STRING text;
-    EXPECT_EQ(text.Size(), 1u);
-    text = "abc";
+    STRING text = "abc";
     EXPECT_EQ(text.Size(), 4u);
     EXPECT_EQ(text[3], '\0');
-    try {
-        text[4] = 'x';
-        FAIL();
-    } catch (const std::out_of_range& error) {
-        EXPECT_STREQ(error.what(), "subscript greater than string length");
-    }
+    EXPECT_THROW(text[4] = 'x', std::out_of_range);
     STRING taken = std::move(text);
     EXPECT_EQ(taken, STRING("abc"));
     text = taken;
     EXPECT_EQ(text.ToStd(), "abc");
-    EXPECT_LT(STRING("ab"), text);
-}
-
-TEST(Records, AreAggregatesInTheOrderOfTheirFields) {
-    static_assert(std::is_aggregate_v<DPOINT<double>> && std::is_standard_layout_v<DPOINT<double>>);
-    static_assert(sizeof(INDEX<int, double>) == 16 && sizeof(ARRAY<double>) == 24);
-    const INDEX<int, double> entry{3, 0.5};
-    EXPECT_EQ(entry.index, 3);
-    EXPECT_EQ((TUPLE<int>{1, 2}), (TUPLE<int>{1, 2}));
 }
 
 }  // namespace

@@ -23,21 +23,17 @@ class ControlFileTest : public testing::Test {
 };
 
 TEST_F(ControlFileTest, SplitsLinesIntoTwoWords) {
+    const std::string full(1020, 'v');
     struct CASE {
         std::string content, entries;
     };
     const CASE cases[] = {
-        {"", ""},
-        {"KEY value and more\n", "[KEY=value]"},
-        {"KEY\n\tOTHER \t x", "[KEY=][OTHER=x]"},
+        {"KEY value and more\n\tOTHER \t x", "[KEY=value][OTHER=x]"},
         {"\n  \nKEY v\r\n", "[=][=][KEY=v]"},
         {std::string("KEY\0x y\nB c\n", 12), "[KEY=][B=c]"},
         // A line of 1024 characters is whole with its end in the next read; a longer one goes on as a line of its own.
-        {"KEY " + std::string(1020, 'v') + "\nB c\n", "[KEY=" + std::string(1020, 'v') + "][=][B=c]"},
-        {"KEY " + std::string(1020, 'v') + "REST w\n", "[KEY=" + std::string(1020, 'v') + "][REST=w]"},
-        {std::string(5000, 'k') + "\n", "[" + std::string(1024, 'k') + "=][" + std::string(1024, 'k') + "=][" +
-                                            std::string(1024, 'k') + "=][" + std::string(1024, 'k') + "=][" +
-                                            std::string(904, 'k') + "=]"},
+        {"KEY " + full + "\nB c\n", "[KEY=" + full + "][=][B=c]"},
+        {"KEY " + full + "REST w\n", "[KEY=" + full + "][REST=w]"},
     };
     for (const CASE& c : cases) {
         Write("pcf", c.content);
@@ -62,9 +58,7 @@ TEST_F(ControlFileTest, RefusesFoldersAndTakesPipesAndEndlessDevices) {
     std::thread writer([] { Write("pipe", "A 1\nB 2\n"); });
     ASSERT_TRUE(file_.Open("pipe"));
     writer.join();
-    EXPECT_EQ(Entries(), "[A=1][B=2]");
-    file_.Rewind();
-    EXPECT_EQ(Entries(), "[A=1][B=2]");
+    for (int i = 0; i < 2; ++i, file_.Rewind()) EXPECT_EQ(Entries(), "[A=1][B=2]");
 }
 
 }  // namespace

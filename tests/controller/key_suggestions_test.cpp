@@ -13,26 +13,15 @@ TEST(SuggestedKey, AllowsMoreEditsForLongerKeys) {
         {"MASTER_POOL", ""},             // known
         {"MASTER_POL", "MASTER_POOL"},   // a letter lost
         {"MATSER_PIOL", "MASTER_POOL"},  // neighbours exchanged, a letter replaced
-        {"MASTER_POOOL", "MASTER_POOL"},
-        {"master_pool", "MASTER_POOL"},
-        {"Mastr_Pol", "MASTER_POOL"},
-        {"MSTR_POL", ""},  // three letters lost
-        {"LOKS_R", "LOOKS_RG"},
-        {"log_p", "log_pp"},
-        {"LOG_PP", "log_pp"},
+        {"MSTR_POL", ""},                // three letters lost
         {"lgo_pp", "log_pp"},
         {"lo_p", ""},            // two edits in six letters
         {"Z_EARTH", "X_EARTH"},  // equally close to two: the first
         {"dem", "DEM"},
-        {"DEN", ""},  // short keys: capitals and small letters only
-        {"PID", "pid"},
-        {"1e-6", ""},
-        {"#MASTER_POOL", ""},     // a comment
-        {"GAMMA_THRESHOLD", ""},  // another program's
-        {"", ""},
+        {"DEN", ""},           // short keys: capitals and small letters only
+        {"#MASTER_POOL", ""},  // a comment
     };
     for (const CASE& c : cases) EXPECT_EQ(SuggestedKey(c.word, known), c.key) << c.word;
-    EXPECT_EQ(SuggestedKey("DEN", {}), "");
 }
 
 }  // namespace

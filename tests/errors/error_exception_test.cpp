@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "lib/baselib/errors/enum_base.h"
+
 namespace {
 
 /// Throws a CLASS and catches it as its BASE: one row of the tree.
@@ -13,6 +15,8 @@ void ExpectInTree(const std::string& text) {
         EXPECT_EQ(error.Message(), text);
     }
 }
+
+using namespace BASIC::TYPES;
 
 TEST(ErrorTree, EachClassIsCaughtAsItsBaseAndSaysItsText) {
     ExpectInTree<ERROR_EXCEPTION, ERROR_EXCEPTION>("error occurred");
@@ -38,6 +42,11 @@ TEST(ErrorTree, EachClassIsCaughtAsItsBaseAndSaysItsText) {
     ExpectInTree<ERROR_CAN_NOT_MMAP, ERROR_I_O>("mmap failed");
     ExpectInTree<ERROR_CAN_NOT_MSYNC, ERROR_I_O>("msync failed");
     ExpectInTree<ERROR_PARAMETER_POOL, ERROR_EXCEPTION>("parameter pool error");
+    ExpectInTree<ERROR_ENUM_BASE, ERROR_EXCEPTION>("enumeration data type error");
+    ExpectInTree<ERROR_ENUM_BASE_INVALID_ID, ERROR_ENUM_BASE>("enumeration data type - invalid id");
+    ExpectInTree<ERROR_ENUM_BASE_TYPE_MISMATCH, ERROR_ENUM_BASE>("enumeration data type - type mismatch");
+    ExpectInTree<ERROR_ENUM_BASE_LIMIT_OF_ENUMERATION_EXPIRED, ERROR_ENUM_BASE>(
+        "enumeration data type - limit of enumeration expired");
 }
 
 }  // namespace

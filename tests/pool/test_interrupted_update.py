@@ -57,7 +57,7 @@ def fixture_reference(tmp_path_factory):
 
 
 def check_recovery(folder, new):
-    """The next run names the left-over; the pool is a part of it; copying it back gives the new content."""
+    """The next run names the left-over; it holds the new content and the pool a part of it."""
     names = left_overs(folder)
     opened = subprocess.run([DRIVER, str(folder / "test.pool"), "open"], capture_output=True, text=True, check=True)
     assert opened.stdout.count("update was interrupted") == len(names), opened.stdout
@@ -66,8 +66,6 @@ def check_recovery(folder, new):
         assert path.read_text() == new
         content = (folder / "test.pool").read_text()
         assert content == OLD or new.startswith(content)
-        shutil.copyfile(path, folder / "test.pool")
-        assert (folder / "test.pool").read_text() == new
 
 
 def test_killed_at_every_call(reference, tmp_path):
@@ -78,18 +76,15 @@ def test_killed_at_every_call(reference, tmp_path):
             folder = new_folder(tmp_path)
             strace(folder, "-e", f"inject={name}:signal=KILL:when={n}")
             content = (folder / "test.pool").read_text()
-            kept = left_overs(folder)
-            assert content in (OLD, new) or len(kept) == 1, f"{name} {n}"
+            assert content in (OLD, new) or len(left_overs(folder)) == 1, f"{name} {n}"
             seen["old" if content == OLD else "new" if content == new else "left-over"] += 1
             check_recovery(folder, new)
-    print("killed:", sum(seen.values()), dict(seen))
     assert seen["old"] > 0 and seen["new"] > 0 and seen["left-over"] > 0
 
 
 @pytest.mark.parametrize("error", ["ENOSPC", "EIO"])
 def test_every_call_fails_once(reference, tmp_path, error):
     new, calls, before = reference
-    seen = Counter()
     silent = []
     for name in CALLS:
         for n in range(before[name] + 1, calls[name] + 1):
@@ -103,9 +98,7 @@ def test_every_call_fails_once(reference, tmp_path, error):
                 silent += [line for line in trace if "(INJECTED)" in line]
             else:
                 assert run.returncode == 1 and "ALARM" in run.stdout, f"{name} {n}: {run.stdout}"
-            seen["reported" if run.returncode else "without effect"] += 1
             check_recovery(folder, new)
-    print(error, dict(seen))
     # Without effect: unlocking and closing after all is on disk, the process' own log file.
     for line in silent:
         assert re.search(r"flock\(.*LOCK_UN|close\(.*/test\.pool>|log", line), line
