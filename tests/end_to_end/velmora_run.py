@@ -13,6 +13,8 @@ from scene_maker import pool_file, raster  # noqa: E402
 
 BINARY = os.environ.get("VELMORA_BINARY", str(REPOSITORY / "build" / "debug" / "app" / "velmora"))
 SANITIZED = bool(os.environ.get("VELMORA_SANITIZE"))
+SMALL = dict(samples=60, lines=50, terrain="flat", low_m=100.0, cover_low_m=0.0, cover_high_m=1000.0)
+LAST_LINE = "ORQ_MSG|ERROR|velmora terminated with error!"
 POOLS = ("master.pool", "slave.pool", "insar.pool", "log.pool", "dem.pool")
 RUN_LIMIT_S = 300.0
 

@@ -1,26 +1,18 @@
 /// Fuzz target of the pool reader: any bytes are a pool. Each of its keys is read as the type of its tag and as a wrong
 /// one; a value that could be read must survive being written back, and the write must not change any other entry.
 
-#include <unistd.h>
-
-#include <cstdint>
-#include <cstdlib>
-#include <cstring>
-#include <fstream>
+#include <algorithm>
 #include <iterator>
 #include <set>
-#include <string>
+#include <sstream>
 #include <tuple>
 
 #include "lib/baselib/pool/parameter_pool_read_write_change.h"
+#include "tests/fuzz/fuzz_target.h"
 
 namespace {
 
 constexpr int kKeysPerPool = 8;  // keeps one input below a millisecond
-
-void Require(bool condition) {
-    if (!condition) std::abort();
-}
 
 std::string FileText(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
@@ -77,46 +69,29 @@ using MATRIX_ELEMENTS =
 /// First and second words of lines that can be entries, found in another way than the reader's.
 std::set<std::pair<std::string, std::string>> KeysAndTags(const std::string& text) {
     std::set<std::pair<std::string, std::string>> result;
-    std::size_t begin = 0;
-    while (begin < text.size() && result.size() < kKeysPerPool) {
-        const std::size_t end = std::min(text.find_first_of("\r\n", begin), text.size());
-        const std::string line = text.substr(begin, end - begin);
-        begin = end + 1;
-        const std::size_t key_end = line.find_first_of(" \t");
-        if (key_end == std::string::npos || key_end == 0 || line[0] == '#') continue;
-        const std::size_t tag = line.find_first_not_of(" \t", key_end);
-        if (tag == std::string::npos) continue;
-        result.emplace(line.substr(0, std::min<std::size_t>(key_end, 100)),
-                       line.substr(tag, line.find_first_of(" \t", tag) - tag));
+    std::string unix_text = text;
+    std::replace(unix_text.begin(), unix_text.end(), '\r', '\n');
+    std::istringstream lines(unix_text);
+    for (std::string line; result.size() < kKeysPerPool && std::getline(lines, line);) {
+        std::istringstream words(line);
+        std::string key;
+        std::string tag;
+        if (line[0] != '#' && words >> key >> tag) result.emplace(key.substr(0, 100), tag);
     }
     return result;
 }
 
-const std::string& PoolPath() {
-    static const std::string path = [] {
-        char folder[] = "/dev/shm/fuzz_pool_XXXXXX";
-        Require(mkdtemp(folder) != nullptr);
-        return std::string(folder) + "/fuzz.pool";
-    }();
-    return path;
-}
-
 }  // namespace
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    Log().SetScreenThreshold(9);
-    Log().SetFileThreshold(9);
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);
-    std::ofstream(PoolPath(), std::ios::binary) << text;
+    const std::string path = Folder() + "/fuzz.pool";
+    std::ofstream(path, std::ios::binary) << text;
     for (const auto& [key, tag] : KeysAndTags(text)) {
         const int type = PoolTypeNumber(tag);
-        ReadAs(type, PoolPath(), key, static_cast<SCALARS*>(nullptr));
-        ReadAsMatrix(type, PoolPath(), key, static_cast<MATRIX_ELEMENTS*>(nullptr));
-        PARAMETER_POOL pool(PoolPath());
+        ReadAs(type, path, key, static_cast<SCALARS*>(nullptr));
+        ReadAsMatrix(type, path, key, static_cast<MATRIX_ELEMENTS*>(nullptr));
+        PARAMETER_POOL pool(path);
         int value = 0;
         (void)TryGet(pool, key, value);
     }

@@ -1,28 +1,17 @@
-/// Fuzz target of the record databases: the input up to its first NUL is "format.dat", the rest the data file. The file is
-/// read through, searched in every stop mode for the keys that it holds, and read as an orbit. Whatever the bytes: a value
-/// or one of the program's own errors.
+/// Fuzz target of the record databases: the input up to its first NUL is "format.dat", the rest the data file. The file
+/// is read through, searched in every stop mode for the keys that it holds, and read as an orbit. Whatever the bytes: a
+/// value or one of the program's own errors.
 
-#include <unistd.h>
-
-#include <cstdint>
-#include <cstdlib>
-#include <fstream>
-#include <string>
 #include <vector>
 
-#include "lib/baselib/errors/error_exception.h"
-#include "lib/baselib/logging/logging.h"
 #include "orbit/local_interpolation.h"
 #include "orbit/mdb_orbit.h"
 #include "orbit/polynom.h"
+#include "tests/fuzz/fuzz_target.h"
 
 namespace {
 
 constexpr size_t kKeysSearched = 4;  // keeps one input short
-
-void Require(bool condition) {
-    if (!condition) std::abort();
-}
 
 /// Runs what may fail in one of the program's own ways.
 template <class STEP>
@@ -34,15 +23,6 @@ bool Succeeds(STEP step) {
     } catch (const ERROR_EXCEPTION&) {
     }
     return false;
-}
-
-const std::string& Folder() {
-    static const std::string folder = [] {
-        char name[] = "/dev/shm/fuzz_records_XXXXXX";
-        Require(mkdtemp(name) != nullptr);
-        return std::string(name);
-    }();
-    return folder;
 }
 
 std::vector<RECORD_ITEM> ReadKeys(MDB& mdb) {
@@ -97,12 +77,6 @@ void ReadAsOrbit(const ANY_TIME& reference) {
 }
 
 }  // namespace
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    Log().SetScreenThreshold(static_cast<int>(LOGGING_LEVEL::NO_MESSAGE));
-    Log().SetFileThreshold(static_cast<int>(LOGGING_LEVEL::NO_MESSAGE));
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);
