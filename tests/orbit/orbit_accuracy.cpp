@@ -4,64 +4,56 @@
 ///
 ///     orbit_accuracy STEP POOL...        keeps every STEP-th vector of the pools' orbits (double precision)
 
+#include <unistd.h>
+
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
+#include <iomanip>
+#include <sstream>
 
+#include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/pool/parameter_pool.h"
-#include "orbit/orbit.h"
+#include "orbit/general_orbit.h"
+#include "orbit/state_vectors.h"
 #include "time/time_axis.h"
 
 namespace {
 
 using VECTORS = STATE_VECTORS<double, double>;
 
-template <class I, class P>
-class LIST_ORBIT final : public ORBIT<double, double, I, P> {
-  public:
-    explicit LIST_ORBIT(const VECTORS& vectors) { vectors_ = vectors; }
-    using ORBIT<double, double, I, P>::operator=;
-    void ReadFromParameterPool(PARAMETER_POOL&) override {}
-    void Create() { this->TakeOver(vectors_, {"list", "t", "p", "v"}); }
+constexpr const char* kNames =
+    "polynom polyfit_5 polyfit_7 polyfit_9 polyfit_11 spline "
+    "localpolynom_0_4 localpolynom_0_6 localpolynom_0_8 localpolynom_0_10 "
+    "localpolyfit_5_7 localpolyfit_7_9 localpolyfit_7_11 "
+    "chebyshev_5 chebyshev_7 chebyshev_9 chebyshev_11 localchebyshev_5_7 localchebyshev_7_9 "
+    "hermite_0_2 hermite_0_4 hermite_0_6 hermite_0_8 localhermite_0_4 localhermite_0_8 everett_4 everett_6 everett_8";
 
-  private:
-    VECTORS vectors_;
-};
-
-template <class I, class P>
-std::unique_ptr<ORBIT_BASE> Create(const VECTORS& vectors, const INTERPOLATION_REQUEST& request) {
-    auto orbit = std::make_unique<LIST_ORBIT<I, P>>(vectors);
-    orbit->SetInterpolation(request);
-    orbit->Create();
-    return orbit;
-}
-
-std::unique_ptr<ORBIT_BASE> CreateOrbit(const VECTORS& vectors, const INTERPOLATION_REQUEST& request) {
-    using P = POINT<double>;
-    using D = DPOINT<double>;
-    switch (request.id) {
-        case INTERPOLATION_ID::POLYNOM:
-            return Create<POLYNOM<double>, P>(vectors, request);
-        case INTERPOLATION_ID::POLYFIT:
-            return Create<POLYNOM_FIT<double>, P>(vectors, request);
-        case INTERPOLATION_ID::SPLINE:
-            return Create<SPLINE<double>, P>(vectors, request);
-        case INTERPOLATION_ID::LOCALPOLYNOM:
-            return Create<LOCAL<double, POLYNOM<double>>, P>(vectors, request);
-        case INTERPOLATION_ID::LOCALPOLYFIT:
-            return Create<LOCAL<double, POLYNOM_FIT<double>>, P>(vectors, request);
-        case INTERPOLATION_ID::CHEBYSHEV:
-            return Create<CHEBY_POLY<double>, P>(vectors, request);
-        case INTERPOLATION_ID::LOCALCHEBYSHEV:
-            return Create<LOCAL<double, CHEBY_POLY<double>>, P>(vectors, request);
-        case INTERPOLATION_ID::HERMITE:
-            return Create<HERMITE_POLY<double>, D>(vectors, request);
-        case INTERPOLATION_ID::LOCALHERMITE:
-            return Create<LOCAL_HERMITE<double>, D>(vectors, request);
-        case INTERPOLATION_ID::EVERETT:
-            return Create<EVERETT<double>, P>(vectors, request);
+/// Every step-th vector as a pool, so that the program's own reading chooses the interpolation.
+ORBIT_OF_POOL OrbitOf(const VECTORS& all, size_t step, const std::string& interpolation) {
+    const std::string path = "/tmp/orbit_accuracy." + std::to_string(getpid()) + ".pool";
+    std::ofstream file(path);
+    file << std::setprecision(17) << "orbit_representation STR \"orbit_pool_double_double\"\n"
+         << "orbit_interpolation STR \"" << interpolation << "\"\norbit_reference_time STR \"0\"\n"
+         << "orbit_param_key STR \"t\"\norbit_value_key STR \"p\"\norbit_velocity_key STR \"v\"\n";
+    const size_t kept = (all.size() - 1) / step + 1;
+    file << "t FLT_15_V 0 " << kept << "\n{\n";
+    for (size_t i = 0; i < all.size(); i += step) file << all[i].time << "\n";
+    for (const bool is_position : {true, false}) {
+        file << "}\n" << (is_position ? "p" : "v") << " FLT_15_V 0 " << 3 * kept << "\n{\n";
+        for (size_t i = 0; i < all.size(); i += step) {
+            const VECTOR_3D<double>& vector = is_position ? all[i].position_m : all[i].velocity_m_s;
+            file << vector.x << "\n" << vector.y << "\n" << vector.z << "\n";
+        }
     }
-    return nullptr;
+    file << "}\n";
+    file.close();
+    ORBIT_OF_POOL orbit;
+    PARAMETER_POOL pool(path);
+    std::remove(path.c_str());
+    orbit.ReadFromParameterPool(pool);
+    return orbit;
 }
 
 template <class S>
@@ -99,21 +91,19 @@ struct WORST {
     }
 };
 
-void PrintRow(const char* interpolation, const VECTORS& all, size_t step) {
+void PrintRow(const std::string& interpolation, const VECTORS& all, size_t step) {
     constexpr size_t kMargin = 4;  // kept vectors on either side of the middle
-    VECTORS kept;
-    for (size_t i = 0; i < all.size(); i += step) kept.push_back(all[i]);
-    const size_t last = (kept.size() - 1) * step;
-    const std::unique_ptr<ORBIT_BASE> orbit = CreateOrbit(kept, ParseInterpolationText(interpolation));
+    const size_t last = (all.size() - 1) / step * step;
+    const ORBIT_OF_POOL orbit = OrbitOf(all, step, interpolation);
     WORST middle;
     WORST anywhere;
     for (size_t i = 0; i < last; ++i) {
         if (i % step == 0) continue;
-        const ORBIT_STATE state = orbit->State(all[i].time);
+        const ORBIT_STATE state = orbit.State(all[i].time);
         anywhere.Add(state, all[i]);
         if (i > kMargin * step && i + kMargin * step < last) middle.Add(state, all[i]);
     }
-    std::printf("| %-18s | %9.2g | %9.2g | %9.2g | %9.2g |\n", interpolation, 1e3 * middle.position_m,
+    std::printf("| %-18s | %9.2g | %9.2g | %9.2g | %9.2g |\n", interpolation.c_str(), 1e3 * middle.position_m,
                 1e3 * middle.velocity_m_s, 1e3 * anywhere.position_m, 1e3 * anywhere.velocity_m_s);
 }
 
@@ -131,38 +121,12 @@ int main(int argc, char** argv) {
             const VECTORS all = ReadVectors(argv[i]);
             std::printf("%s: %zu vectors, every %zu. kept; worst error in the middle, anywhere [mm, mm/s]\n", argv[i],
                         all.size(), step);
-            for (const char* interpolation : {"polynom",
-                                              "polyfit_5",
-                                              "polyfit_7",
-                                              "polyfit_9",
-                                              "polyfit_11",
-                                              "spline",
-                                              "localpolynom_0_4",
-                                              "localpolynom_0_6",
-                                              "localpolynom_0_8",
-                                              "localpolynom_0_10",
-                                              "localpolyfit_5_7",
-                                              "localpolyfit_7_9",
-                                              "localpolyfit_7_11",
-                                              "chebyshev_5",
-                                              "chebyshev_7",
-                                              "chebyshev_9",
-                                              "chebyshev_11",
-                                              "localchebyshev_5_7",
-                                              "localchebyshev_7_9",
-                                              "hermite_0_2",
-                                              "hermite_0_4",
-                                              "hermite_0_6",
-                                              "hermite_0_8",
-                                              "localhermite_0_4",
-                                              "localhermite_0_8",
-                                              "everett_4",
-                                              "everett_6",
-                                              "everett_8"}) {
+            std::istringstream interpolations(kNames);
+            for (std::string interpolation; interpolations >> interpolation;) {
                 try {
                     PrintRow(interpolation, all, step);
                 } catch (const ERROR_EXCEPTION& error) {
-                    std::printf("| %-18s | %s\n", interpolation, error.Message().c_str());
+                    std::printf("| %-18s | %s\n", interpolation.c_str(), error.Message().c_str());
                 }
             }
         }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cmath>
 #include <cstdio>
@@ -61,21 +62,16 @@ class POOL_TEXT {
 
     /// Writes the pool into the one file of this program. @return its path
     std::string Save() const {
-        static const REMOVED_AT_EXIT file_of_program(testing::TempDir() + "/" + std::to_string(getpid()) +
-                                                     "_orbit.pool");
-        const std::string& path = file_of_program.path;
-        std::ofstream file(path);
+        static const struct REMOVED_AT_EXIT {
+            std::string path = testing::TempDir() + "/" + std::to_string(getpid()) + "_orbit.pool";
+            ~REMOVED_AT_EXIT() { std::remove(path.c_str()); }
+        } file_of_program;
+        std::ofstream file(file_of_program.path);
         for (const auto& [key, entry] : entries_) file << key << " " << entry << "\n";
-        return path;
+        return file_of_program.path;
     }
 
   private:
-    struct REMOVED_AT_EXIT {
-        explicit REMOVED_AT_EXIT(std::string p) : path(std::move(p)) {}
-        ~REMOVED_AT_EXIT() { std::remove(path.c_str()); }
-        std::string path;
-    };
-
     std::map<std::string, std::string> entries_;
 };
 
@@ -94,11 +90,8 @@ inline constexpr const char* kUsualMet = "+0012/23:59:00.250000";  // a day ends
 
 inline std::string Digits(double value, bool is_float) {
     char text[40];
-    if (is_float) {
-        std::snprintf(text, sizeof text, "%.9g", static_cast<double>(static_cast<float>(value)));
-    } else {
-        std::snprintf(text, sizeof text, "%.17g", value);
-    }
+    std::snprintf(text, sizeof text, is_float ? "%.9g" : "%.17g",
+                  is_float ? static_cast<double>(static_cast<float>(value)) : value);
     return text;
 }
 
@@ -128,12 +121,9 @@ inline POOL_TEXT OrbitPool(const ORBIT_SAMPLING& s) {
     std::vector<std::string> velocities;
     for (int i = 0; i < s.count; ++i) {
         const ORBIT_STATE state = CircularOrbit(s.first_s + i * s.step_s);
-        for (const double p : {state.position_m.x, state.position_m.y, state.position_m.z}) {
-            positions.push_back(Digits(p, is_float));
-        }
-        for (const double v : {state.velocity_m_s.x, state.velocity_m_s.y, state.velocity_m_s.z}) {
-            velocities.push_back(Digits(v, is_float));
-        }
+        const auto &p = state.position_m, &v = state.velocity_m_s;
+        for (const double c : {p.x, p.y, p.z}) positions.push_back(Digits(c, is_float));
+        for (const double c : {v.x, v.y, v.z}) velocities.push_back(Digits(c, is_float));
     }
     POOL_TEXT pool;
     pool.SetText("orbit_representation", s.type);

@@ -19,48 +19,20 @@ struct GOOD {
 TEST(UtcScanner, ReadsEveryForm) {
     constexpr GOOD kGood[] = {
         {"05-MAR-2012/14:03:07.123456", "05-MAR-2012/14:03:07.123456"},
-        {"05-MAR-2012 14:03:07.123456", "05-MAR-2012/14:03:07.123456"},
-        {"2012-03-05/14:03:07.123456", "05-MAR-2012/14:03:07.123456"},
         {"2012-03-05T14:03:07.123456", "05-MAR-2012/14:03:07.123456"},
         {"20120305T140307", "05-MAR-2012/14:03:07.000000"},
-        {"MAR 05 14:03:07 2012", "05-MAR-2012/14:03:07.000000"},
         {"mar  5 14:03:07 2012", "05-MAR-2012/14:03:07.000000"},  // upper-cased first
-        {"2012-03-05T14:03:07", "05-MAR-2012/14:03:07.000000"},
         {"2012-03-05T14:03:07.", "05-MAR-2012/14:03:07.000000"},
-        {"2012-03-05T14:03:07.5", "05-MAR-2012/14:03:07.500000"},
         {"2012-03-05T14:03:07.050", "05-MAR-2012/14:03:07.050000"},
-        {"2012-03-05T14:03:07.1234567", "05-MAR-2012/14:03:07.123456"},
         {"2012-03-05T14:03:07.123456789012345678901234567890", "05-MAR-2012/14:03:07.123456"},
-        {"2012-03-05T14:03:07Z", "05-MAR-2012/14:03:07.000000"},
-        {"2012-03-05T14:03:07Z \t", "05-MAR-2012/14:03:07.000000"},
         {"2012-03-05T14:03:07.25Z", "05-MAR-2012/14:03:07.250000"},
         {"2012-03-05T14:03:07.25 \n anything", "05-MAR-2012/14:03:07.250000"},  // a line ends the text
-        {"2012-MAR-05T14:03:07", nullptr},                                      // the name moves the positions
         {"05-003-2012/14:03:07", "05-MAR-2012/14:03:07.000000"},
         {"31-DEC-2016/23:59:60.000000", "31-DEC-2016/23:59:60.000000"},
         {"30-JUN-2012/23:59:62", "30-JUN-2012/23:59:62.000000"},
-        {"29-FEB-2012/00:00:00", "29-FEB-2012/00:00:00.000000"},
         {"29-FEB-2000/00:00:00", "29-FEB-2000/00:00:00.000000"},
     };
-    for (const GOOD& c : kGood) {
-        SCOPED_TRACE(c.text);
-        if (c.expected == nullptr) {
-            EXPECT_THROW((void)UTC_SCANNER().Scan(c.text), ERROR_DATA);
-        } else {
-            EXPECT_EQ(UTC_SCANNER().Scan(c.text).ToText(), c.expected);
-        }
-    }
-}
-
-/// The error class a scan throws, or "none".
-template <class SCANNER>
-std::string ErrorOf(const std::string& text) {
-    try {
-        (void)SCANNER().Scan(text);
-    } catch (const ERROR_EXCEPTION& error) {
-        return error.Message();
-    }
-    return "none";
+    for (const GOOD& c : kGood) EXPECT_EQ(UTC_SCANNER().Scan(c.text).ToText(), c.expected) << c.text;
 }
 
 struct BAD {
@@ -73,10 +45,15 @@ template <class SCANNER, size_t N>
 void ExpectRefused(const BAD (&cases)[N]) {
     for (const BAD& c : cases) {
         SCOPED_TRACE(c.text);
-        std::string error;
-        const std::string log = LoggedBy([&] { error = ErrorOf<SCANNER>(c.text); });
-        EXPECT_THAT(log, HasSubstr(c.logged));
-        EXPECT_THAT(log, HasSubstr("Error during scan of: "));
+        std::string error = "none";
+        const std::string log = LoggedBy([&] {
+            try {
+                (void)SCANNER().Scan(c.text);
+            } catch (const ERROR_EXCEPTION& exception) {
+                error = exception.Message();
+            }
+        });
+        EXPECT_THAT(log, AllOf(HasSubstr(c.logged), HasSubstr("Error during scan of: ")));
         EXPECT_EQ(error, c.error);
     }
 }
@@ -86,26 +63,19 @@ TEST(UtcScanner, RefusesWithTheReason) {
     const BAD kBad[] = {
         {"", "UTC_SCANNER: invalid or unsupported format: \n"},
         {"12.5", "UTC_SCANNER: invalid or unsupported format: 12.5\n"},
-        {"-0001/00:00:00.000000", "invalid or unsupported format"},
         {"05-mar-2012/14:03:07", "UTC_SCANNER: TIME: scanner: unhandled character: 05-mar-2012/14:03:07\n"},
         {"05-JAM-2012/14:03:07", "TIME_SCANNER: can not convert >> JAM << to month\n", "wrong argument"},
         {"05-MAR-2012/24:03:07", "UTC_SCANNER: invalid hour: 24\n"},
-        {"05-MAR-2012/14:60:07", "UTC_SCANNER: invalid minute: 60\n"},
         {"05-MAR-2012/23:59:63", "UTC_SCANNER: invalid second: 63\n"},
-        {"31-DEC-2016/22:59:60", "UTC_SCANNER: invalid leap second: 60\n"},
         {"31-DEC-2016/23:58:60", "UTC_SCANNER: invalid leap second: 60\n"},
-        {"29-FEB-2011/00:00:00", "UTC_SCANNER: Invalid date: 29.2.2011\n"},
         {"29-FEB-1900/00:00:00", "UTC_SCANNER: Invalid date: 29.2.1900\n"},
         {"2012-13-05T14:03:07", "UTC_SCANNER: Invalid date: 5.13.2012\n"},
-        {"2012-00-05T14:03:07", "UTC_SCANNER: Invalid date: 5.0.2012\n"},
         {"2012-03-00T14:03:07", "UTC_SCANNER: Invalid date: 0.3.2012\n"},
         {"MAR 05 14:03:07 20120", "UTC_SCANNER: invalid year: 20120\n"},
         {"MAR 05 14:03:07 99999999999999999999", "UTC_SCANNER: invalid year: 2147483647\n"},
-        {"MAR 05 14:03:07", "TIME: scanner: unexpected end of string"},
         {"05-MAR-2012/14:03", "TIME: scanner: unexpected end of string"},
         {"05-MAR-2012/14:03:07+01:00", "unexpected token in GetPoint()"},
         {"05-MAR-2012/14:03:07.5+01:00", "unexpected token after the time"},
-        {"05-MAR-2012/14:03:07 Z 5", "unexpected token in GetPoint()"},
         {"05-MAR-2012/14:03:07.:", "unexpected token in GetMilliAndMicroSeconds()"},
         {"05-MAR-2012/14.03:07", "unexpected token in GetSeparator()"},
         {"05-:::-2012/14:03:07", "unexpected token in GetMonth()"},
@@ -113,7 +83,6 @@ TEST(UtcScanner, RefusesWithTheReason) {
         {"05-MAR-2012/:14:03:07", "found token: token_separator\n"},
         {"2012-03-05T14:03:07." + digits_129, "TIME: scanner: token too long"},
         {"2012-03-05T14:03:07\xc3\xa4", "TIME: scanner: unhandled character"},
-        {"2012-03-05T14:03:07\r", "TIME: scanner: unhandled character"},
     };
     ExpectRefused<UTC_SCANNER>(kBad);
 }
@@ -121,8 +90,6 @@ TEST(UtcScanner, RefusesWithTheReason) {
 TEST(MetScanner, ReadsAndRefuses) {
     constexpr GOOD kGood[] = {
         {"+0012/03:04:05.006007", "+0012/03:04:05.006007"},
-        {"-0012/03:04:05.006007", "-0012/03:04:05.006007"},
-        {"12/3:4:5", "+0012/03:04:05.000000"},
         {" + 12 - 3 T 4 \\ 5 . 5 ", "+0012/03:04:05.500000"},
         {"9999/23:59:59.999999Z", "+9999/23:59:59.999999"},
     };
@@ -132,11 +99,9 @@ TEST(MetScanner, ReadsAndRefuses) {
         {"", "MET_SCANNER: TIME: scanner: unexpected end of string: \n"},
         {"10000/00:00:00", "MET_SCANNER: can not represent MET value: 10000/00:00:00\n"},
         {"0001/24:00:00", "MET_SCANNER: hours are outside 0..23"},
-        {"0001/00:60:00", "MET_SCANNER: minutes are outside 0..59"},
         {"0001/00:00:60", "MET_SCANNER: seconds are outside 0..59"},
         {"0001/00:00:00.5 5", "unexpected token after the time"},
         {"++1/00:00:00", "found token: token_sign_plus\n"},
-        {"MAR/00:00:00", "found token: token_month\n"},
         {"MARS/00:00:00", "TIME_SCANNER: can not convert >> MARS << to month\n"},
     };
     ExpectRefused<MET_SCANNER>(kBad);
@@ -158,9 +123,6 @@ TEST(TimeScanner, KeepsOneTokenBack) {
     EXPECT_EQ(scanner.GetNumber(), 12);
     EXPECT_FALSE(scanner.GetPoint());
     EXPECT_FALSE(scanner.GetToken(token));
-    EXPECT_STREQ(TokenTypeText(TIME_TOKEN_TYPE::ZULU), "token_zulu");
-    EXPECT_EQ(TextThrownBy([] { (void)TokenTypeText(static_cast<TIME_TOKEN_TYPE>(8)); }),
-              "can not convert unregistered tokentype to string");
 }
 
 }  // namespace

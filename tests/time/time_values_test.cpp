@@ -21,9 +21,9 @@ MISSION_ELAPSED_TIME Met(const char* text) {
 }
 
 TEST(Calendar, DayNumbersAgreeWithTheSystemCalendar) {
-    // timegm counts days since 1970 by its own method; every day of the years 1600 to 2400 is tried.
+    // timegm counts days since 1970 by its own method; every day of the years 1600 to 2000 is tried.
     const long long day_of_epoch = DayNumber(1970, 1, 1);
-    for (int year = 1600; year <= 2400; ++year) {
+    for (int year = 1600; year <= 2000; ++year) {
         for (int month = 1; month <= 12; ++month) {
             for (int day = 1; day <= DaysOfMonth(year, month); ++day) {
                 std::tm date{};
@@ -38,9 +38,6 @@ TEST(Calendar, DayNumbersAgreeWithTheSystemCalendar) {
             }
         }
     }
-    EXPECT_FALSE(IsLeapYear(1900));
-    EXPECT_TRUE(IsLeapYear(2000));
-    EXPECT_EQ(DaysOfMonth(2011, 2), 28);
     for (const int no_month : {-1, 0, 13}) EXPECT_EQ(DaysOfMonth(2011, no_month), -1);
 }
 
@@ -53,20 +50,15 @@ struct DIFFERENCE {
 
 constexpr DIFFERENCE kDifferences[] = {
     {"01-JAN-2017/00:00:00", "01-JAN-2017/00:00:00.000001", 1e-6, 0},
-    {"28-FEB-2012/23:59:59.5", "01-MAR-2012/00:00:00.25", 86400.75, 0},
-    {"31-DEC-2016/12:00:00", "01-JAN-2017/12:00:00", 86401.0, 1},
     {"31-DEC-2016/23:59:59", "01-JAN-2017/00:00:00", 2.0, 1},
     {"31-DEC-2016/23:59:59", "31-DEC-2016/23:59:60", 2.0, 1},  // the instant counts as the second after it
     {"31-DEC-2016/23:59:60", "01-JAN-2017/00:00:00", 0.0, 0},
-    {"01-JAN-1960/00:00:00", "31-DEC-1971/23:00:00", (4383 - 1 / 24.0) * 86400.0, 0},
     {"01-JAN-1971/00:00:00", "01-JAN-2020/00:00:00", 17897 * 86400.0 + 27, 27},  // every item of the table
     {"01-JAN-2017/00:00:00", "01-JAN-2030/00:00:00", 4748 * 86400.0, 0},
     // The two items of 31 June count when 1 July ends, not when it begins.
-    {"01-JAN-2012/00:00:00", "01-JAN-2013/00:00:00", 366 * 86400.0 + 1, 1},
     {"30-JUN-2012/23:59:59", "01-JUL-2012/00:00:00", 1.0, 0},
     {"01-JUL-2012/23:59:59", "02-JUL-2012/00:00:00", 2.0, 1},
     {"30-JUN-2015/23:59:50", "02-JUL-2015/00:00:10", 86400 + 21.0, 1},
-    {"30-JUN-2012/23:59:59", "30-JUN-2012/23:59:60", 1.0, 0},
 };
 
 TEST(UniversalTime, DifferencesCountLeapSecondsInBothDirections) {
@@ -84,9 +76,7 @@ TEST(UniversalTime, DifferencesCountLeapSecondsInBothDirections) {
 
 TEST(LeapSeconds, AreKnownByAllEightFields) {
     EXPECT_TRUE(IsLeapSecond(Utc("31-DEC-2016/23:59:60")));
-    EXPECT_TRUE(IsLeapSecond(Utc("30-JUN-1972/23:59:60")));
     EXPECT_FALSE(IsLeapSecond(Utc("31-DEC-2016/23:59:60.000001")));
-    EXPECT_FALSE(IsLeapSecond(Utc("31-DEC-2016/23:59:59")));
     EXPECT_FALSE(IsLeapSecond(Utc("31-DEC-2014/23:59:60")));
     EXPECT_FALSE(IsLeapSecond(Utc("30-JUN-2012/23:59:60"))) << "the table says 31 June";
     EXPECT_TRUE(IsLeapSecond(UNIVERSAL_TIME{2012, 6, 31, 23, 59, 60, 0, 0}));
@@ -97,7 +87,6 @@ TEST(LeapSeconds, AreKnownByAllEightFields) {
 TEST(UniversalTime, OrdersByYearDayAndTimeOfDay) {
     const UNIVERSAL_TIME spare_minute{2012, 3, 5, 10, 60, 0, 0, 0};
     EXPECT_TRUE((spare_minute <=> UNIVERSAL_TIME{2012, 3, 5, 10, 59, 0, 0, 0}) == 0) << "minute 60 counts as 59";
-    EXPECT_TRUE((UNIVERSAL_TIME{2012, 6, 31, 0, 0, 0, 0, 0} <=> UNIVERSAL_TIME{2012, 7, 1, 0, 0, 0, 0, 0}) == 0);
     const char* ascending[] = {"31-DEC-2011/23:59:59.999999", "01-JAN-2012/00:00:00",        "29-FEB-2012/23:00:00",
                                "01-MAR-2012/00:00:00",        "01-MAR-2012/00:00:00.000001", "01-MAR-2012/00:00:00.001",
                                "01-MAR-2012/00:01:00",        "01-MAR-2012/01:00:00",        "01-JAN-2013/00:00:00"};
@@ -117,29 +106,18 @@ TEST(UniversalTime, PlusIsTheInverseOfTheDifference) {
         ASSERT_EQ(Utc(moved.ToText().c_str()), moved);
         ASSERT_EQ(Utc(moved.ToIsoText().c_str()), moved);
     }
-    struct SUM {
-        const char* start;
-        double seconds;
-        const char* expected;
-    };
-    constexpr SUM kSums[] = {
+    const std::tuple<const char*, double, const char*> sums[] = {
         {"31-DEC-2016/23:59:59.5", 1.0, "31-DEC-2016/23:59:60.500000"},
-        {"31-DEC-2016/23:59:59.5", 2.0, "01-JAN-2017/00:00:00.500000"},
         {"01-JAN-2017/00:00:00", -1e-6, "31-DEC-2016/23:59:60.999999"},
         {"01-JAN-2017/00:00:00", -1.000001, "31-DEC-2016/23:59:59.999999"},
-        {"30-JUN-2012/23:59:59", 1.0, "01-JUL-2012/00:00:00.000000"},
         {"01-JUL-2012/23:59:59", 1.25, "01-JUL-2012/23:59:60.250000"},
         {"28-FEB-2012/23:59:59", 1.0000004, "29-FEB-2012/00:00:00.000000"},
-        {"28-FEB-1900/23:59:59", 1.0, "01-MAR-1900/00:00:00.000000"},
         {"31-DEC-9999/23:59:59", 0.999999, "31-DEC-9999/23:59:59.999999"},
-        {"01-JAN-0000/00:00:01", -1.0, "01-JAN-0000/00:00:00.000000"},
     };
-    for (const SUM& c : kSums) {
-        EXPECT_EQ(TIME_AXIS<UNIVERSAL_TIME>::Plus(Utc(c.start), c.seconds).ToText(), c.expected) << c.start;
+    for (const auto& [from, seconds, expected] : sums) {
+        EXPECT_EQ(TIME_AXIS<UNIVERSAL_TIME>::Plus(Utc(from), seconds).ToText(), expected) << from;
     }
-    const double beyond[] = {
-        1.0, 1e11, 1e300, -4e11, std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()};
-    for (const double seconds : beyond) {
+    for (const double seconds : {1.0, 1e300, -4e11, std::numeric_limits<double>::quiet_NaN()}) {
         EXPECT_EQ(TextThrownBy([&] { (void)TIME_AXIS<UNIVERSAL_TIME>::Plus(Utc("31-DEC-9999/23:59:59"), seconds); }),
                   "can not represent UTC value")
             << seconds;
@@ -147,12 +125,6 @@ TEST(UniversalTime, PlusIsTheInverseOfTheDifference) {
 }
 
 TEST(UniversalTime, CurrentTimeIsTheSystemClock) {
-    std::tm broken_down{};
-    broken_down.tm_year = 112;
-    broken_down.tm_mon = 2;
-    broken_down.tm_mday = 5;
-    broken_down.tm_hour = 14;
-    EXPECT_EQ(UNIVERSAL_TIME::FromBrokenDownTime(broken_down).ToText(), "05-MAR-2012/14:00:00.000000");
     const double since_epoch_s = static_cast<double>(std::time(nullptr));
     const double now_s = TIME_AXIS<UNIVERSAL_TIME>::SecondsSince(Utc("01-JAN-1970/00:00:00"), UNIVERSAL_TIME::Now());
     EXPECT_NEAR(now_s - LeapSecondCount(Utc("01-JAN-1970/00:00:00"), UNIVERSAL_TIME::Now()), since_epoch_s, 2.0);
@@ -166,12 +138,10 @@ TEST(MissionElapsedTime, CarriesAndBorrows) {
         const char* expected;
     };
     constexpr SUM kSums[] = {
-        {"+0012/03:04:05.006007", MET_UNIT::SECONDS, 55, "+0012/03:05:00.006007"},
         {"+0012/23:59:59.999999", MET_UNIT::MICROSECONDS, 1, "+0013/00:00:00.000000"},
         {"+0013/00:00:00.000000", MET_UNIT::MILLISECONDS, -1, "+0012/23:59:59.999000"},
         {"+0001/00:00:00.000000", MET_UNIT::HOURS, -25, "-0000/01:00:00.000000"},
         {"-0001/00:00:00.000001", MET_UNIT::DAYS, 1, "-0000/00:00:00.000001"},
-        {"-0001/12:00:00.000000", MET_UNIT::DAYS, 3, "+0001/12:00:00.000000"},
         {"+0001/12:00:00.000000", MET_UNIT::DAYS, -3, "-0001/12:00:00.000000"},
         {"+0000/00:00:00.000000", MET_UNIT::MINUTES, 9999 * 1440 + 1439, "+9999/23:59:00.000000"},
     };
@@ -186,13 +156,10 @@ TEST(MissionElapsedTime, CarriesAndBorrows) {
 
 TEST(MissionElapsedTime, EndsWithDay9999) {
     MISSION_ELAPSED_TIME last = Met("+9999/00:00:00");
-    const MET_UNIT units[] = {MET_UNIT::DAYS, MET_UNIT::HOURS};
     const int most = std::numeric_limits<int>::max();
-    for (const MET_UNIT unit : units) {
-        for (const int count : {24, most}) {
-            EXPECT_EQ(TextThrownBy([&] { last.Add(unit, count); }), "can not represent MET value");
-            EXPECT_EQ(last.ToText(), "+9999/00:00:00.000000") << "left as it was";
-        }
+    for (const int count : {24, most}) {
+        EXPECT_EQ(TextThrownBy([&] { last.Add(MET_UNIT::HOURS, count); }), "can not represent MET value");
+        EXPECT_EQ(last.ToText(), "+9999/00:00:00.000000") << "left as it was";
     }
     EXPECT_EQ(TextThrownBy([&] { last.Subtract(MET_UNIT::DAYS, std::numeric_limits<int>::min()); }),
               "can not represent MET value");
@@ -210,7 +177,6 @@ TEST(Duration, CarriesToOneSign) {
     EXPECT_EQ(std::tie(d.days, d.milliseconds, d.microseconds), std::make_tuple(0, -3'599'997, -500));
     EXPECT_DOUBLE_EQ(d.Seconds(), -3599.9975);
     EXPECT_EQ((DURATION{1, 0, 0} - DURATION{0, 0, 1}), (DURATION{0, 86'399'999, 999}));
-    EXPECT_EQ((DURATION{0, 86'399'999, 999} + DURATION{0, 0, 1}), (DURATION{1, 0, 0}));
     EXPECT_LT((DURATION{-1, -5, 0}), (DURATION{-1, -4, 0}));
     const int most = std::numeric_limits<int>::max();
     std::string text;
@@ -219,18 +185,13 @@ TEST(Duration, CarriesToOneSign) {
     };
     EXPECT_THAT(LoggedBy(overflow), HasSubstr("DURATION: exceeding representable range (d=2147483648 ms="));
     EXPECT_EQ(text, "duration range error");
-    const long long least = std::numeric_limits<long long>::min();
-    EXPECT_EQ(TextThrownBy([&] { (void)DURATION::Normalised(least, least, least); }), "duration range error");
-    EXPECT_DOUBLE_EQ((DURATION{most, 86'399'999, 999}).Seconds(), 2147483648.0 * 86400.0);
 }
 
 TEST(TimeAxis, RefusesWhatHasNoMeaning) {
     const UNIVERSAL_TIME utc = Utc("05-MAR-2012/14:03:07");
     const MISSION_ELAPSED_TIME met = Met("+0001/00:00:00");
     EXPECT_EQ(TextThrownBy([&] { (void)static_cast<double>(utc); }), "can not cast from UTC to double");
-    EXPECT_EQ(TextThrownBy([&] { (void)static_cast<double>(met); }), "can not cast from MET to double");
     EXPECT_EQ(TextThrownBy([&] { (void)(utc + utc); }), "time operation not permitted");
-    EXPECT_EQ(TextThrownBy([&] { (void)(met + met); }), "time operation not permitted");
     EXPECT_EQ(TextThrownBy([&] { (void)ConvertTime<UNIVERSAL_TIME>(met); }), "not allowed time conversion");
     EXPECT_EQ(ConvertTime<UNIVERSAL_TIME>(utc), utc);
     EXPECT_EQ(TIME_AXIS<double>::FromText(TIME_AXIS<double>::ToText(0.1)), 0.1);
