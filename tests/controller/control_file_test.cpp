@@ -42,14 +42,6 @@ TEST_F(ControlFileTest, SplitsLinesIntoTwoWords) {
     }
 }
 
-TEST_F(ControlFileTest, KeysLeaveTheReadingPosition) {
-    Write("pcf", "A 1\n\nB 2\nC\n");
-    ASSERT_TRUE(file_.Open("pcf"));
-    EXPECT_EQ(file_.NextEntry()->key, "A");
-    EXPECT_THAT(file_.Keys(), testing::ElementsAre("A", "B", "C"));
-    EXPECT_EQ(Entries(), "[=][B=2][C=]");
-}
-
 TEST_F(ControlFileTest, RefusesFoldersAndTakesPipesAndEndlessDevices) {
     EXPECT_FALSE(file_.Open("nothing"));
     EXPECT_FALSE(file_.Open("."));
@@ -58,7 +50,11 @@ TEST_F(ControlFileTest, RefusesFoldersAndTakesPipesAndEndlessDevices) {
     std::thread writer([] { Write("pipe", "A 1\nB 2\n"); });
     ASSERT_TRUE(file_.Open("pipe"));
     writer.join();
-    for (int i = 0; i < 2; ++i, file_.Rewind()) EXPECT_EQ(Entries(), "[A=1][B=2]");
+    EXPECT_EQ(file_.NextEntry()->key, "A");
+    EXPECT_THAT(file_.Keys(), testing::ElementsAre("A", "B"));
+    EXPECT_EQ(Entries(), "[B=2]") << "asking for the keys leaves the reading position";
+    file_.Rewind();
+    EXPECT_EQ(Entries(), "[A=1][B=2]");
 }
 
 }  // namespace

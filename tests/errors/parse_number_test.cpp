@@ -17,7 +17,6 @@ TEST(ParseReal, ReadsDecimalTextAndReportsWhatItIsNot) {
     const CASE cases[] = {
         {"-1.5e-3", PARSE_RESULT::OK, -0.0015},
         {"4.9406564584124654e-324", PARSE_RESULT::OK, std::numeric_limits<double>::denorm_min()},
-        {"1e-400", PARSE_RESULT::OK, 0.0},
         {"infinity", PARSE_RESULT::OK, std::numeric_limits<double>::infinity()},
         {"-1e400", PARSE_RESULT::OUT_OF_RANGE, 0.0},
         {"", PARSE_RESULT::NOT_A_NUMBER, 0.0},
@@ -58,8 +57,6 @@ TEST(ParseInteger, TakesTheWholeTextInBaseTen) {
     EXPECT_EQ(value, std::numeric_limits<long long>::min());
     EXPECT_EQ(ParseInteger("9223372036854775808", value), PARSE_RESULT::OUT_OF_RANGE);
     EXPECT_EQ(ParseInteger("3.0", value), PARSE_RESULT::TRAILING_CHARACTERS);
-    EXPECT_EQ(ParseInteger("+010", value), PARSE_RESULT::OK);
-    EXPECT_EQ(value, 10);
 }
 
 TEST(LeadingReal, StopsAtTheFirstOtherCharacter) {
