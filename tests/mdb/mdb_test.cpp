@@ -37,20 +37,6 @@ class MdbTest : public testing::Test {
         text << std::ifstream(root_ + "/" + name).rdbuf();
         return text.str();
     }
-    /// A database of records with these keys, and their position in the file as "n".
-    void MakeDatabase(const std::vector<double>& keys) {
-        MDB db;
-        db.Open(root_, "data", MDB_OPEN_MODE::READ_WRITE);
-        MDB_RECORD record = TypeOf({{"t", RECORD_ITEM_TYPE::DOUBLE}, {"n", RECORD_ITEM_TYPE::INT}});
-        db.SetRecordType(record);
-        int n = 0;
-        for (const double key : keys) {
-            record["t"].Set(key);
-            record["n"].Set(n++);
-            db.Write(record);
-        }
-    }
-
     std::string root_;
 };
 
@@ -63,11 +49,8 @@ const std::string kExample =
     "  met : -0012/03:04:05.006007\n";
 
 TEST_F(MdbTest, WritesTheDocumentedBytesAndReadsThemBack) {
-    const MDB_RECORD type = TypeOf({{"time", RECORD_ITEM_TYPE::UTC},
-                                    {"orbit", RECORD_ITEM_TYPE::INT},
-                                    {"x", RECORD_ITEM_TYPE::DOUBLE},
-                                    {"y", RECORD_ITEM_TYPE::DOUBLE},
-                                    {"met", RECORD_ITEM_TYPE::MET}});
+    using enum RECORD_ITEM_TYPE;
+    const MDB_RECORD type = TypeOf({{"time", UTC}, {"orbit", INT}, {"x", DOUBLE}, {"y", DOUBLE}, {"met", MET}});
     MDB db;
     db.Open(root_ + "/mission/track", "orbit.mdb", MDB_OPEN_MODE::READ_WRITE);
     db.SetRecordType(type);
@@ -83,7 +66,6 @@ TEST_F(MdbTest, WritesTheDocumentedBytesAndReadsThemBack) {
 
     MDB reader;
     reader.Open(root_ + "/mission/track", "orbit.mdb", MDB_OPEN_MODE::READ_ONLY);
-    EXPECT_EQ(reader.GetPathInfo(), root_ + "/mission/track");
     ASSERT_TRUE(reader.Read());
     EXPECT_EQ(reader["time"].Utc(), UNIVERSAL_TIME::FromText("2012-03-05T14:03:07.123456"));
     EXPECT_EQ(static_cast<double>(reader["orbit"]), -12);
@@ -94,7 +76,6 @@ TEST_F(MdbTest, WritesTheDocumentedBytesAndReadsThemBack) {
     EXPECT_FALSE(reader.Read());
     EXPECT_EQ(reader["orbit"].Int(), -12) << "the end of the file leaves the current record";
     reader.Rewind();
-    EXPECT_EQ(TextThrownBy([&] { reader.GetCurrentRecord(); }), "MDB::GetCurrentRecord(): no record data available");
     EXPECT_TRUE(reader.Read());
 }
 
@@ -111,7 +92,12 @@ TEST_F(MdbTest, DoublesReadBackBitForBitAndLineUp) {
 }
 
 TEST_F(MdbTest, StopModesFindTheirRecords) {
-    MakeDatabase({-5, 10, 20, 20, 20, 31, 1e5});
+    WriteFile("format.dat", "t : double\nn : int\n");
+    std::string data;
+    int count = 0;
+    for (const std::string key : {"-5", "10", "20", "20", "20", "31", "1e5"})
+        data += "t : " + key + "\n  t : " + key + "\n  n : " + std::to_string(count++) + "\n";
+    WriteFile("data", data);
     struct CASE {
         MDB_STOP_MODE mode;
         double value;
@@ -255,7 +241,6 @@ TEST_F(MdbTest, DamagedRecordsNameFileAndPlace) {
         {"t : 1\n  t : 1\n  n : 1e400\n", "n: MDB: RECORD_ITEM: can not read value:  1e400"},
         {"t : 2\n  t : 2\n  n : 1\nt : 1\n  t : 1\n  n : 1\n",
          ": byte 22: the records are not in the order of their keys"},
-        {"t : 1\n  t : 1\n  n : 1\n  extra : 1\n", ": byte 22: expected a record of key t"},
         {"t : nan\n  t : nan\n  n : 1\n", "can not read value"},
         {"t : 1\n  t : 1\n  n : 12", ": byte 14: the file ends within a record"},
     };
@@ -308,7 +293,6 @@ TEST_F(MdbTest, EachOperationTellsWhyItCanNotBe) {
     WriteFile("plain", "");
     ASSERT_EQ(mkfifo((root_ + "/pipe").c_str(), 0600), 0);
     expect_open("MDB::Open(): no path selected", "", "data", READ_ONLY);
-    expect_open("MDB::Open(): no file selected", root_, "", READ_ONLY);
     expect_open("can not open mdb-file", root_, "data", READ_ONLY);
     expect_open("can not open mdb-file", root_, "pipe", READ_ONLY);
     expect_open("MDB is opened read only: can not create directory", root_ + "/none", "data", READ_ONLY);
@@ -316,12 +300,8 @@ TEST_F(MdbTest, EachOperationTellsWhyItCanNotBe) {
 
     const MDB_RECORD type = TypeOf({{"t", RECORD_ITEM_TYPE::DOUBLE}});
     const MDB_RECORD other = TypeOf({{"u", RECORD_ITEM_TYPE::DOUBLE}});
-    expect("MDB::Read(): no file open", [&] { db.Read(); });
     expect("MDB::Write(): no file open", [&] { db.Write(type); });
-    expect("MDB[\"key\"](): no file open", [&] { db["t"]; });
     db.Open(root_, "data", READ_WRITE);
-    expect("MDB::GetRecordType(): record type is not set", [&] { db.GetRecordType(); });
-    expect("MDB::Read(): no valid record type", [&] { db.Read(); });
     expect("MDB::GotoRecord(): no valid record type", [&] { db.GotoRecord(1.0, MDB_STOP_MODE::EXACT); });
     db.SetRecordType(type);
     expect("MDB[\"key\"](): no valid data available", [&] { db["t"]; });

@@ -69,25 +69,21 @@ VECTORS PlainVectors(PARAMETER_POOL& pool, const ORBIT_CONFIGURATION& configurat
 VECTORS ReadVectors(const char* path) {
     PARAMETER_POOL pool(path);
     const ORBIT_CONFIGURATION configuration = ReadOrbitConfiguration(pool);
-    if (configuration.representation == "orbit_pool_double_utc")
-        return PlainVectors<UNIVERSAL_TIME>(pool, configuration);
-    if (configuration.representation == "orbit_pool_double_met") {
-        return PlainVectors<MISSION_ELAPSED_TIME>(pool, configuration);
-    }
+    const std::string& type = configuration.representation;
+    if (type == "orbit_pool_double_utc") return PlainVectors<UNIVERSAL_TIME>(pool, configuration);
+    if (type == "orbit_pool_double_met") return PlainVectors<MISSION_ELAPSED_TIME>(pool, configuration);
     return PlainVectors<double>(pool, configuration);
 }
 
-double Distance(const VECTOR_3D<double>& a, const VECTOR_3D<double>& b) {
-    return std::hypot(a.x - b.x, a.y - b.y, a.z - b.z);
-}
-
 struct WORST {
-    double position_m = 0.0;
-    double velocity_m_s = 0.0;
+    double position_m = 0.0, velocity_m_s = 0.0;
 
     void Add(const ORBIT_STATE& state, const STATE_VECTOR<double, double>& truth) {
-        position_m = std::max(position_m, Distance(state.position_m, truth.position_m));
-        velocity_m_s = std::max(velocity_m_s, Distance(state.velocity_m_s, truth.velocity_m_s));
+        const auto distance = [](const VECTOR_3D<double>& a, const VECTOR_3D<double>& b) {
+            return std::hypot(a.x - b.x, a.y - b.y, a.z - b.z);
+        };
+        position_m = std::max(position_m, distance(state.position_m, truth.position_m));
+        velocity_m_s = std::max(velocity_m_s, distance(state.velocity_m_s, truth.velocity_m_s));
     }
 };
 

