@@ -55,8 +55,8 @@ void CheckRoundTrip(const std::vector<T>& values) {
     writer.Change("empty", ARRAY<T>(5, 0));
     for (int i = 0; i < count; ++i) writer.Change(std::to_string(i), array[i - 3]);
     if constexpr (kPoolType<MATRIX<T>> != 0) {
-        MATRIX<T> matrix(1, count);
-        std::copy(values.begin(), values.end(), matrix.Data());
+        MATRIX<T> matrix(2, count);
+        std::copy(values.begin(), values.end(), matrix[1]);
         writer.Change("matrix", matrix);
         writer.Change("no_columns", MATRIX<T>(2, 0));
     }
@@ -68,7 +68,8 @@ void CheckRoundTrip(const std::vector<T>& values) {
     EXPECT_EQ(reader.Get<ARRAY<T>>("empty").First(), 5);
     if constexpr (kPoolType<MATRIX<T>> != 0) {
         const auto matrix = reader.Get<MATRIX<T>>("matrix");
-        EXPECT_TRUE(std::equal(matrix.Data(), matrix.Data() + matrix.Size(), values.begin(), values.end()));
+        EXPECT_TRUE(matrix.Rows() == 2 &&
+                    std::equal(matrix[1], matrix[1] + matrix.Columns(), values.begin(), values.end()));
         EXPECT_EQ(reader.Get<MATRIX<T>>("no_columns").Rows(), 2);
     }
 }
