@@ -39,12 +39,16 @@ bool LOG_OUTPUT::Write(std::string_view text) {
     if (text.empty()) return true;
     if (descriptor < 0) return false;
     // Threads write without a lock, so their order here and in the file may differ. An open line is marked on both
-    // sides of its write, a whole one before it only: the mark may err towards "open" (an empty line), never towards
-    // "ended".
+    // sides of its write, a whole one before it only, and a handler may interrupt between write and mark, hence the
+    // count: what a handler sees may err towards "open" (an empty line), never towards "ended".
     const bool opens = text.back() != '\n';
+    if (opens) ++opening_writes_;
     line_is_open_ = opens;
     const bool complete = WriteAll(descriptor, text);
-    if (opens) line_is_open_ = true;
+    if (opens) {
+        line_is_open_ = true;
+        --opening_writes_;
+    }
     return complete;
 }
 
@@ -57,7 +61,7 @@ void LOG_OUTPUT::WriteLineFromHandler(std::string_view line, int patience_ms) no
         return;
     }
     // A failing output is given up silently: this is the last thing that the process does.
-    if (line_is_open_.exchange(false)) [[maybe_unused]]
+    if (line_is_open_.exchange(false) || opening_writes_ > 0) [[maybe_unused]]
         const ssize_t ended = write(descriptor, "\n", 1);
     [[maybe_unused]] const ssize_t written = write(descriptor, line.data(), line.size());
 }

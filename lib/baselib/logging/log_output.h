@@ -29,5 +29,6 @@ class LOG_OUTPUT {
 
   private:
     std::atomic<int> descriptor_;
+    std::atomic<int> opening_writes_{0};     ///< writes under way that leave a line open
     std::atomic<bool> line_is_open_{false};  ///< the last byte written was no line end, or may have been none
 };

@@ -1,6 +1,8 @@
 #include "lib/baselib/pool/pool_update.h"
 
 #include <fcntl.h>
+#include <pthread.h>
+#include <signal.h>
 #include <stdio_ext.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -57,6 +59,23 @@ void Write(FILE* stream, const std::string& text) {
     Require(std::fwrite(text.data(), 1, text.size(), stream) == text.size(), "writing");
 }
 
+/// Holds back every signal that can wait: one that ended the process between truncation and copy would leave an empty
+/// pool. What a broken program raises itself (SIGSEGV and the like) is not held back by a mask, nor is SIGKILL.
+class SIGNALS_HELD_BACK {
+  public:
+    SIGNALS_HELD_BACK() {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_BLOCK, &all, &before_);
+    }
+    ~SIGNALS_HELD_BACK() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+    SIGNALS_HELD_BACK(const SIGNALS_HELD_BACK&) = delete;
+    SIGNALS_HELD_BACK& operator=(const SIGNALS_HELD_BACK&) = delete;
+
+  private:
+    sigset_t before_{};
+};
+
 }  // namespace
 
 POOL_UPDATE::POOL_UPDATE(FILE* pool, std::string pool_name, const std::string& directory)
@@ -75,6 +94,7 @@ POOL_UPDATE::~POOL_UPDATE() {
 void POOL_UPDATE::Run(const PARAMETER_POOL_LIST& items) {
     LockPool();
     BuildTemporary(items);
+    const SIGNALS_HELD_BACK held_back;
     TruncatePool();
     CopyBack();
     RemoveTemporary();
