@@ -131,42 +131,31 @@ class PAIR {
 };
 
 TEST(BistaticSolution, FindsTheShortestTwoWayPath) {
-    for (const double argument_rad : {0.7, 2.2}) {  // ascending, descending
-        for (const double look : {1.0, -1.0}) {
-            for (const double along_m : {0.0, 100.0, 1e3, 1e4}) {
-                for (const double across_m : {0.0, 100.0, 1e3, 1e4}) {
-                    const FORMATION f = Formation(argument_rad, along_m, across_m);
-                    const PAIR pair(f, look, 1500.0);
-                    const BISTATIC_SOLUTION::EQUIVALENT found = pair.Solve(pair.Aperture());
-                    const MINIMUM truth = ShortestTravel(f, pair.Point(), pair.MiddleTime());
-                    const double range_m = static_cast<double>(truth.travel_s * kC / 2);
-                    const double time_s = pair.EquivalentTime(truth.receive_time_s, truth.travel_s);
-                    EXPECT_NEAR(found.range_m, range_m, 1e-6) << along_m << " " << across_m;
-                    EXPECT_NEAR(found.time_s, time_s, 5e-7) << along_m << " " << across_m;
-
-                    // The same samples through an exact parabola.
-                    const long double half_s = pair.Aperture() / 2;
-                    std::array<long double, 3> y{};
-                    for (int i = 0; i < 3; ++i) {
-                        const long double t = TravelTime(f, pair.Point(), pair.MiddleTime() + (i - 1) * half_s);
-                        y[i] = t * t;
-                    }
-                    const long double c1 = (y[2] - y[0]) / 2;
-                    const long double c2 = (y[0] + y[2]) / 2 - y[1];
-                    const long double travel_s = std::sqrt(y[1] - c1 * c1 / c2 / 4);
-                    EXPECT_NEAR(found.time_s, pair.EquivalentTime(pair.MiddleTime() - half_s * c1 / c2 / 2, travel_s),
-                                1e-9);
-
-                    if (along_m == 0.0 && across_m == 0.0) {
-                        // The satellite moves on while the echo travels: the phase of one image with itself is not 0.
-                        const double wave_number = 4.0 * kPi * 9.65e9 / kSpeedOfLight;
-                        const double phase_rad = wave_number * (found.range_m - pair.master_range_m);
-                        EXPECT_NEAR(phase_rad, wave_number * (range_m - pair.master_range_m), 1e-3);
-                        EXPECT_GT(std::abs(phase_rad), 1e-3);
-                        EXPECT_LT(std::abs(phase_rad), 0.5);
-                    }
-                }
-            }
+    const struct {
+        double argument_rad;  ///< 0.7 ascending, 2.2 descending
+        double look;
+        double along_m;
+        double across_m;
+    } cases[] = {
+        {0.7, 1.0, 0.0, 0.0}, {2.2, -1.0, 0.0, 0.0},  {0.7, -1.0, 1e3, 100.0},
+        {0.7, 1.0, 0.0, 1e4}, {2.2, 1.0, 100.0, 1e3}, {2.2, -1.0, 1e4, 1e4},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::to_string(c.along_m) + " along, across " + std::to_string(c.across_m));
+        const FORMATION f = Formation(c.argument_rad, c.along_m, c.across_m);
+        const PAIR pair(f, c.look, 1500.0);
+        const BISTATIC_SOLUTION::EQUIVALENT found = pair.Solve(pair.Aperture());
+        const MINIMUM truth = ShortestTravel(f, pair.Point(), pair.MiddleTime());
+        const double range_m = static_cast<double>(truth.travel_s * kC / 2);
+        EXPECT_NEAR(found.range_m, range_m, 1e-6);
+        EXPECT_NEAR(found.time_s, pair.EquivalentTime(truth.receive_time_s, truth.travel_s), 5e-7);
+        if (c.along_m == 0.0 && c.across_m == 0.0) {
+            // The satellite moves on while the echo travels: the phase of one image with itself is not 0.
+            const double wave_number = 4.0 * kPi * 9.65e9 / kSpeedOfLight;
+            const double phase_rad = wave_number * (found.range_m - pair.master_range_m);
+            EXPECT_NEAR(phase_rad, wave_number * (range_m - pair.master_range_m), 1e-3);
+            EXPECT_GT(std::abs(phase_rad), 1e-3);
+            EXPECT_LT(std::abs(phase_rad), 0.5);
         }
     }
 }
@@ -194,7 +183,6 @@ TEST(BistaticSolution, AddsTheCorrectionPolynomial) {
         double correction_s;
     } cases[] = {
         {{}, 0.0},
-        {{0.25}, 0.25},
         {{3e-6, -1.5e-3, 0.02}, 3e-6 - 1.5e-3 * u + 0.02 * u * u},
         {{0.0, 0.0, 0.0, 7e3, -1e4}, 7e3 * u * u * u - 1e4 * u * u * u * u},
     };
@@ -217,7 +205,6 @@ TEST(AzimuthShiftCorrection, RefusesWhatMovesTheSlaveOutOfSight) {
         {{}, 1e300, nullptr},
         {{3e-6, -1.5e-3, 0.02, 0.0, 1e16}, 0.0058, nullptr},
         {{101.0}, 0.0058, "element 0, 101,"},
-        {{0.0, 1e300}, 0.0058, "element 1, 1e+300,"},
         {{0.0, 0.0, 1e-3}, 1e300, "element 2, 0.001,"},
         {{std::numeric_limits<double>::infinity()}, 0.0, "element 0, inf,"},
         {{1.0}, std::numeric_limits<double>::quiet_NaN(), "fast_time_reference"},
@@ -232,22 +219,6 @@ TEST(AzimuthShiftCorrection, RefusesWhatMovesTheSlaveOutOfSight) {
         });
         EXPECT_THAT(log, testing::HasSubstr(c.text == nullptr ? "" : c.text));
     }
-}
-
-TEST(BistaticSolution, TellsHowManyIterationsItTook) {
-    const PAIR pair(Formation(0.7, 300.0, 200.0), 1.0, 0.0);
-    BISTATIC_SOLUTION solution(pair.scene);
-    EXPECT_EQ(LoggedBy([&] { solution.LogStatistics(); }, LOGGING_LEVEL::TRACE),
-              "TRACE : global : BISTATIC_B: histogram of iterations:\n");
-    solution.PrepareForAperture(0.5);
-    const auto solve = [&] {
-        (void)solution.Solve(pair.point_m, pair.master_time_s, pair.master_range_m, pair.slave_time_s, {0, 0});
-    };
-    for (int i = 0; i < 10; ++i) solve();
-    const std::string log = LoggedBy([&] { solution.LogStatistics(); }, LOGGING_LEVEL::TRACE);
-    // The excess of the last point starts the next one where this one ended: one look each, from the second on.
-    EXPECT_THAT(log, testing::HasSubstr("1 iterations: 27 occurrences\n"));
-    EXPECT_THAT(log, testing::Not(testing::HasSubstr("101 iterations")));
 }
 
 TEST(BistaticSolution, LowersTheOrderOnceForTooFewSamples) {
@@ -273,7 +244,7 @@ TEST(BistaticSolution, LowersTheOrderOnceForTooFewSamples) {
                 pair.Solve(0.5).range_m, 1e-6);
 }
 
-TEST(BistaticSolution, NamesThePointWhoseTravelTimesHaveNoMinimum) {
+TEST(BistaticSolution, RefusesWhatHasNoSolution) {
     // Accelerating straight towards the point: the path has a maximum, no minimum.
     const auto falling = [](double t) {
         return CIRCULAR_STATE<double>{{7e6 - 4.0 * t * t, 0.0, 0.0}, {-8.0 * t, 0.0, 0.0}, {-8.0, 0.0, 0.0}};
@@ -282,19 +253,13 @@ TEST(BistaticSolution, NamesThePointWhoseTravelTimesHaveNoMinimum) {
     SCENE scene;
     scene.master.orbit = scene.slave.orbit = {orbit.get(), 0.0};
     BISTATIC_SOLUTION solution(scene);
-    solution.PrepareForAperture(0.5);
     const std::string log = LoggedBy([&] {
+        EXPECT_THROW(solution.PrepareForAperture(0.0), ERROR_PARAMETER);
+        EXPECT_THROW(solution.PrepareForAperture(1e30), ERROR_PARAMETER);
+        solution.PrepareForAperture(0.5);
         EXPECT_THROW((void)solution.Solve({6.4e6, 0.0, 0.0}, 0.0, 6e5, 0.0, {12, 34}), ERROR_ALGORITHM);
     });
-    EXPECT_THAT(log, testing::HasSubstr("DEM column 12, row 34"));
-}
-
-TEST(BistaticSolution, RefusesAnApertureOfNoTimeOrBeyondTheOrbit) {
-    PAIR pair(Formation(0.7, 300.0, 200.0), 1.0, 0.0);
-    BISTATIC_SOLUTION solution(pair.scene);
-    EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(solution.PrepareForAperture(0.0), ERROR_PARAMETER); }),
-                testing::HasSubstr("aperture time 0 s"));
-    EXPECT_THROW(solution.PrepareForAperture(1e30), ERROR_PARAMETER);
+    EXPECT_THAT(log, testing::AllOf(testing::HasSubstr("aperture time 0 s"), testing::HasSubstr("column 12, row 34")));
 }
 
 double ApertureInClosedForm(const TEST_SCENE& s, const VECTOR_3D<double>& point_m) {
@@ -312,21 +277,17 @@ TEST(BistaticSolution, TakesTheApertureOfTheDemCentre) {
     BISTATIC_SOLUTION solution(s.scene);
     solution.Prepare();
     EXPECT_NEAR(solution.ApertureTime(), ApertureInClosedForm(s, s.PointAt(45, 45)), 1e-9);
-}
 
-TEST(BistaticSolution, TakesTheSimulatedCentreOfADemThatReachesBeyondTheOrbits) {
     // 6000 km of DEM: its centre lies 1500 km and more beyond the state vectors, where the interpolation would end the
-    // process if it were asked.
-    TEST_SCENE s({.dem_size = 90});
-    s.scene.bistatic = true;
+    // process if it were asked; the centre of the simulated part is taken.
     std::vector<const short*> rows(200000, s.heights.Table()[0]);
     s.scene.dem.rows = static_cast<int>(rows.size());
     s.scene.dem.heights = rows.data();
     s.scene.simulated = {20, 60, 10, 50};
-    BISTATIC_SOLUTION solution(s.scene);
-    const std::string log = LoggedBy([&] { solution.Prepare(); });
+    BISTATIC_SOLUTION beyond(s.scene);
+    const std::string log = LoggedBy([&] { beyond.Prepare(); });
     EXPECT_THAT(log, testing::HasSubstr("the reference point is column 30, row 40\n"));
-    EXPECT_NEAR(solution.ApertureTime(), ApertureInClosedForm(s, s.PointAt(30, 40)), 1e-4 * solution.ApertureTime());
+    EXPECT_NEAR(beyond.ApertureTime(), ApertureInClosedForm(s, s.PointAt(30, 40)), 1e-4 * beyond.ApertureTime());
 }
 
 TEST(BistaticSolution, FillsTheImageOfASinglePassPair) {
@@ -341,7 +302,7 @@ TEST(BistaticSolution, FillsTheImageOfASinglePassPair) {
                 s.master_motion.argument_rad};
     f.slave = {s.slave_motion.radius_m, s.slave_motion.inclination_rad, s.slave_motion.node_rad,
                s.slave_motion.argument_rad};
-    for (const auto& [row, column] : {std::array{0, 0}, {30, 35}, {59, 69}, {5, 60}}) {
+    for (const auto& [row, column] : {std::array{0, 0}, {30, 35}, {59, 69}}) {
         // The pixel's own products tell its ground point to half a metre, which moves path and pixel alike; so hold
         // the difference of phase against the difference of path at the point itself.
         const VECTOR_3D<double> p = {s.x.At(row, column), s.y.At(row, column), s.z.At(row, column)};
