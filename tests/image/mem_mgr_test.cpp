@@ -26,7 +26,6 @@ class MEM_MGR_TEST_PEER {
 namespace {
 
 using testing::HasSubstr;
-using testing::Not;
 
 constexpr long long kMost = std::numeric_limits<long long>::max();
 
@@ -47,13 +46,11 @@ TEST(MemMgr, AnEmptyImageHasNothingAndItsDestructionLogsNothing) {
 
 TEST(MemMgr, AllocatesZeroedPixelsForItsCorners) {
     MEM_MGR image;
-    image.Allocate(3, -4, 3, -4, PIXEL_TYPE::FLT_15);
-    EXPECT_EQ(1, image.DataSize());
-    EXPECT_EQ(0.0, image.GetNumRecMatrix<double>()[-4][3]);
     image.Allocate(-2, -3, 4, 5, PIXEL_TYPE::INT_32);
     EXPECT_EQ(7, image.Columns());
     EXPECT_EQ(9, image.Rows());
     EXPECT_EQ(63, image.DataSize());
+    EXPECT_EQ(0, image.GetNumRecMatrix<std::int32_t>()[5][4]);
     EXPECT_EQ("int_32", image.DataType().Text());
     for (const auto& [columns, rows] : {std::pair{0, 0}, {0, 5}, {5, 0}}) {
         image.Allocate(1, 1, columns, rows, PIXEL_TYPE::INT_32);
@@ -76,16 +73,6 @@ TEST(MemMgr, RefusesSizesThatNoMemoryHolds) {
 #endif
 }
 
-TEST(MemMgr, RefusesUnknownPixelTypes) {
-    for (const unsigned number : {0U, 13U, 4000000000U}) {
-        MEM_MGR image;
-        const std::string log = LogOf([&] {
-            EXPECT_THROW(image.Allocate(0, 0, 1, 1, static_cast<PIXEL_TYPE>(number)), ERROR_NOT_SUPPORTED_PIXEL_TYPE);
-        });
-        EXPECT_EQ("ALARM : global : MEM_MGR: unknown pixeltype\n", log);
-    }
-}
-
 TEST(MemMgr, RowTableHasTheImagesOwnOrigin) {
     MEM_MGR image;
     image.Allocate(-2, 5, 1, 7, PIXEL_TYPE::INT_16);  // 4 x 3
@@ -103,10 +90,15 @@ TEST(MemMgr, RowTableHasTheImagesOwnOrigin) {
     EXPECT_EQ(reinterpret_cast<std::byte*>(&table[6][-1]), image.PixelAddress(-1, 6));
 }
 
-TEST(MemMgr, RowTableFailures) {
+TEST(MemMgr, RefusesPixelTypesUnknownOrNotItsOwn) {
     MEM_MGR image;
     EXPECT_THAT(LogOf([&] { EXPECT_THROW(image.GetNumRecMatrix<float>(), ERROR_MEMORY); }),
                 HasSubstr("MEM_MGR: no memory allocated for GetNumRecMatrix()"));
+    for (const unsigned number : {0U, 13U}) {
+        const auto type = static_cast<PIXEL_TYPE>(number);
+        EXPECT_EQ("ALARM : global : MEM_MGR: unknown pixeltype\n",
+                  LogOf([&] { EXPECT_THROW(image.Allocate(0, 0, 1, 1, type), ERROR_NOT_SUPPORTED_PIXEL_TYPE); }));
+    }
     image.Allocate(0, 0, 3, 3, PIXEL_TYPE::FLT_6);
     EXPECT_THAT(LogOf([&] { EXPECT_THROW(image.GetNumRecMatrix<double>(), ERROR_NOT_SUPPORTED_PIXEL_TYPE); }),
                 HasSubstr("\"flt_6\", asked for as \"flt_15\""));
@@ -128,26 +120,6 @@ TEST(MemMgrDeathTest, ADamagedPixelTypeEndsTheProgramInTheDestructor) {
     EXPECT_DEATH(damage_and_destroy(), "unknow pixeltype in memory(.|\n)*delete image memory(.|\n)*unknown pixeltype");
 }
 
-TEST(MemMgr, DestructionIsLoggedInOrder) {
-    Log().SetScreenThreshold(1);
-    const SCRATCH_FOLDER folder;
-    EXPECT_EQ(
-        "TRACE : global : MEM_MGR: delete num. rec. interface ..\n"
-        "TRACE : global : MEM_MGR: delete image memory ..\n",
-        LogOf([] {
-            MEM_MGR image;
-            image.Allocate(0, 0, 1, 1, PIXEL_TYPE::RGB);
-            image.GetNumRecMatrix<RGB_PIXEL>();
-        }));
-    EXPECT_THAT(LogOf([&] {
-                    MEM_MGR image;
-                    image.CreateFile(folder.Path("a"), 2, 2, PIXEL_TYPE::FLT_6);
-                    image.GetNumRecMatrix<float>();
-                }),
-                testing::EndsWith("TRACE : global : MEM_MGR: delete num. rec. interface ..\n"
-                                  "TRACE : global : MEM_MGR: unmap file ..\n"));
-}
-
 TEST(MemMgr, CopyIsDeepAndTakesTheColourMap) {
     auto* const storage = new unsigned char[6]{1, 2, 3, 4, 5, 6};
     MEM_MGR source;
@@ -160,23 +132,15 @@ TEST(MemMgr, CopyIsDeepAndTakesTheColourMap) {
     source.Free();
     EXPECT_EQ(9, copy.GetNumRecMatrix<std::uint8_t>()[0][1]);
     const COLOUR_MAP& map = copy.ColourMap();
-    EXPECT_EQ(2, map.entries);
-    EXPECT_EQ("1 2 3 4 5 6", testing::PrintToString(int(map.red[0])) + " " + std::to_string(map.red[1]) + " " +
-                                 std::to_string(map.green[0]) + " " + std::to_string(map.green[1]) + " " +
-                                 std::to_string(map.blue[0]) + " " + std::to_string(map.blue[1]));
+    ASSERT_EQ(2, map.entries);
+    EXPECT_EQ(2, map.red[1]);
+    EXPECT_EQ(3, map.green[0]);
+    EXPECT_EQ(6, map.blue[1]);
     copy = *&copy;
     MEM_MGR moved(std::move(copy));
     EXPECT_EQ(9, moved.GetNumRecMatrix<std::uint8_t>()[0][1]);
     auto* const from_malloc = static_cast<unsigned char*>(std::malloc(3));
     moved.SetColourMap({from_malloc, from_malloc + 1, from_malloc + 2, 1, COLOUR_MAP_OWNER::SYSTEM_FREE});
-}
-
-TEST(MemMgr, AdviceIsOnlyReported) {
-    MEM_MGR image;
-    image.Allocate(0, 0, 10 * getpagesize() - 1, 0, PIXEL_TYPE::U_INT_8);
-    EXPECT_EQ("DEBUG : global : MEM_MGR: making 3 madvise calls\nDEBUG : global : MEM_MGR: madvise completed\n",
-              LogOf([&] { image.Advise(3); }));
-    EXPECT_THROW(image.Advise(0), ERROR_ARGUMENT);
 }
 
 TEST(MemMgr, FlushReportsEveryErrorOfMsync) {
@@ -195,10 +159,7 @@ TEST(MemMgr, FlushReportsEveryErrorOfMsync) {
                 HasSubstr("ENOMEM: Addresses"));
     ASSERT_EQ(start,
               mmap(start, page, PROT_READ, MAP_FIXED | MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));  // no hole for others
-    EXPECT_STREQ("EPERM: MS_INVALIDATE was specified and one or more of the pages is locked in memory",
-                 MsyncErrorText(EPERM));
     EXPECT_STREQ("EIO: An I/O error occurred while reading from or writing to the file system ..", MsyncErrorText(EIO));
-    EXPECT_STREQ("EBUSY: Some or all of the addresses are locked ..", MsyncErrorText(EBUSY));
     EXPECT_STREQ("unhandled msync() error", MsyncErrorText(ENOSPC));
 }
 
