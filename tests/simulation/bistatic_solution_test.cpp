@@ -26,8 +26,7 @@ struct FORMATION {
     CIRCULAR_ORBIT<long double> slave;
 };
 
-template <class T>
-CIRCULAR_ORBIT<double> Double(const CIRCULAR_ORBIT<T>& orbit) {
+CIRCULAR_ORBIT<double> Double(const CIRCULAR_ORBIT<long double>& orbit) {
     return {static_cast<double>(orbit.radius_m), static_cast<double>(orbit.inclination_rad),
             static_cast<double>(orbit.node_rad), static_cast<double>(orbit.argument_rad)};
 }
@@ -197,27 +196,24 @@ TEST(AzimuthShiftCorrection, RefusesWhatMovesTheSlaveOutOfSight) {
     ACQUISITION_SCENE slave;
     slave.near_range_time_s = 0.0058;
     slave.far_range_time_s = 0.0060;
+    EXPECT_NO_THROW(CheckAzimuthShiftCorrection({{}, 1e300}, slave));
+    EXPECT_NO_THROW(CheckAzimuthShiftCorrection({{3e-6, -1.5e-3, 0.02, 0.0, 1e16}, 0.0058}, slave));
     const struct {
         std::vector<double> coefficients;
         double reference_s;
-        const char* text;  ///< nullptr: accepted
+        const char* text;
     } cases[] = {
-        {{}, 1e300, nullptr},
-        {{3e-6, -1.5e-3, 0.02, 0.0, 1e16}, 0.0058, nullptr},
         {{101.0}, 0.0058, "element 0, 101,"},
         {{0.0, 0.0, 1e-3}, 1e300, "element 2, 0.001,"},
         {{std::numeric_limits<double>::infinity()}, 0.0, "element 0, inf,"},
         {{1.0}, std::numeric_limits<double>::quiet_NaN(), "fast_time_reference"},
     };
     for (const auto& c : cases) {
-        const std::string log = LoggedBy([&] {
-            const auto check = [&] { CheckAzimuthShiftCorrection({c.coefficients, c.reference_s}, slave); };
-            if (c.text == nullptr)
-                EXPECT_NO_THROW(check());
-            else
-                EXPECT_THROW(check(), ERROR_PARAMETER);
-        });
-        EXPECT_THAT(log, testing::HasSubstr(c.text == nullptr ? "" : c.text));
+        EXPECT_THAT(
+            LoggedBy([&] {
+                EXPECT_THROW(CheckAzimuthShiftCorrection({c.coefficients, c.reference_s}, slave), ERROR_PARAMETER);
+            }),
+            testing::HasSubstr(c.text));
     }
 }
 
@@ -334,8 +330,6 @@ TEST(CommonTimeAxis, CountsTheSlaveFromTheMastersInstant) {
     const UNIVERSAL_TIME slave_zero = AXIS::FromText("01-JAN-2017/00:00:00.500000");  // a leap second between: 6.5 s
     const auto master_orbit = OrbitFrom(MotionOf(Double(f.master)), "hermite_0_8", "orbit_pool_double_utc",
                                         AXIS::ToText(master_zero), UtcTimes(master_zero));
-    const auto same_orbit = OrbitFrom(MotionOf(Double(f.slave)), "hermite_0_8", "orbit_pool_double_utc",
-                                      AXIS::ToText(master_zero), UtcTimes(master_zero));
     // The same motion, its state vectors at other instants.
     const CIRCULAR_ORBIT<double> slave = Double(f.slave);
     const auto later_orbit = OrbitFrom([&](double t) { return slave.State(t + 6.5); }, "hermite_0_8",
@@ -344,9 +338,7 @@ TEST(CommonTimeAxis, CountsTheSlaveFromTheMastersInstant) {
 
     ACQUISITION_SCENE master;
     master.orbit = {master_orbit.get(), 0.0};
-    ACQUISITION_SCENE same;
-    same.orbit = {same_orbit.get(), 0.0};
-    same.first_azimuth_time_s = 3.0;
+    ACQUISITION_SCENE same = master;
     EXPECT_EQ(LoggedBy([&] { CarrySlaveOntoMasterAxis(master, same); }, LOGGING_LEVEL::INFO), "");
     EXPECT_EQ(same.orbit.offset_s, 0.0);
 
@@ -359,11 +351,10 @@ TEST(CommonTimeAxis, CountsTheSlaveFromTheMastersInstant) {
     EXPECT_EQ(later.first_azimuth_time_s, 3.0);
     EXPECT_EQ(later.last_azimuth_time_s, 4.0);
     const VECTOR_3D<double> ground = PAIR(f, 1.0, 0.0).point_m;
-    double range_same_m = 0.0;
-    double range_later_m = 0.0;
-    EXPECT_NEAR(CalcSlaveTime(same.orbit, ground, &range_same_m, 0.0),
-                CalcSlaveTime(later.orbit, ground, &range_later_m, 0.0), 2e-9);
-    EXPECT_NEAR(range_same_m, range_later_m, 1e-7);
+    const ZERO_DOPPLER truth = SolveZeroDoppler(slave, 0.0, ground, 0.0, {-80.0, 80.0});
+    double range_m = 0.0;
+    EXPECT_NEAR(CalcSlaveTime(later.orbit, ground, &range_m, 0.0), truth.time_s, 2e-8);
+    EXPECT_NEAR(range_m, truth.range_m, 1e-4);
 
     ACQUISITION_SCENE plain;
     plain.orbit = {plain_orbit.get(), 0.0};
