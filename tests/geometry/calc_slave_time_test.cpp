@@ -48,18 +48,12 @@ TEST(CalcSlaveTime, FindsSolutionsInsideTheDataOnly) {
 }
 
 /// A float orbit knows its place to half a metre: the step never falls below the tolerance.
-class FLOAT_ORBIT {
-  public:
-    void Solve(int times) const {
-        double range_m = 0.0;
-        for (int i = 0; i < times; ++i) (void)CalcSlaveTime({orbit_.get(), 0.0}, point_, &range_m, -5.0);
-    }
-
-  private:
-    CIRCULAR_ORBIT<double> motion_{};
-    std::unique_ptr<ORBIT_OF_POOL> orbit_ = OrbitFrom(MotionOf(motion_), "polyfit_9", "orbit_pool_float_double");
-    VECTOR_3D<double> point_ = PointBeside(motion_);
-};
+void SolveOnFloatOrbit(int times) {
+    const CIRCULAR_ORBIT<double> motion;
+    const auto orbit = OrbitFrom(MotionOf(motion), "polyfit_9", "orbit_pool_float_double");
+    double range_m = 0.0;
+    for (int i = 0; i < times; ++i) (void)CalcSlaveTime({orbit.get(), 0.0}, PointBeside(motion), &range_m, -5.0);
+}
 
 int Count(const std::string& text, const std::string& part) {
     int count = 0;
@@ -68,11 +62,10 @@ int Count(const std::string& text, const std::string& part) {
 }
 
 TEST(CalcSlaveTime, LogsTheFirstTenFailuresOfAThreadAndCountsTheRest) {
-    const FLOAT_ORBIT orbit;
     const std::string line = "iterations count 100 exceeded in CalcSlaveTime( t=";
     const std::string log = LoggedBy([&] {
         const CONVERGENCE_REPORT report;
-        orbit.Solve(25);
+        SolveOnFloatOrbit(25);
     });
     EXPECT_THAT(log, testing::HasSubstr(", Residuals: dt ="));
     EXPECT_EQ(Count(log, line), 10);
@@ -80,10 +73,10 @@ TEST(CalcSlaveTime, LogsTheFirstTenFailuresOfAThreadAndCountsTheRest) {
 
     const std::string few = LoggedBy([&] {
         const CONVERGENCE_REPORT report;
-        orbit.Solve(10);
+        SolveOnFloatOrbit(10);
     });
     EXPECT_EQ(Count(few, "more solutions"), 0);
-    EXPECT_EQ(Count(LoggedBy([&] { orbit.Solve(12); }), line), 12);  // nobody counts
+    EXPECT_EQ(Count(LoggedBy([&] { SolveOnFloatOrbit(12); }), line), 12);  // nobody counts
 }
 
 }  // namespace
