@@ -156,7 +156,6 @@ TEST(RasterFile, OnlyWidthHeightAndMapLengthDecideWhetherAFileIsMapped) {
     };
     const char* const kPixels = "00000000 0000";
     const CASE cases[] = {
-        {"as it should be", "59a66a95 00000001 00000003 00000010 00000006 00000001 00000000 00000000", true, ""},
         {"wrong magic", "12345678 00000001 00000003 00000010 00000006 00000001 00000000 00000000", true,
          "magic 0x12345678"},
         {"wrong length", "59a66a95 00000001 00000003 00000010 00000007 00000001 00000000 00000000", true, "length 7"},

@@ -159,37 +159,15 @@ TEST(BistaticSolution, FindsTheShortestTwoWayPath) {
     }
 }
 
-TEST(BistaticSolution, ErrsInTimeWithTheSquareOfTheAperture) {
-    const FORMATION f = Formation(2.2, 1e4, 1e3);
-    const PAIR pair(f, 1.0, 1500.0);
-    const MINIMUM truth = ShortestTravel(f, pair.Point(), pair.MiddleTime());
-    const double time_s = pair.EquivalentTime(truth.receive_time_s, truth.travel_s);
-    double previous_s = pair.Solve(4.0).time_s - time_s;
-    for (const double aperture_s : {2.0, 1.0, 0.5}) {
-        const double error_s = pair.Solve(aperture_s).time_s - time_s;
-        EXPECT_NEAR(previous_s / error_s, 4.0, 0.4) << aperture_s;
-        previous_s = error_s;
-    }
-}
-
 TEST(BistaticSolution, AddsTheCorrectionPolynomial) {
     PAIR pair(Formation(0.7, 100.0, 100.0), 1.0, 0.0);
     const BISTATIC_SOLUTION::EQUIVALENT plain = pair.Solve(0.5);
     const double u = 2.0 * plain.range_m / kSpeedOfLight - 0.005;
     pair.scene.correction.fast_time_reference_s = 0.005;
-    const struct {
-        std::vector<double> coefficients;
-        double correction_s;
-    } cases[] = {
-        {{}, 0.0},
-        {{3e-6, -1.5e-3, 0.02}, 3e-6 - 1.5e-3 * u + 0.02 * u * u},
-        {{0.0, 0.0, 0.0, 7e3, -1e4}, 7e3 * u * u * u - 1e4 * u * u * u * u},
-    };
-    for (const auto& c : cases) {
-        pair.scene.correction.coefficients = c.coefficients;
-        EXPECT_NEAR(pair.Solve(0.5).time_s, plain.time_s + c.correction_s, 1e-12);
-        EXPECT_EQ(pair.Solve(0.5).range_m, plain.range_m);
-    }
+    pair.scene.correction.coefficients = {3e-6, -1.5e-3, 0.0, 7e3, -1e4};
+    const double correction_s = 3e-6 - 1.5e-3 * u + 7e3 * u * u * u - 1e4 * u * u * u * u;
+    EXPECT_NEAR(pair.Solve(0.5).time_s, plain.time_s + correction_s, 1e-12);
+    EXPECT_EQ(pair.Solve(0.5).range_m, plain.range_m);
 }
 
 TEST(AzimuthShiftCorrection, RefusesWhatMovesTheSlaveOutOfSight) {

@@ -67,8 +67,7 @@ TEST(PerturbationFile, TheOffsetIsTheRoundedCentre) {
 TEST(PerturbationFile, RefusesWhatNo32BitRealHolds) {
     const SCRATCH_FOLDER folder;
     const std::string path = folder.Path("x");
-    for (const double value :
-         {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(), 1e39}) {
+    for (const double value : {std::numeric_limits<double>::quiet_NaN(), 1e39}) {
         const MATRIX_3X2 matrix({0, 0, 0, 0, value, 0});
         EXPECT_THAT(
             LogOf([&] { EXPECT_THROW(WritePerturbationFile(path, matrix.rows, 3, 2, 0.0, 0.1), ERROR_INVALID_VALUE); }),
