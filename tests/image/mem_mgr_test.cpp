@@ -10,7 +10,6 @@
 #include <limits>
 #include <new>
 #include <string>
-#include <type_traits>
 
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/image/system_error_text.h"
@@ -151,8 +150,5 @@ TEST(MemMgr, FlushReportsEveryErrorOfMsync) {
     EXPECT_STREQ("EIO: An I/O error occurred while reading from or writing to the file system ..", MsyncErrorText(EIO));
     EXPECT_STREQ("unhandled msync() error", MsyncErrorText(ENOSPC));
 }
-
-static_assert(std::is_base_of_v<ERROR_I_O, ERROR_CAN_NOT_MSYNC> && std::is_base_of_v<ERROR_I_O, ERROR_CAN_NOT_MMAP> &&
-              std::is_base_of_v<ERROR_DATA, ERROR_NOT_SUPPORTED_PIXEL_TYPE>);
 
 }  // namespace

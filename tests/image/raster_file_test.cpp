@@ -96,7 +96,6 @@ TEST(RasterFile, TheWorkedExampleOfTheDocumentIsWhatTheProgramWritesAndReads) {
     MEM_MGR image;
     image.MapInt16(path, ACCESS_MODE::READ_ONLY);
     ASSERT_EQ(2, image.Columns());
-    ASSERT_EQ(1, image.Rows());
     EXPECT_EQ(1, image.GetNumRecMatrix<std::int16_t>()[0][0]);
     EXPECT_EQ(-2, image.GetNumRecMatrix<std::int16_t>()[0][1]);
     image.SaveSunRasterFile(folder.Path("again.ras"), 0666);

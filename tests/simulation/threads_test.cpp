@@ -8,6 +8,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
+#include <functional>
 #include <limits>
 #include <stdexcept>
 #include <string>
@@ -78,55 +79,38 @@ TEST(Threads, TheEnvironmentGivesTheCount) {
     }
 }
 
-/// Fails in rows 10 and above, in the way of its number.
-void Fail(TEST_ARG* argument, int way) {
-    if (argument->start + argument->length <= 10) return;
-    switch (way) {
-        case 0:
-            argument->status = 42;
-            return;
-        case 1:
-            throw ERROR_NO_MEMORY();
-        case 2:
-            throw "a plain text";
-        case 3:
-            throw std::runtime_error("a standard error");
-        case 4:
-            throw BASIC::TYPES::ERROR_ENUM_BASE_INVALID_VALUE("v", "C", "");
-        default:
-            throw 7;
-    }
-}
-
 TEST(Threads, AnyFailureIsLoggedWithItsRowsAndEndsTheRunAfterTheJoin) {
-    const char* const reasons[] = {"failed with status 42",
-                                   "not enough memory",
-                                   "a plain text",
-                                   "a standard error",
-                                   "enumeration data type - invalid value of class C: v",
-                                   "exception of an unknown kind"};
+    const struct {
+        const char* reason;
+        std::function<void(TEST_ARG*)> fail;
+    } ways[] = {
+        {"failed with status 42", [](TEST_ARG* argument) { argument->status = 42; }},
+        {"not enough memory", [](TEST_ARG*) { throw ERROR_NO_MEMORY(); }},
+        {"a plain text", [](TEST_ARG*) { throw "a plain text"; }},
+        {"a standard error", [](TEST_ARG*) { throw std::runtime_error("a standard error"); }},
+        {"enumeration data type - invalid value of class C: v",
+         [](TEST_ARG*) { throw BASIC::TYPES::ERROR_ENUM_BASE_INVALID_VALUE("v", "C", ""); }},
+        {"exception of an unknown kind", [](TEST_ARG*) { throw 7; }},
+    };
     const std::pair<const char*, const char*> threads_and_rows[] = {{"1", "rows 0..19: "}, {"4", "rows 15..19: "}};
     for (const auto& [parallel, rows] : threads_and_rows) {
         SetParallel(parallel);
-        for (int way = 0; way < 6; ++way) {
-            SCOPED_TRACE(std::string(parallel) + ": " + reasons[way]);
+        for (const auto& way : ways) {
+            SCOPED_TRACE(std::string(parallel) + ": " + way.reason);
             std::atomic<int> started = 0;
-            const auto run = [&, way] {
-                RUNNER runner(0, 20, [&, way](TEST_ARG* argument) {
-                    ++started;
-                    Fail(argument, way);
-                });
-                runner.Run();
-            };
             const std::string log = LogOf([&] {
                 try {
-                    run();
+                    RUNNER runner(0, 20, [&](TEST_ARG* argument) {
+                        ++started;
+                        if (argument->start + argument->length > 10) way.fail(argument);
+                    });
+                    runner.Run();
                     ADD_FAILURE() << "no exception";
                 } catch (const char* text) {
                     EXPECT_STREQ("error in thread execution", text);
                 }
             });
-            EXPECT_THAT(log, HasSubstr(std::string("ALARM : global : ") + rows + reasons[way] + "\n"));
+            EXPECT_THAT(log, HasSubstr(std::string("ALARM : global : ") + rows + way.reason + "\n"));
             EXPECT_THAT(log, Not(HasSubstr("rows 0..4")));
             EXPECT_EQ(std::atoi(parallel), started) << "all threads have run, and were joined, before the runner went";
         }
