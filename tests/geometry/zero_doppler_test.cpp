@@ -5,7 +5,6 @@
 #include <cmath>
 #include <random>
 
-#include "geometry/constants.h"
 #include "tests/geometry/circular_orbit.h"
 
 namespace {
