@@ -148,6 +148,18 @@ TEST(BistaticSolution, FindsTheShortestTwoWayPath) {
         const double range_m = static_cast<double>(truth.travel_s * kC / 2);
         EXPECT_NEAR(found.range_m, range_m, 1e-6);
         EXPECT_NEAR(found.time_s, pair.EquivalentTime(truth.receive_time_s, truth.travel_s), 5e-7);
+
+        // The same samples through an exact parabola.
+        const long double half_s = pair.Aperture() / 2;
+        std::array<long double, 3> y{};
+        for (int i = 0; i < 3; ++i) {
+            const long double t = TravelTime(f, pair.Point(), pair.MiddleTime() + (i - 1) * half_s);
+            y[i] = t * t;
+        }
+        const long double c1 = (y[2] - y[0]) / 2;
+        const long double c2 = (y[0] + y[2]) / 2 - y[1];
+        const long double travel_s = std::sqrt(y[1] - c1 * c1 / c2 / 4);
+        EXPECT_NEAR(found.time_s, pair.EquivalentTime(pair.MiddleTime() - half_s * c1 / c2 / 2, travel_s), 1e-9);
         if (c.along_m == 0.0 && c.across_m == 0.0) {
             // The satellite moves on while the echo travels: the phase of one image with itself is not 0.
             const double wave_number = 4.0 * kPi * 9.65e9 / kSpeedOfLight;
@@ -156,6 +168,19 @@ TEST(BistaticSolution, FindsTheShortestTwoWayPath) {
             EXPECT_GT(std::abs(phase_rad), 1e-3);
             EXPECT_LT(std::abs(phase_rad), 0.5);
         }
+    }
+}
+
+TEST(BistaticSolution, ErrsInTimeWithTheSquareOfTheAperture) {
+    const FORMATION f = Formation(2.2, 1e4, 1e3);
+    const PAIR pair(f, 1.0, 1500.0);
+    const MINIMUM truth = ShortestTravel(f, pair.Point(), pair.MiddleTime());
+    const double time_s = pair.EquivalentTime(truth.receive_time_s, truth.travel_s);
+    double previous_s = pair.Solve(4.0).time_s - time_s;
+    for (const double aperture_s : {2.0, 1.0, 0.5}) {
+        const double error_s = pair.Solve(aperture_s).time_s - time_s;
+        EXPECT_NEAR(previous_s / error_s, 4.0, 0.4) << aperture_s;
+        previous_s = error_s;
     }
 }
 
