@@ -11,6 +11,7 @@ import pytest
 
 import judge
 import velmora_run
+from scene_maker import pool_file, raster
 from velmora_run import succeed
 
 SIZE = dict(samples=140, lines=110)
@@ -86,6 +87,15 @@ def test_every_pixel_satisfies_the_radar_equations(fresh_scene, options):
         check(value - points_m[..., axis], 0.005 + 0.5 * judge.ulp(points_m[..., axis]), name)
 
 
+def test_flat_terrain_follows_the_closed_formula_at_every_pixel(fresh_scene):
+    made, folder = fresh_scene(**SIZE, terrain="flat", low_m=431.0, latitude_deg=-20.0)
+    run = succeed(folder)
+    line, sample = np.mgrid[0:made.options.lines, 0:made.options.samples].astype(float)
+    _, phase_rad, _, _ = judge.expected(made, sample, line, np.full(line.shape, 431.0))
+    assert np.all(np.abs(run.product("SIMU_PHASE") - phase_rad) <= 0.01 + 4.0 * judge.ulp(phase_rad))
+    assert np.all(np.abs(run.product("H_EARTH") - 431.0) < 1e-3)
+
+
 @pytest.mark.parametrize("relative", [False, True])
 def test_a_pair_of_one_image_with_itself_has_no_phase_and_no_shift(fresh_scene, relative):
     made, folder = fresh_scene(**SIZE, slave_is_master=True, relative_shifts=relative, shift_factors=(2, 3))
@@ -98,6 +108,51 @@ def test_a_pair_of_one_image_with_itself_has_no_phase_and_no_shift(fresh_scene, 
     assert np.all(np.abs(run.product("AZ_COREG") - own[1]) < 1e-3)
 
 
+def test_positions_map_back_to_their_own_pixel(fresh_scene):
+    made, folder = fresh_scene(**SIZE, earth_factors=(3, 2), latitude_deg=61.0)
+    run = succeed(folder, parallel="2")
+    point = np.stack([run.product(axis + "_EARTH") + run.offset(axis) for axis in "xyz"], axis=-1)
+    line, sample = np.mgrid[0:point.shape[0], 0:point.shape[1]]
+    seen_sample, seen_line = made.master.pixel(*judge.zero_doppler(made.master.orbit, point,
+                                                                   made.master.first_azimuth_time_s))
+    # Half a float step in each coordinate moves the point by at most this; a line and a sample are metres wide.
+    step_m = 0.5 * np.linalg.norm(judge.ulp(point), axis=-1)
+    line_m = 6500.0 / made.master.prf_hz  # a little less than the ground speed times the line interval
+    sample_m = 0.5 * judge.SPEED_OF_LIGHT_M_S / made.master.range_sampling_hz
+    inside = (2 * line < made.options.lines) & (3 * sample < made.options.samples)
+    assert np.all((np.abs(seen_sample - 3 * sample) <= 0.02 + step_m / sample_m)[inside])
+    assert np.all((np.abs(seen_line - 2 * line) <= 0.02 + step_m / line_m)[inside])
+
+
+def test_refining_the_terrain_along_its_own_triangles_changes_nothing(fresh_scene):
+    made, folder = fresh_scene(**SIZE, height_step_m=4, high_m=1200.0, smoothness=2.4)
+    coarse = succeed(folder, parallel="2")
+    _, fine_folder = fresh_scene("fine", **SIZE, height_step_m=4, high_m=1200.0, smoothness=2.4)
+    _refine(made, fine_folder)
+    fine = succeed(fine_folder, parallel="2")
+    for name, tolerance in (("SIMU_PHASE", 0.01), ("H_EARTH", 0.05), ("RG_COREG", 1e-3), ("AZ_COREG", 1e-3)):
+        difference = fine.product(name).astype(float) - coarse.product(name)
+        assert judge.share_over(difference, tolerance + 4.0 * judge.ulp(coarse.product(name))) <= 0.002, name
+
+
+def _refine(made, folder):
+    """Twice the samples; each cell's midpoints on the planes of its triangles (cut from upper right to lower left)."""
+    old, grid = made.heights.astype(int), made.grid
+    new = np.zeros((2 * grid.rows - 1, 2 * grid.columns - 1), dtype=int)
+    new[::2, ::2] = old
+    new[::2, 1::2] = (old[:, :-1] + old[:, 1:]) // 2
+    new[1::2, ::2] = (old[:-1] + old[1:]) // 2
+    new[1::2, 1::2] = (old[:-1, 1:] + old[1:, :-1]) // 2
+    raster.write_int16(folder / "dem.ras", new)
+    pool = pool_file.read(folder / "dem.pool")
+    dx = (pool["right_easting"] - pool["left_easting"]) / grid.columns
+    dy = (pool["upper_northing"] - pool["lower_northing"]) / grid.rows
+    velmora_run.edit_pool(folder / "dem.pool", "right_easting",
+                          "right_easting FLT_15 %.17g" % (pool["left_easting"] + 0.5 * dx * new.shape[1]))
+    velmora_run.edit_pool(folder / "dem.pool", "lower_northing",
+                          "lower_northing FLT_15 %.17g" % (pool["upper_northing"] - 0.5 * dy * new.shape[0]))
+
+
 # Ranges and azimuths of the shift, Earth and geocoding factors, and image sizes that are and are not multiples of them.
 FACTORS = [((4, 2), (3, 3), (), (141, 110)), ((1, 1), (5, 4), (), (140, 113)), ((2, 2), (3, 5), (2, 3), (140, 110)),
            ((1, 1), (1, 1), (2, 2), (139, 111))]
@@ -107,7 +162,7 @@ FACTORS = [((4, 2), (3, 3), (), (141, 110)), ((1, 1), (5, 4), (), (140, 113)), (
 def test_subsampled_products_are_every_nth_pixel_of_the_full_ones(fresh_scene, shift, earth, geocoding, size):
     sizes = dict(samples=size[0], lines=size[1], permanent_scatterer=bool(geocoding))
     options = dict(**sizes, shift_factors=shift, earth_factors=earth, geocoding_factors=geocoding)
-    _, folder = fresh_scene(**options)
+    made, folder = fresh_scene(**options)
     _, full_folder = fresh_scene("full", **options)
     for key in ("shift_matrices_subsampling_rg", "shift_matrices_subsampling_az", "geco_sub_factor_range",
                 "geco_sub_factor_azimuth"):
@@ -116,7 +171,18 @@ def test_subsampled_products_are_every_nth_pixel_of_the_full_ones(fresh_scene, s
         velmora_run.edit_pool(full_folder / "insar.pool", key, key + " INT_32 1")
     part, full = succeed(folder), succeed(full_folder)
 
+    columns, rows = made.simulated_size
+    extension = made.options.extension
+    assert part.product("SIMU_PHASE").shape == (size[1], size[0])
     assert np.array_equal(part.product("SIMU_PHASE"), full.product("SIMU_PHASE"))
+    assert part.product("RG_COREG").shape == tuple(-(-(n - x) // f) + 1 for n, x, f in
+                                                   zip((rows, columns), extension[::-1], shift[::-1]))
+    if geocoding in ((), (1, 1)):
+        earth_shape = tuple(-(-(n - x) // f) + 1 for n, x, f in zip((rows, columns), extension[::-1], earth[::-1]))
+    else:
+        earth_shape = tuple((n - 1) // f + 1 for n, f in zip((rows, columns), earth[::-1]))
+    assert part.product("H_EARTH").shape == part.product("X_EARTH").shape == earth_shape
+
     for names, factors in ((("RG_COREG", "AZ_COREG"), shift), (("H_EARTH",), earth)):
         for name in names:
             wanted = full.product(name)[::factors[1], ::factors[0]]
