@@ -76,6 +76,13 @@ CASES = [
      ["Error: simulated area extension is not enough for subsampled shift matrices", BOTH_DIRECTIONS]),
     ("Earth factor of one direction", keys(RG_COREG=None, AZ_COREG=None, EARTH_MATRICES_SUBSAMPLING_Y=2),
      ["Error: simulated area extension is not enough for subsampled shift matrixes", BOTH_DIRECTIONS]),
+    ("geocoding factor of one direction",
+     lambda folder: [edit(folder) for edit in (
+         keys(RG_COREG=None, AZ_COREG=None),
+         pool("insar.pool", "observation_mode", 'observation_mode STR "dual_pass"', "geco_sub_factor_range INT_32 1",
+              "geco_sub_factor_azimuth INT_32 2"))],
+     [" h_earth coverage not enough for interpolation in geco grid", "       h_earth: 60 x 52 (sub 1 x 1 )",
+      "       geco:    61 x 26 (sub 1 x 2, eq 60 x 50 )", BOTH_DIRECTIONS]),
     ("DEM shorter than its header says", cut("dem.ras", 5000), ["dem.ras"]),
     ("DEM empty", cut("dem.ras", 0), ["MEM_MGR: can not read header from: dem.ras"]),
     ("DEM header that lies", overwrite("dem.ras", 4, struct.pack(">II", 0x7FFFFFFF, 0x7FFFFFFF)), ["dem.ras"]),
