@@ -33,40 +33,19 @@ UTM_PROJECTION::UTM_PROJECTION(double a_m, double e2, int zone, bool southern_he
     footpoint_[3] = 1097.0 * e1 * e1 * e1 * e1 / 512.0;
 }
 
-// The published series in one piece, eqs. 8-17 to 8-25: cutting it up would hide it.
 MAP_GEOGRAPHIC UTM_PROJECTION::Inverse(const MAP_POSITION& position) const {
-    const double x = position.easting_m - false_easting_m_;
-    const double m = (position.northing_m - false_northing_m_) / scale_ + origin_meridian_distance_m_;
-    const double mu = m / rectifying_radius_m_;
-    const double phi1 = mu + footpoint_[0] * std::sin(2.0 * mu) + footpoint_[1] * std::sin(4.0 * mu) +
-                        footpoint_[2] * std::sin(6.0 * mu) + footpoint_[3] * std::sin(8.0 * mu);
-
-    const double sin1 = std::sin(phi1);
-    const double cos1 = std::cos(phi1);
-    const double tan1 = std::tan(phi1);
-    const double c1 = ep2_ * cos1 * cos1;
-    const double t1 = tan1 * tan1;
-    const double w2 = 1.0 - e2_ * sin1 * sin1;
-    const double n1 = a_m_ / std::sqrt(w2);
-    const double r1 = a_m_ * (1.0 - e2_) / (w2 * std::sqrt(w2));
-    const double d = x / (n1 * scale_);
+    const UTM_INVERSE_ROW row = InverseRow(position.northing_m);
+    const double d = (position.easting_m - false_easting_m_) * row.arc_per_metre;
     const double d2 = d * d;
-
-    double phi = phi1 - (n1 * tan1 / r1) *
-                            (d2 / 2.0 - (5.0 + 3.0 * t1 + 10.0 * c1 - 4.0 * c1 * c1 - 9.0 * ep2_) * d2 * d2 / 24.0 +
-                             (61.0 + 90.0 * t1 + 298.0 * c1 + 45.0 * t1 * t1 - 252.0 * ep2_ - 3.0 * c1 * c1) * d2 * d2 *
-                                 d2 / 720.0);
-    const double lambda =
-        central_meridian_rad_ +
-        (d - (1.0 + 2.0 * t1 + c1) * d2 * d / 6.0 +
-         (5.0 - 2.0 * c1 + 28.0 * t1 - 3.0 * c1 * c1 + 8.0 * ep2_ + 24.0 * t1 * t1) * d2 * d2 * d / 120.0) /
-            cos1;
+    double phi = row.footpoint_rad - d2 * (row.c[0] + d2 * (row.c[1] + d2 * row.c[2]));
+    const double lambda = central_meridian_rad_ + d * (row.l[0] + d2 * (row.l[1] + d2 * row.l[2]));
 
     if (phi > kPi / 2.0) phi = kPi - phi;
     if (phi < -kPi / 2.0) phi = -phi - kPi;
     return {InOneTurn(lambda), phi};
 }
 
+// The published series in one piece, eqs. 8-17 to 8-25: cutting it up would hide it.
 UTM_INVERSE_ROW UTM_PROJECTION::InverseRow(double northing_m) const {
     const double m = (northing_m - false_northing_m_) / scale_ + origin_meridian_distance_m_;
     const double mu = m / rectifying_radius_m_;
