@@ -13,7 +13,9 @@ SUBSAMPLING Reach(const SUBSAMPLING& factors) {
     return {factors.x == 1 ? 0 : factors.x, factors.y == 1 ? 0 : factors.y};
 }
 
-bool Adds(const SUBSAMPLING& reach) { return reach.x != 0 || reach.y != 0; }
+bool Adds(const SUBSAMPLING& reach) {
+    return reach.x != 0 || reach.y != 0;
+}
 
 int CheckedSum(int shift, int earth, int geocoding) {
     const long long sum = static_cast<long long>(shift) + earth + geocoding;

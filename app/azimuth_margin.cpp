@@ -15,9 +15,13 @@ double Distance(const VECTOR_3D<double>& a, const VECTOR_3D<double>& b) {
     return std::hypot(a.x - b.x, a.y - b.y, a.z - b.z);
 }
 
-double Cross(const POINT<double>& a, const POINT<double>& b) { return a.x * b.y - a.y * b.x; }
+double Cross(const POINT<double>& a, const POINT<double>& b) {
+    return a.x * b.y - a.y * b.x;
+}
 
-POINT<double> Minus(const POINT<double>& a, const POINT<double>& b) { return {a.x - b.x, a.y - b.y}; }
+POINT<double> Minus(const POINT<double>& a, const POINT<double>& b) {
+    return {a.x - b.x, a.y - b.y};
+}
 
 /// One tile's share of a border line of the image: from near range and lowest terrain to far range and highest terrain.
 class BORDER_LINE {

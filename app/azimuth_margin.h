@@ -1,9 +1,9 @@
 /// \file azimuth_margin.h
 /// How far the outermost tiles of the simulation area reach beyond the image in azimuth.
-/// A tile's edge is a straight line in DEM coordinates, the true first or last line of the image is not: on real geometry
-/// it lies 13 m and more outside, at high latitudes hundreds of metres. And a cell is found by its corners, so one that
-/// only touches the image may have none of them inside. Without the margin such cells are missed and border pixels stay
-/// empty; with it a few more cells are looked at.
+/// A tile's edge is a straight line in DEM coordinates, the true first or last line of the image is not: on real
+/// geometry it lies 13 m and more outside, at high latitudes hundreds of metres. And a cell is found by its corners, so
+/// one that only touches the image may have none of them inside. Without the margin such cells are missed and border
+/// pixels stay empty; with it a few more cells are looked at.
 
 #pragma once
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 enum class KEY_NEED {
-    MANDATORY,    ///< asked at the keyboard when no source has it
+    MANDATORY,  ///< asked at the keyboard when no source has it
     OPTIONAL,
     FORCES_POOL,  ///< optional; wins over the InSAR pool's key of the same name in small letters and is written there
     CONTROLLER    ///< optional; steers files and logging, not the simulation

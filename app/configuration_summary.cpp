@@ -1,7 +1,6 @@
 #include "app/configuration_summary.h"
 
 #include "app/refusal.h"
-
 #include "lib/baselib/logging/logging.h"
 
 namespace {

@@ -53,8 +53,8 @@ TERRAIN TerrainOf(const SIMULATION_STATE& state) {
         for (int column = simulated.first_column; column <= simulated.last_column; ++column) {
             const short sample_m = state.scene.dem.heights[row][column];
             if (IsInvalidDemSample(state, sample_m)) continue;
-            const double height_m = std::clamp(sample_m + state.scene.dem.height_offset_m, kLowestTerrain_m,
-                                               kHighestTerrain_m);
+            const double height_m =
+                std::clamp(sample_m + state.scene.dem.height_offset_m, kLowestTerrain_m, kHighestTerrain_m);
             terrain.lowest_m = std::min(terrain.lowest_m, height_m);
             terrain.highest_m = std::max(terrain.highest_m, height_m);
         }
@@ -78,7 +78,9 @@ class PIXEL_IN_DEM {
     bool CrossesVoid() const {
         const DEM_GRID& dem = state_.scene.dem;
         constexpr int kNeighbours = 2;
-        const auto clamped = [](double value, int size) { return static_cast<int>(std::clamp(value, 0.0, size - 1.0)); };
+        const auto clamped = [](double value, int size) {
+            return static_cast<int>(std::clamp(value, 0.0, size - 1.0));
+        };
         const int top = clamped(std::min(lowest_.y, highest_.y) - kNeighbours, dem.rows);
         const int bottom = clamped(std::max(lowest_.y, highest_.y) + kNeighbours, dem.rows);
         const int left = clamped(std::min(lowest_.x, highest_.x) - kNeighbours, dem.columns);

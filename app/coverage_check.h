@@ -5,6 +5,7 @@
 
 #include "app/simulation_state.h"
 
-/// @throws ERROR_PARAMETER at a gap, after a WARNING for its first point and one that explains the gap: number of missing
+/// @throws ERROR_PARAMETER at a gap, after a WARNING for its first point and one that explains the gap: number of
+/// missing
 ///         points, the box around them, and whether the DEM ends there, a void lies there or cells exceed 1000 samples
 void CheckCoverage(const SIMULATION_STATE& state);

@@ -11,7 +11,7 @@ struct DEM_VALID_RANGE {
 };
 
 /// "0..5000" gives 0 and 5000. Two dots end the minimum; what was collected since the last bound when the text ends,
-/// possibly nothing (0), is the maximum. "<" opens a bracket; ">" closes it and stores a maximum as well, which the end of
-/// the text then replaces: "<0..5000>" has the maximum 0, as it always had.
+/// possibly nothing (0), is the maximum. "<" opens a bracket; ">" closes it and stores a maximum as well, which the end
+/// of the text then replaces: "<0..5000>" has the maximum 0, as it always had.
 /// @throws ERROR_ARGUMENT for any other character or a bound outside the range of single precision
 DEM_VALID_RANGE ParseDemValidRange(const std::string& text);

@@ -1,6 +1,6 @@
 /// \file floating_point_traps.cpp
-/// Switches the floating-point traps on before main() runs. Belongs to executables (program and tests) as an object file:
-/// a linker would drop it from a library, since nobody refers to it.
+/// Switches the floating-point traps on before main() runs. Belongs to executables (program and tests) as an object
+/// file: a linker would drop it from a library, since nobody refers to it.
 
 #include <fenv.h>
 

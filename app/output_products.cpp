@@ -10,7 +10,9 @@ namespace {
 
 constexpr mode_t kPermissions = 0666;  // before the process's file-creation mask
 
-void Say(const char* line) { Log().Message(LOGGING_LEVEL::INFO, "%s", line); }
+void Say(const char* line) {
+    Log().Message(LOGGING_LEVEL::INFO, "%s", line);
+}
 
 /// Columns 0 to N - X - 1 and lines 0 to L - Y - 1: the extension lies at the far and late side.
 void SaveCroppedPhase(SIMULATION_STATE& state) {

@@ -18,8 +18,8 @@ IMAGE_SIZE Cropped(const SIMULATION_STATE& state) {
             state.simulation.lines - state.configuration.extension_y};
 }
 
-/// An extension is the largest factor of its direction, so a direction whose factors are all 1 has none, and one step more
-/// than the image does not fit: the user can only change the factors.
+/// An extension is the largest factor of its direction, so a direction whose factors are all 1 has none, and one step
+/// more than the image does not fit: the user can only change the factors.
 void AdviseOnFactors(const RUN_CONFIGURATION& configuration) {
     Log().Message(LOGGING_LEVEL::ALARM,
                   "the extension is %d samples and %d lines: factors above 1 are needed in both directions or in none "
@@ -107,8 +107,8 @@ void SizeEarthMatrices(SIMULATION_STATE& state) {
     if (configuration.area_extended) {
         const bool geocoded = configuration.geocoding.x != 1 || configuration.geocoding.y != 1;
         const IMAGE_SIZE image = Cropped(state);
-        const long long p = geocoded ? (state.simulation.samples - 1) / earth.x + 1
-                                     : SteppedExtent(image.samples, earth.x) + 1;
+        const long long p =
+            geocoded ? (state.simulation.samples - 1) / earth.x + 1 : SteppedExtent(image.samples, earth.x) + 1;
         const long long q =
             geocoded ? (state.simulation.lines - 1) / earth.y + 1 : SteppedExtent(image.lines, earth.y) + 1;
         CheckEarthSize(state, p, q);

@@ -21,7 +21,8 @@ struct NAMED_FILE {
     std::string path;
 };
 
-/// What tells two paths to one file: device and inode of the file or, while it does not exist, of its folder plus its name.
+/// What tells two paths to one file: device and inode of the file or, while it does not exist, of its folder plus its
+/// name.
 struct FILE_IDENTITY {
     dev_t device = 0;
     ino_t inode = 0;
@@ -45,7 +46,7 @@ std::optional<FILE_IDENTITY> IdentityOf(const std::string& path) {
 
 std::vector<NAMED_FILE> Products(const RUN_CONFIGURATION& configuration) {
     const std::vector<NAMED_FILE> all = {
-        {"SIMU_PHASE", configuration.phase_file},      {"RG_COREG", configuration.range_shift_file},
+        {"SIMU_PHASE", configuration.phase_file},       {"RG_COREG", configuration.range_shift_file},
         {"AZ_COREG", configuration.azimuth_shift_file}, {"X_EARTH", configuration.x_earth_file},
         {"Y_EARTH", configuration.y_earth_file},        {"Z_EARTH", configuration.z_earth_file},
         {"H_EARTH", configuration.height_file}};
@@ -73,8 +74,9 @@ void RefuseSharedFiles(const RUN_CONFIGURATION& configuration) {
         if (!identity) continue;
         for (const auto& [file, other] : taken) {
             if (other != *identity) continue;
-            Log().Message(LOGGING_LEVEL::ALARM, "configuration: key \"%s\": the product %s is the file %s of key \"%s\"",
-                          product.key.c_str(), product.path.c_str(), file.path.c_str(), file.key.c_str());
+            Log().Message(LOGGING_LEVEL::ALARM,
+                          "configuration: key \"%s\": the product %s is the file %s of key \"%s\"", product.key.c_str(),
+                          product.path.c_str(), file.path.c_str(), file.key.c_str());
             throw ERROR_PARAMETER();
         }
         taken.emplace_back(product, *identity);

@@ -16,7 +16,9 @@ void LogRefusal(const VALUE_SOURCE& source, const std::string& value, const std:
                   value.c_str(), explanation.c_str());
 }
 
-bool IsUsable(double value) { return std::isfinite(value) && std::fabs(value) <= kLargestQuantity; }
+bool IsUsable(double value) {
+    return std::isfinite(value) && std::fabs(value) <= kLargestQuantity;
+}
 
 std::string Shown(double value) {
     std::array<char, 40> text{};

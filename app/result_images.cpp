@@ -11,7 +11,9 @@
 
 namespace {
 
-void Say(const char* line) { Log().Message(LOGGING_LEVEL::INFO, "%s", line); }
+void Say(const char* line) {
+    Log().Message(LOGGING_LEVEL::INFO, "%s", line);
+}
 
 void Allocate(MEM_MGR& image, const IMAGE_SIZE& size, PIXEL_TYPE pixel_type) {
     image.Allocate(0, 0, size.samples - 1LL, size.lines - 1LL, pixel_type);
@@ -25,7 +27,8 @@ void AllocatePhase(SIMULATION_STATE& state) {
     InitializeMemMgr(state.phase, std::bit_cast<std::uint32_t>(state.invalid_phase.value_or(0.0F)));
 }
 
-/// The matrices in memory hold every pixel that is a multiple of the factors, also where that is more than the output file.
+/// The matrices in memory hold every pixel that is a multiple of the factors, also where that is more than the output
+/// file.
 IMAGE_SIZE ShiftMatrixSize(const SIMULATION_STATE& state) {
     const SUBSAMPLING& factors = state.configuration.shift;
     return {(state.simulation.samples - 1) / factors.x + 1, (state.simulation.lines - 1) / factors.y + 1};
@@ -72,15 +75,14 @@ double RequiredBytes(const SIMULATION_STATE& state) {
 void RequireMemory(const SIMULATION_STATE& state) {
     struct sysinfo system {};
     if (sysinfo(&system) != 0) return;
-    const double available = (static_cast<double>(system.totalram) + static_cast<double>(system.totalswap)) *
-                             system.mem_unit;
+    const double available =
+        (static_cast<double>(system.totalram) + static_cast<double>(system.totalswap)) * system.mem_unit;
     const double required = RequiredBytes(state);
     if (required <= available) return;
     constexpr double kBytesPerGibibyte = 1073741824.0;
-    Log().Message(LOGGING_LEVEL::ALARM,
-                  "the grids of %d samples x %d lines need %.1f GiB of memory, the machine has %.1f GiB",
-                  state.simulation.samples, state.simulation.lines, required / kBytesPerGibibyte,
-                  available / kBytesPerGibibyte);
+    Log().Message(
+        LOGGING_LEVEL::ALARM, "the grids of %d samples x %d lines need %.1f GiB of memory, the machine has %.1f GiB",
+        state.simulation.samples, state.simulation.lines, required / kBytesPerGibibyte, available / kBytesPerGibibyte);
     throw ERROR_NO_MEMORY();
 }
 

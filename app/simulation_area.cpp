@@ -30,7 +30,9 @@ void LogCorners(const SIMULATION_STATE& state, const IMAGE_TO_DEM& locate) {
 }
 
 /// Time i of n equal steps from first to last.
-double Step(double first, double last, int i, int n) { return first + (last - first) * i / n; }
+double Step(double first, double last, int i, int n) {
+    return first + (last - first) * i / n;
+}
 
 void BuildTiles(SIMULATION_STATE& state, const IMAGE_TO_DEM& locate) {
     const ACQUISITION& master = state.master;
@@ -38,12 +40,11 @@ void BuildTiles(SIMULATION_STATE& state, const IMAGE_TO_DEM& locate) {
     SIMULATION_AREA& area = state.scene.area;
     area = {};
     for (int i = 0; i < kTilesAzimuth; ++i) {
-        const double upper_s = i == 0 ? extended.first_s
-                                      : Step(master.first_azimuth_time_s, master.azimuth_stop_time_s, i, kTilesAzimuth);
-        const double lower_s =
-            i + 1 == kTilesAzimuth
-                ? extended.last_s
-                : Step(master.first_azimuth_time_s, master.azimuth_stop_time_s, i + 1, kTilesAzimuth);
+        const double upper_s =
+            i == 0 ? extended.first_s : Step(master.first_azimuth_time_s, master.azimuth_stop_time_s, i, kTilesAzimuth);
+        const double lower_s = i + 1 == kTilesAzimuth ? extended.last_s
+                                                      : Step(master.first_azimuth_time_s, master.azimuth_stop_time_s,
+                                                             i + 1, kTilesAzimuth);
         for (int j = 0; j < kTilesRange; ++j) {
             const double near_s = Step(master.first_range_time_s, master.range_stop_time_s, j, kTilesRange);
             const double far_s = Step(master.first_range_time_s, master.range_stop_time_s, j + 1, kTilesRange);
@@ -104,8 +105,8 @@ void RequireCommonCells(const SIMULATION_STATE& state) {
     Log().Message(LOGGING_LEVEL::ALARM,
                   "the DEM %s (%d columns, %d rows) does not cover the master scene: "
                   "its first line at near range lies at column %.1f, row %.1f (edges in %s)",
-                  state.configuration.dem_file.c_str(), state.scene.dem.columns, state.scene.dem.rows, corner.x, corner.y,
-                  state.configuration.dem_pool.c_str());
+                  state.configuration.dem_file.c_str(), state.scene.dem.columns, state.scene.dem.rows, corner.x,
+                  corner.y, state.configuration.dem_pool.c_str());
     throw ERROR_PARAMETER();
 }
 

@@ -32,8 +32,8 @@ int FactorOfConfiguration(CONTROLLER_IFC& controller, const std::string& key) {
     return static_cast<int>(value);
 }
 
-int EarthFactor(CONTROLLER_IFC& controller, PARAMETER_POOL_READ_WRITE_CHANGE& insar_pool, const std::string& forcing_key,
-                const std::string& pool_key, const char* forced_line) {
+int EarthFactor(CONTROLLER_IFC& controller, PARAMETER_POOL_READ_WRITE_CHANGE& insar_pool,
+                const std::string& forcing_key, const std::string& pool_key, const char* forced_line) {
     if (!controller.parameter_exists(forcing_key)) return FactorOfPool(insar_pool, pool_key);
     Log().Message(LOGGING_LEVEL::WARNING, "%s", forced_line);
     const int factor = FactorOfConfiguration(controller, forcing_key);
@@ -77,12 +77,12 @@ void ReadShiftSubsampling(RUN_CONFIGURATION& configuration, CONTROLLER_IFC& cont
 
 void ReadEarthSubsampling(RUN_CONFIGURATION& configuration, CONTROLLER_IFC& controller,
                           PARAMETER_POOL_READ_WRITE_CHANGE& insar_pool) {
-    configuration.earth.x = EarthFactor(
-        controller, insar_pool, "EARTH_MATRICES_SUBSAMPLING_X", "earth_matrices_subsampling_x",
-        " - Earth matrixes subsampling_x forced by PCF -> Read value from PCF, not from pool ");
-    configuration.earth.y = EarthFactor(
-        controller, insar_pool, "EARTH_MATRICES_SUBSAMPLING_Y", "earth_matrices_subsampling_y",
-        " - Earth matrixes subsampling_y forced by PCF -> Read value from PCF, not from pool ");
+    configuration.earth.x =
+        EarthFactor(controller, insar_pool, "EARTH_MATRICES_SUBSAMPLING_X", "earth_matrices_subsampling_x",
+                    " - Earth matrixes subsampling_x forced by PCF -> Read value from PCF, not from pool ");
+    configuration.earth.y =
+        EarthFactor(controller, insar_pool, "EARTH_MATRICES_SUBSAMPLING_Y", "earth_matrices_subsampling_y",
+                    " - Earth matrixes subsampling_y forced by PCF -> Read value from PCF, not from pool ");
 }
 
 void ReadGeocodingSubsampling(RUN_CONFIGURATION& configuration, PARAMETER_POOL& insar_pool) {

@@ -51,7 +51,9 @@ int ORBIT_BASE::StateVectorCount() const {
     RefuseOperation("StateVectorCount()");
 }
 
-std::vector<double> ORBIT_BASE::PieceBounds() const { RefuseOperation("PieceBounds()"); }
+std::vector<double> ORBIT_BASE::PieceBounds() const {
+    RefuseOperation("PieceBounds()");
+}
 
 void ORBIT_BASE::SetReferenceTime(const ANY_TIME&) {
     RefuseOperation("SetReferenceTime(const ANY_TIME&)");

@@ -1,6 +1,6 @@
 /// \file error_exception.h
-/// The failure channel: one tree of exception classes, each with a fixed text. The detailed message is logged first, then
-/// the exception is thrown by value; only the program's driver catches.
+/// The failure channel: one tree of exception classes, each with a fixed text. The detailed message is logged first,
+/// then the exception is thrown by value; only the program's driver catches.
 
 #pragma once
 

@@ -1,6 +1,6 @@
 /// \file log_output.h
-/// One destination of the log: a file descriptor that is written without a buffer of our own. A run that is killed loses
-/// nothing, several threads need no lock to write pieces, and a signal handler can write to the same destination.
+/// One destination of the log: a file descriptor that is written without a buffer of our own. A run that is killed
+/// loses nothing, several threads need no lock to write pieces, and a signal handler can write to the same destination.
 
 #pragma once
 
@@ -19,12 +19,13 @@ class LOG_OUTPUT {
     void MoveTo(int descriptor);
     void Close();
 
-    /// Writes everything. An output that fails (disk full, terminal gone) is no reason to stop the program, so callers may
-    /// ignore the result: whether all bytes went out.
+    /// Writes everything. An output that fails (disk full, terminal gone) is no reason to stop the program, so callers
+    /// may ignore the result: whether all bytes went out.
     bool Write(std::string_view text);
 
-    /// Async-signal-safe. Waits at most patience_ms for the output to take bytes, then gives it up for good; begins on a
-    /// new line when a line is under way. At most PIPE_BUF bytes, so that a pipe which is ready takes them all at once.
+    /// Async-signal-safe. Waits at most patience_ms for the output to take bytes, then gives it up for good; begins on
+    /// a new line when a line is under way. At most PIPE_BUF bytes, so that a pipe which is ready takes them all at
+    /// once.
     void WriteLineFromHandler(std::string_view line, int patience_ms) noexcept;
 
   private:

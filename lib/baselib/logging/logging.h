@@ -1,6 +1,7 @@
 /// \file logging.h
 /// The one channel through which the program talks to its user: every line goes, filtered by level, to the screen
-/// (standard output) and to a log file. A line is a tag of five characters, " : ", the prefix ("global : ") and the text.
+/// (standard output) and to a log file. A line is a tag of five characters, " : ", the prefix ("global : ") and the
+/// text.
 ///
 /// Two forms. Message() writes one whole line, emphasised on the screen from WARNING on; control bytes in its formatted
 /// text are shown as \xNN. The stream form begins a line with a level, adds values, and the caller ends it by "\n":
@@ -102,8 +103,9 @@ class LOGGING {
     /// For a signal handler: keeps other threads from beginning further output and waits, for a bounded time, until the
     /// piece that is being written is out. Async-signal-safe.
     static void BeginEmergency() noexcept;
-    /// For a signal handler, after BeginEmergency(): one line in the stream form, cut at 1000 bytes, at most half a second
-    /// per output. The text is written as it is: prepare values from outside with Printable(). Async-signal-safe.
+    /// For a signal handler, after BeginEmergency(): one line in the stream form, cut at 1000 bytes, at most half a
+    /// second per output. The text is written as it is: prepare values from outside with Printable().
+    /// Async-signal-safe.
     static void EmergencyLine(LOGGING_LEVEL level, const char* text) noexcept;
 
   private:
@@ -133,7 +135,9 @@ class LOGGING {
     std::vector<std::string> captured_lines_;
 };
 
-inline LOGGING& Log() { return LOGGING::Get(); }
+inline LOGGING& Log() {
+    return LOGGING::Get();
+}
 
 /// Ends the process at once with status 1, from any thread, for failures after which no number can be trusted. The
 /// ERROR status file of the controller stays behind.
