@@ -3,17 +3,17 @@
 #include <limits>
 #include <string>
 
-#include "app/acquisition_parameters.h"
-#include "app/dem_description.h"
-#include "app/dem_valid_range.h"
-#include "app/dem_void_report.h"
-#include "app/orbit_coverage.h"
-#include "app/output_sizes.h"
-#include "app/product_paths.h"
-#include "app/refusal.h"
-#include "app/result_images.h"
-#include "app/scene_setup.h"
-#include "app/simulation_area.h"
+#include "app/acquisition/acquisition_parameters.h"
+#include "app/acquisition/orbit_coverage.h"
+#include "app/keys/refusal.h"
+#include "app/products/result_images.h"
+#include "app/request/product_paths.h"
+#include "app/scene/output_sizes.h"
+#include "app/scene/scene_setup.h"
+#include "app/scene/simulation_area.h"
+#include "app/terrain/dem_description.h"
+#include "app/terrain/dem_valid_range.h"
+#include "app/terrain/dem_void_report.h"
 #include "lib/baselib/logging/logging.h"
 
 namespace {

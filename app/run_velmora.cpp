@@ -3,14 +3,14 @@
 #include <ctime>
 #include <string>
 
-#include "app/configuration_keys.h"
-#include "app/output_products.h"
+#include "app/keys/configuration_keys.h"
 #include "app/phase_simulation.h"
-#include "app/pool_write_back.h"
 #include "app/pools_and_area.h"
-#include "app/run_configuration.h"
+#include "app/products/output_products.h"
+#include "app/products/pool_write_back.h"
+#include "app/products/software_history.h"
+#include "app/request/run_configuration.h"
 #include "app/simulation_state.h"
-#include "app/software_history.h"
 #include "app/velmora_version.h"
 #include "lib/baselib/controller/controller_ifc.h"
 #include "lib/baselib/errors/enum_base.h"

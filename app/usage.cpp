@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <string>
 
-#include "app/configuration_keys.h"
+#include "app/keys/configuration_keys.h"
 #include "app/velmora_version.h"
 
 namespace {

@@ -10,10 +10,10 @@
 #include <cstring>
 #include <vector>
 
-#include "app/configuration_keys.h"
+#include "app/keys/configuration_keys.h"
 #include "app/phase_simulation.h"
 #include "app/pools_and_area.h"
-#include "app/run_configuration.h"
+#include "app/request/run_configuration.h"
 #include "lib/baselib/controller/controller_ifc.h"
 #include "lib/baselib/logging/logging.h"
 #include "tests/plain_kernel/plain_kernel.h"

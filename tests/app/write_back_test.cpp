@@ -7,8 +7,8 @@
 #include <iterator>
 #include <string>
 
-#include "app/pool_write_back.h"
-#include "app/software_history.h"
+#include "app/products/pool_write_back.h"
+#include "app/products/software_history.h"
 #include "lib/baselib/pool/pool_errors.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "app/shift_maps.h"
+#include "app/products/shift_maps.h"
 
 #include <sys/mman.h>
 

@@ -1,4 +1,4 @@
-#include "app/refusal.h"
+#include "app/keys/refusal.h"
 
 #include <array>
 #include <cmath>

@@ -1,11 +1,11 @@
-#include "app/simulation_area.h"
+#include "app/scene/simulation_area.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
-#include "app/azimuth_margin.h"
-#include "app/image_to_dem.h"
+#include "app/scene/azimuth_margin.h"
+#include "app/scene/image_to_dem.h"
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/logging/logging.h"
 

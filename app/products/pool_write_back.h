@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "app/run_configuration.h"
+#include "app/request/run_configuration.h"
 
 /// Writes the pending changes of both pools into their files, once when they are the same object.
 /// @throws the pool's errors; each file then is as it was before the run, a log pool that was already written included

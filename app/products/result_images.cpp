@@ -1,4 +1,4 @@
-#include "app/result_images.h"
+#include "app/products/result_images.h"
 
 #include <sys/sysinfo.h>
 

@@ -1,11 +1,11 @@
-#include "app/subsampling_factors.h"
+#include "app/request/subsampling_factors.h"
 
 #include <cerrno>
 #include <cstdlib>
 #include <limits>
 #include <string>
 
-#include "app/refusal.h"
+#include "app/keys/refusal.h"
 #include "lib/baselib/logging/logging.h"
 
 namespace {

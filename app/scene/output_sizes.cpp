@@ -1,4 +1,4 @@
-#include "app/output_sizes.h"
+#include "app/scene/output_sizes.h"
 
 #include <cmath>
 

@@ -1,4 +1,4 @@
-#include "app/configuration_keys.h"
+#include "app/keys/configuration_keys.h"
 
 std::span<const CONFIGURATION_KEY> ConfigurationKeys() {
     using enum KEY_NEED;

@@ -1,4 +1,4 @@
-#include "app/azimuth_margin.h"
+#include "app/scene/azimuth_margin.h"
 
 #include <algorithm>
 #include <cmath>

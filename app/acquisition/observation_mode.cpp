@@ -1,4 +1,4 @@
-#include "app/observation_mode.h"
+#include "app/acquisition/observation_mode.h"
 
 #include <array>
 

@@ -1,11 +1,11 @@
-#include "app/coverage_check.h"
+#include "app/products/coverage_check.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
 
-#include "app/dem_void_report.h"
-#include "app/image_to_dem.h"
+#include "app/scene/image_to_dem.h"
+#include "app/terrain/dem_void_report.h"
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/logging/logging.h"
 

@@ -7,7 +7,7 @@
 
 #pragma once
 
-#include "app/image_to_dem.h"
+#include "app/scene/image_to_dem.h"
 #include "app/simulation_state.h"
 
 /// Seconds on the master orbit's axis.

@@ -1,8 +1,8 @@
-#include "app/output_products.h"
+#include "app/products/output_products.h"
 
-#include "app/coverage_check.h"
-#include "app/earth_files.h"
-#include "app/shift_maps.h"
+#include "app/products/coverage_check.h"
+#include "app/products/earth_files.h"
+#include "app/products/shift_maps.h"
 #include "lib/baselib/logging/logging.h"
 #include "simulation/copy_mem_mgr.h"
 

@@ -1,10 +1,10 @@
-#include "app/acquisition_parameters.h"
+#include "app/acquisition/acquisition_parameters.h"
 
 #include <cmath>
 #include <string>
 
-#include "app/observation_mode.h"
-#include "app/refusal.h"
+#include "app/acquisition/observation_mode.h"
+#include "app/keys/refusal.h"
 #include "lib/baselib/containers/string.h"
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/logging/logging.h"

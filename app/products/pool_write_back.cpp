@@ -1,4 +1,4 @@
-#include "app/pool_write_back.h"
+#include "app/products/pool_write_back.h"
 
 #include <fstream>
 #include <iterator>

@@ -1,12 +1,12 @@
-#include "app/dem_description.h"
+#include "app/terrain/dem_description.h"
 
 #include <strings.h>
 
 #include <limits>
 #include <string>
 
-#include "app/dem_datum.h"
-#include "app/refusal.h"
+#include "app/keys/refusal.h"
+#include "app/terrain/dem_datum.h"
 #include "geometry/utm_projection.h"
 #include "lib/baselib/containers/string.h"
 #include "lib/baselib/errors/error_exception.h"

@@ -1,4 +1,4 @@
-#include "app/dem_void_report.h"
+#include "app/terrain/dem_void_report.h"
 
 #include <numbers>
 

@@ -1,9 +1,9 @@
-#include "app/run_configuration.h"
+#include "app/request/run_configuration.h"
 
-#include "app/area_extension.h"
-#include "app/configuration_summary.h"
-#include "app/refusal.h"
-#include "app/subsampling_factors.h"
+#include "app/keys/refusal.h"
+#include "app/request/area_extension.h"
+#include "app/request/configuration_summary.h"
+#include "app/request/subsampling_factors.h"
 #include "lib/baselib/containers/string.h"
 #include "lib/baselib/logging/logging.h"
 

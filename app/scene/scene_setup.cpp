@@ -1,4 +1,4 @@
-#include "app/scene_setup.h"
+#include "app/scene/scene_setup.h"
 
 #include "simulation/azimuth_shift_correction.h"
 #include "simulation/common_time_axis.h"

@@ -1,4 +1,4 @@
-#include "app/orbit_coverage.h"
+#include "app/acquisition/orbit_coverage.h"
 
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/logging/logging.h"

@@ -1,9 +1,9 @@
-#include "app/dem_datum.h"
+#include "app/terrain/dem_datum.h"
 
 #include <cmath>
 #include <string>
 
-#include "app/refusal.h"
+#include "app/keys/refusal.h"
 #include "geometry/ellipsoid_type.h"
 #include "lib/baselib/containers/array.h"
 

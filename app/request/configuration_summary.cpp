@@ -1,6 +1,6 @@
-#include "app/configuration_summary.h"
+#include "app/request/configuration_summary.h"
 
-#include "app/refusal.h"
+#include "app/keys/refusal.h"
 #include "lib/baselib/logging/logging.h"
 
 namespace {

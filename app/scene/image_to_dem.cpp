@@ -1,4 +1,4 @@
-#include "app/image_to_dem.h"
+#include "app/scene/image_to_dem.h"
 
 DEM_POSITION IMAGE_TO_DEM::operator()(double azimuth_time_s, double range_time_s, double height_m) const {
     constexpr double kZeroDoppler = 0.0;

@@ -1,4 +1,4 @@
-#include "app/dem_valid_range.h"
+#include "app/terrain/dem_valid_range.h"
 
 #include <cmath>
 #include <cstring>

@@ -1,4 +1,4 @@
-#include "app/area_extension.h"
+#include "app/request/area_extension.h"
 
 #include <algorithm>
 #include <limits>

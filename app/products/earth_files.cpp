@@ -1,4 +1,4 @@
-#include "app/earth_files.h"
+#include "app/products/earth_files.h"
 
 #include "lib/baselib/logging/logging.h"
 #include "simulation/perturbation_file.h"

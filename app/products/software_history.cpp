@@ -1,4 +1,4 @@
-#include "app/software_history.h"
+#include "app/products/software_history.h"
 
 #include <algorithm>
 #include <climits>

@@ -1,4 +1,4 @@
-#include "app/product_paths.h"
+#include "app/request/product_paths.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
