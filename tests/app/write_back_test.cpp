@@ -1,32 +1,19 @@
 #include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <string>
 
 #include "app/products/pool_write_back.h"
 #include "app/products/software_history.h"
 #include "lib/baselib/pool/pool_errors.h"
+#include "tests/kit/temporary_folder.h"
 
 namespace {
-
-std::string Content(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 /// Two pools in folders of their own, as files and as the objects of a run.
 class WriteBackTest : public testing::Test {
   protected:
     WriteBackTest() {
-        char name[] = "/tmp/write_back_test.XXXXXX";
-        folder_ = mkdtemp(name);
         for (const char* pool : {"log", "insar"}) {
             std::filesystem::create_directory(folder_ / pool);
-            std::ofstream(folder_ / pool / "pool") << "# first line\nvalue INT_32 1\n";
+            Write(folder_ / pool / "pool", "# first line\nvalue INT_32 1\n");
         }
         insar_pool_.Open(folder_ / "insar" / "pool");
         log_pool_.own = std::make_unique<PARAMETER_POOL_READ_WRITE_CHANGE>(folder_ / "log" / "pool");
@@ -34,9 +21,9 @@ class WriteBackTest : public testing::Test {
         insar_pool_.Change("value", 2);
         log_pool_.pool->Change("value", 3);
     }
-    ~WriteBackTest() override { std::filesystem::remove_all(folder_); }
 
-    std::filesystem::path folder_;
+    const TEMPORARY_FOLDER scratch_;
+    const std::filesystem::path folder_ = scratch_.Path("");
     PARAMETER_POOL_READ_WRITE_CHANGE insar_pool_;
     LOG_POOL log_pool_;
 };

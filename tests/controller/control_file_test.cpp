@@ -6,7 +6,7 @@
 
 #include <thread>
 
-#include "tests/controller/temporary_folder.h"
+#include "tests/kit/temporary_folder.h"
 
 namespace {
 
@@ -18,7 +18,7 @@ class ControlFileTest : public testing::Test {
         return text;
     }
 
-    TEMPORARY_FOLDER folder_;
+    WORKING_FOLDER folder_;
     CONTROL_FILE file_;
 };
 

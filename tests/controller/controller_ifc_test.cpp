@@ -9,7 +9,7 @@
 #include <tuple>
 
 #include "lib/baselib/logging/logging.h"
-#include "tests/controller/temporary_folder.h"
+#include "tests/kit/temporary_folder.h"
 
 namespace {
 
@@ -61,7 +61,7 @@ class ControllerTest : public testing::Test {
         return Content("value");
     }
 
-    TEMPORARY_FOLDER folder_;
+    WORKING_FOLDER folder_;
     std::string temporary_log_;
 };
 

@@ -9,7 +9,7 @@
 #include <thread>
 
 #include "lib/baselib/logging/logging.h"
-#include "tests/controller/temporary_folder.h"
+#include "tests/kit/temporary_folder.h"
 
 namespace {
 
@@ -31,7 +31,7 @@ class FatalSignalsTest : public testing::Test {
         EXPECT_FALSE(std::filesystem::exists("OK"));
     }
 
-    TEMPORARY_FOLDER folder_;
+    WORKING_FOLDER folder_;
 };
 
 TEST_F(FatalSignalsTest, EachSignalOfTheListHasItsTwoLinesAndOthersKeepTheirAction) {

@@ -4,7 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "tests/controller/temporary_folder.h"
+#include "tests/kit/temporary_folder.h"
 
 namespace {
 
@@ -24,7 +24,7 @@ const OBSTACLE kObstacles[] = {
 TEST(WriteStatusFile, HoldsTheDigitWhateverStoodThere) {
     for (const OBSTACLE& obstacle : kObstacles) {
         SCOPED_TRACE(obstacle.name);
-        const TEMPORARY_FOLDER folder;
+        const WORKING_FOLDER folder;
         Write("victim", "precious");
         obstacle.place();
         EXPECT_TRUE(WriteStatusFile("ERROR.x", '1'));
@@ -36,14 +36,14 @@ TEST(WriteStatusFile, HoldsTheDigitWhateverStoodThere) {
 }
 
 TEST(WriteStatusFile, TellsWhenItCannot) {
-    const TEMPORARY_FOLDER folder;
+    const WORKING_FOLDER folder;
     std::filesystem::create_directories("ERROR.x/full");
     EXPECT_FALSE(WriteStatusFile("ERROR.x", '1')) << "a folder of this name";
     EXPECT_FALSE(WriteStatusFile("nowhere/ERROR.x", '1'));
 }
 
 TEST(StatusFiles, AreRewrittenInPlaceAndRemovedByName) {
-    const TEMPORARY_FOLDER folder;
+    const WORKING_FOLDER folder;
     Write("ERROR.x", "0");
     struct stat before = {};
     struct stat after = {};

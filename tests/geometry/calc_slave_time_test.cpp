@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "geometry/constants.h"
-#include "tests/geometry/orbit_from_motion.h"
-#include "tests/time/log_capture.h"
+#include "tests/kit/log_capture.h"
+#include "tests/kit/orbit_pools.h"
 
 namespace {
 

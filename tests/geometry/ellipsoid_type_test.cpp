@@ -8,7 +8,7 @@
 
 #include "lib/baselib/pool/parameter_pool.h"
 #include "lib/baselib/pool/pool_errors.h"
-#include "tests/time/log_capture.h"
+#include "tests/kit/log_capture.h"
 
 namespace {
 

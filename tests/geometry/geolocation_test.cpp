@@ -7,8 +7,8 @@
 #include "geometry/constants.h"
 #include "geometry/geolocation_fast.h"
 #include "lib/baselib/errors/error_exception.h"
-#include "tests/geometry/circular_orbit.h"
-#include "tests/time/log_capture.h"
+#include "tests/kit/circular_orbit.h"
+#include "tests/kit/log_capture.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include <functional>
 
-#include "tests/time/log_capture.h"
+#include "tests/kit/log_capture.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <random>
 
-#include "tests/geometry/circular_orbit.h"
+#include "tests/kit/circular_orbit.h"
 
 namespace {
 

@@ -15,7 +15,9 @@
 
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/image/mem_mgr.h"
-#include "tests/image/image_files.h"
+#include "tests/kit/hexadecimal.h"
+#include "tests/kit/log_capture.h"
+#include "tests/kit/temporary_folder.h"
 
 namespace {
 
@@ -23,7 +25,7 @@ constexpr long long kGib = 1LL << 30;
 
 /// A file of this header, then nothing but zeros up to the size.
 void WriteSparseFile(const std::string& path, const std::string& header, long long bytes) {
-    WriteFile(path, Bytes(header));
+    Write(path, Bytes(header));
     ASSERT_EQ(0, truncate(path.c_str(), bytes)) << std::strerror(errno);
 }
 
@@ -36,7 +38,7 @@ std::string BytesAt(const std::string& path, long long offset, std::size_t count
 }
 
 TEST(LargeImage, AFileOfMoreThan4GibIsMappedAndReached) {
-    const SCRATCH_FOLDER folder;
+    const TEMPORARY_FOLDER folder(true);
     const std::string path = folder.Path("sparse");
     // 40000 x 40000 pixels of 4 bytes: 6.4e9; the length word can not tell it.
     const long long size = 32 + 4 * 40000LL * 40000LL;
@@ -60,7 +62,7 @@ TEST(LargeImage, AFileOfMoreThan4GibIsMappedAndReached) {
 }
 
 TEST(LargeImage, BetweenTwoAndFourGibAreSaved) {
-    const SCRATCH_FOLDER folder;
+    const TEMPORARY_FOLDER folder(true);
     const std::string path = folder.Path("image");
     if (std::filesystem::space(folder.Path("")).available < 8ULL * kGib) GTEST_SKIP() << "needs 8 GiB on " << path;
     MEM_MGR image;
@@ -84,11 +86,11 @@ TEST(LargeImage, BetweenTwoAndFourGibAreSaved) {
 }
 
 TEST(LargeImage, MoreThan4GibAreRefusedBeforeAnythingIsWritten) {
-    const SCRATCH_FOLDER folder;
+    const TEMPORARY_FOLDER folder(true);
     const std::string path = folder.Path("image");
     MEM_MGR image;
     image.Allocate(0, 0, 65535, 65535, PIXEL_TYPE::U_INT_8);  // one byte more than a word counts
-    EXPECT_THAT(LogOf([&] { EXPECT_THROW(image.SaveSunRasterFile(path, 0666), ERROR_IMAGE); }),
+    EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(image.SaveSunRasterFile(path, 0666), ERROR_IMAGE); }),
                 testing::HasSubstr(path + ": a raster file can not hold 65536 x 65536 pixels"));
     EXPECT_FALSE(std::filesystem::exists(path));
 }

@@ -14,7 +14,9 @@
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/image/system_error_text.h"
 #include "lib/baselib/logging/logging.h"
-#include "tests/image/image_files.h"
+#include "tests/kit/hexadecimal.h"
+#include "tests/kit/log_capture.h"
+#include "tests/kit/temporary_folder.h"
 
 /// Reaches the cases that no caller can reach: a pixel type that was damaged in memory.
 class MEM_MGR_TEST_PEER {
@@ -29,7 +31,7 @@ using testing::HasSubstr;
 constexpr long long kMost = std::numeric_limits<long long>::max();
 
 TEST(MemMgr, AnEmptyImageHasNothingAndItsDestructionLogsNothing) {
-    const std::string log = LogOf([] {
+    const std::string log = LoggedBy([] {
         MEM_MGR image;
         EXPECT_EQ("others", image.DataType().Text());
         EXPECT_EQ(0, image.DataType().Size());
@@ -80,15 +82,15 @@ TEST(MemMgr, RowTableHasTheImagesOwnOrigin) {
 
 TEST(MemMgr, RefusesPixelTypesUnknownOrNotItsOwn) {
     MEM_MGR image;
-    EXPECT_THAT(LogOf([&] { EXPECT_THROW(image.GetNumRecMatrix<float>(), ERROR_MEMORY); }),
+    EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(image.GetNumRecMatrix<float>(), ERROR_MEMORY); }),
                 HasSubstr("MEM_MGR: no memory allocated for GetNumRecMatrix()"));
     for (const unsigned number : {0U, 13U}) {
         const auto type = static_cast<PIXEL_TYPE>(number);
         EXPECT_EQ("ALARM : global : MEM_MGR: unknown pixeltype\n",
-                  LogOf([&] { EXPECT_THROW(image.Allocate(0, 0, 1, 1, type), ERROR_NOT_SUPPORTED_PIXEL_TYPE); }));
+                  LoggedBy([&] { EXPECT_THROW(image.Allocate(0, 0, 1, 1, type), ERROR_NOT_SUPPORTED_PIXEL_TYPE); }));
     }
     image.Allocate(0, 0, 3, 3, PIXEL_TYPE::FLT_6);
-    EXPECT_THAT(LogOf([&] { EXPECT_THROW(image.GetNumRecMatrix<double>(), ERROR_NOT_SUPPORTED_PIXEL_TYPE); }),
+    EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(image.GetNumRecMatrix<double>(), ERROR_NOT_SUPPORTED_PIXEL_TYPE); }),
                 HasSubstr("\"flt_6\", asked for as \"flt_15\""));
 }
 
@@ -132,18 +134,18 @@ TEST(MemMgr, CopyIsDeepAndTakesTheColourMap) {
 }
 
 TEST(MemMgr, FlushReportsEveryErrorOfMsync) {
-    const SCRATCH_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     MEM_MGR image;
     image.CreateFile(folder.Path("a"), 5000, 3, PIXEL_TYPE::U_INT_8);
     image.Flush(MS_SYNC);
     EXPECT_EQ(
         "ALARM : global : MEM_MGR: msync error ..\n"
         "ALARM : global : EINVAL: addr is not a multiple of the page size or wrong flag ..\n",
-        LogOf([&] { EXPECT_THROW(image.Flush(MS_SYNC | MS_ASYNC), ERROR_CAN_NOT_MSYNC); }));
+        LoggedBy([&] { EXPECT_THROW(image.Flush(MS_SYNC | MS_ASYNC), ERROR_CAN_NOT_MSYNC); }));
     const auto page = static_cast<std::size_t>(getpagesize());
     std::byte* const start = image.Data() - image.HeaderSize();
     ASSERT_EQ(0, munmap(start, page));
-    EXPECT_THAT(LogOf([&] { EXPECT_THROW(image.Flush(MS_SYNC), ERROR_CAN_NOT_MSYNC); }),
+    EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(image.Flush(MS_SYNC), ERROR_CAN_NOT_MSYNC); }),
                 HasSubstr("ENOMEM: Addresses"));
     ASSERT_EQ(start,
               mmap(start, page, PROT_READ, MAP_FIXED | MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));  // no hole for others

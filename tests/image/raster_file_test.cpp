@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/mman.h>
-#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -15,7 +14,9 @@
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/image/mem_mgr.h"
 #include "lib/baselib/image/system_error_text.h"
-#include "tests/image/image_files.h"
+#include "tests/kit/hexadecimal.h"
+#include "tests/kit/log_capture.h"
+#include "tests/kit/temporary_folder.h"
 
 namespace {
 
@@ -54,7 +55,7 @@ std::string ExpectedFile(const PIXEL_CASE& c, const std::string& pixels) {
 }
 
 TEST(RasterFile, EveryPixelTypeIsSavedMappedAndCopiedByteForByte) {
-    const SCRATCH_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     for (const PIXEL_CASE& c : kPixelCases) {
         SCOPED_TRACE(c.data_type);
         MEM_MGR image;
@@ -67,7 +68,7 @@ TEST(RasterFile, EveryPixelTypeIsSavedMappedAndCopiedByteForByte) {
 
         const std::string path = folder.Path(c.data_type);
         image.SaveSunRasterFile(path, 0666);
-        ASSERT_EQ(ExpectedFile(c, pixels), FileBytes(path));
+        ASSERT_EQ(ExpectedFile(c, pixels), Content(path));
 
         MEM_MGR mapped;
         mapped.MapFile(path, ACCESS_MODE::READ_ONLY, c.pixel_type);
@@ -90,42 +91,42 @@ TEST(RasterFile, TheWorkedExampleOfTheDocumentIsWhatTheProgramWritesAndReads) {
     }
     example.erase(std::remove(example.begin(), example.end(), '|'), example.end());
     ASSERT_NE("", example);
-    const SCRATCH_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     const std::string path = folder.Path("example.ras");
-    WriteFile(path, Bytes(example));
+    Write(path, Bytes(example));
     MEM_MGR image;
     image.MapInt16(path, ACCESS_MODE::READ_ONLY);
     ASSERT_EQ(2, image.Columns());
     EXPECT_EQ(1, image.GetNumRecMatrix<std::int16_t>()[0][0]);
     EXPECT_EQ(-2, image.GetNumRecMatrix<std::int16_t>()[0][1]);
     image.SaveSunRasterFile(folder.Path("again.ras"), 0666);
-    EXPECT_EQ(Bytes(example), FileBytes(folder.Path("again.ras")));
+    EXPECT_EQ(Bytes(example), Content(folder.Path("again.ras")));
 }
 
 TEST(RasterFile, AnImageWithoutPixelsIsABareHeader) {
-    const SCRATCH_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     const std::string path = folder.Path("empty");
     const std::string expected = Bytes("59a66a95 00000000 00000003 00000040 00000000 00000062 00000000 00000000");
     MEM_MGR image;
     image.Allocate(0, 0, -1, 2, PIXEL_TYPE::FLT_15);
     image.SaveSunRasterFile(path, 0666);
-    EXPECT_EQ(expected, FileBytes(path));
+    EXPECT_EQ(expected, Content(path));
     image.MapFlt15(path, ACCESS_MODE::READ_ONLY);
     EXPECT_EQ(0, image.Columns());
     EXPECT_EQ(3, image.Rows());
     const auto map = [&] { image.MapFileChecked(path, ACCESS_MODE::READ_ONLY, PIXEL_TYPE::FLT_15); };
-    EXPECT_THAT(LogOf([&] { EXPECT_THROW(map(), ERROR_IMAGE); }), HasSubstr(path + ": the image has no pixels"));
+    EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(map(), ERROR_IMAGE); }), HasSubstr(path + ": the image has no pixels"));
     image.CreateFile(path, 0, 3, PIXEL_TYPE::FLT_15);
     image.Flush(MS_SYNC);
-    EXPECT_EQ(expected, FileBytes(path));
+    EXPECT_EQ(expected, Content(path));
 }
 
 TEST(RasterFile, AColourMapLiesBetweenHeaderAndPixels) {
-    const SCRATCH_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     const std::string path = folder.Path("colours");
     // 7 bytes: three parts of 2, one byte left over.
-    WriteFile(path, Bytes("59a66a95 00000002 00000001 00000008 00000002 00000001 00000001 00000007"
-                          "0102 0304 0506 07 aabb"));
+    Write(path, Bytes("59a66a95 00000002 00000001 00000008 00000002 00000001 00000001 00000007"
+                      "0102 0304 0506 07 aabb"));
     MEM_MGR image;
     image.MapUInt8(path, ACCESS_MODE::READ_ONLY);
     EXPECT_EQ(39, image.HeaderSize());
@@ -139,7 +140,7 @@ TEST(RasterFile, AColourMapLiesBetweenHeaderAndPixels) {
     EXPECT_EQ(COLOUR_MAP_OWNER::ARRAY_DELETE, copy.ColourMap().owner);
     EXPECT_EQ(4, copy.ColourMap().green[1]);
     // Wider pixels at an odd byte: mapped and copied, but no pointer to them is given out.
-    WriteFile(path, Bytes("59a66a95 00000001 00000001 00000010 00000002 00000001 00000001 00000003 010203 aabb"));
+    Write(path, Bytes("59a66a95 00000001 00000001 00000010 00000002 00000001 00000001 00000003 010203 aabb"));
     image.MapInt16(path, ACCESS_MODE::READ_ONLY);
     EXPECT_THROW(image.GetNumRecMatrix<std::int16_t>(), ERROR_IMAGE);
     MEM_MGR aligned(image);
@@ -162,20 +163,20 @@ TEST(RasterFile, OnlyWidthHeightAndMapLengthDecideWhetherAFileIsMapped) {
         {"a row too many", "59a66a95 00000001 00000004 00000010 00000006 00000001 00000000 00000000", nullptr},
         {"a byte too many", "59a66a95 00000001 00000003 00000010 00000006 00000001 00000001 00000001", nullptr},
         {"map of 4 GiB", "59a66a95 00000001 00000003 00000010 00000006 00000001 00000001 ffffffff", nullptr}};
-    const SCRATCH_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     const std::string path = folder.Path("file");
     for (const CASE& c : cases) {
         SCOPED_TRACE(c.name);
-        WriteFile(path, Bytes(std::string(c.file) + kPixels));
+        Write(path, Bytes(std::string(c.file) + kPixels));
         MEM_MGR image;
         const auto map = [&] { image.MapFile(path, ACCESS_MODE::READ_WRITE, PIXEL_TYPE::INT_16); };
         const auto map_checked = [&] { image.MapFileChecked(path, ACCESS_MODE::READ_ONLY, PIXEL_TYPE::INT_16); };
         if (c.log != nullptr) {
-            EXPECT_THAT(LogOf(map), Not(HasSubstr(path)));
+            EXPECT_THAT(LoggedBy(map), Not(HasSubstr(path)));
             EXPECT_EQ(3, image.Rows());
-            EXPECT_THAT(LogOf(map_checked), HasSubstr(c.log));
+            EXPECT_THAT(LoggedBy(map_checked), HasSubstr(c.log));
         } else {
-            EXPECT_THAT(LogOf([&] { EXPECT_THROW(map(), ERROR_IMAGE); }), HasSubstr(path + ": too short"));
+            EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(map(), ERROR_IMAGE); }), HasSubstr(path + ": too short"));
             EXPECT_THROW(map_checked(), ERROR_IMAGE);
             EXPECT_EQ(STORAGE_STATE::EMPTY, image.Storage());
         }
@@ -183,27 +184,27 @@ TEST(RasterFile, OnlyWidthHeightAndMapLengthDecideWhetherAFileIsMapped) {
 }
 
 TEST(RasterFile, MappingFailures) {
-    const SCRATCH_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     const std::string missing = folder.Path("missing");
     MEM_MGR image;
     EXPECT_EQ(
         "DEBUG : global : map file with access mode 2\nDEBUG : global : map file with prot flag 3\n"
-        "\033[7mALARM : global : MEM_MGR: can not open: " +
+        "ALARM : global : MEM_MGR: can not open: " +
             missing +
-            "\n\033[0m"
-            "\033[7mALARM : global : ENOENT: see: man page of open\n\033[0m"
-            "\033[7mALARM : global : " +
-            missing + ": No such file or directory\n\033[0m",
-        LogOf([&] { EXPECT_THROW(image.MapRgb(missing, ACCESS_MODE::READ_WRITE), ERROR_CAN_NOT_OPEN_FILE); }));
+            "\n"
+            "ALARM : global : ENOENT: see: man page of open\n"
+            "ALARM : global : " +
+            missing + ": No such file or directory\n",
+        LoggedBy([&] { EXPECT_THROW(image.MapRgb(missing, ACCESS_MODE::READ_WRITE), ERROR_CAN_NOT_OPEN_FILE); }));
     ASSERT_EQ(0, mkfifo(folder.Path("fifo").c_str(), 0600));
-    WriteFile(folder.Path("short"), std::string(31, 'x'));
-    WriteFile(folder.Path("file"), Bytes("59a66a95 00000000 00000000 00000010 00000000 00000001 00000000 00000000"));
+    Write(folder.Path("short"), std::string(31, 'x'));
+    Write(folder.Path("file"), Bytes("59a66a95 00000000 00000000 00000010 00000000 00000001 00000000 00000000"));
     const std::pair<std::string, ACCESS_MODE> unreadable[] = {{folder.Path("short"), ACCESS_MODE::READ_ONLY},
                                                               {folder.Path("fifo"), ACCESS_MODE::READ_ONLY},
                                                               {folder.Path(""), ACCESS_MODE::READ_ONLY},
                                                               {folder.Path("file"), ACCESS_MODE::WRITE_ONLY}};
     for (const auto& [path, mode] : unreadable) {
-        EXPECT_THAT(LogOf([&] { EXPECT_THROW(image.MapUInt8(path, mode), ERROR_CAN_NOT_READ_FILE); }),
+        EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(image.MapUInt8(path, mode), ERROR_CAN_NOT_READ_FILE); }),
                     HasSubstr("MEM_MGR: can not read header from: " + path + "\n"));
     }
 }
@@ -215,83 +216,82 @@ TEST(RasterFile, OpenErrorsHaveTheirLines) {
 }
 
 TEST(RasterFile, OutputsReplaceFilesAndFollowLinks) {
-    const SCRATCH_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     const mode_t mask = umask(0027);
     MEM_MGR image;
     image.Allocate(0, 0, 1, 1, PIXEL_TYPE::INT_16);
     const std::string target = folder.Path("target");
     ASSERT_EQ(0, symlink("target", folder.Path("link").c_str()));
-    WriteFile(folder.Path("created"), std::string(5000, 'x'));
+    Write(folder.Path("created"), std::string(5000, 'x'));
     for (int pass = 0; pass < 2; ++pass) {
         image.SaveSunRasterFile(folder.Path("link"), 0666);
-        EXPECT_EQ(40U, FileBytes(target).size());
+        EXPECT_EQ(40U, Content(target).size());
         EXPECT_TRUE(std::filesystem::is_symlink(folder.Path("link")));
         struct stat status {};
         ASSERT_EQ(0, stat(target.c_str(), &status));
         EXPECT_EQ(0640U, status.st_mode & 0777U);
-        WriteFile(target, std::string(5000, 'x'));
+        Write(target, std::string(5000, 'x'));
     }
     MEM_MGR created;
     created.CreateFile(folder.Path("created"), 2, 2, PIXEL_TYPE::INT_16);
     created.GetNumRecMatrix<std::int16_t>()[1][1] = 0x0102;
     created.Free();
     EXPECT_EQ(Bytes("59a66a95 00000002 00000002 00000010 00000008 00000001 00000000 00000000 0000 0000 0000 0201"),
-              FileBytes(folder.Path("created")));
+              Content(folder.Path("created")));
     umask(mask);
 }
 
 TEST(RasterFile, OutputFailuresNameThePathAndDamageNothing) {
-    const SCRATCH_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     const std::string plain = folder.Path("plain");
-    WriteFile(plain, "user's own");
+    Write(plain, "user's own");
     ASSERT_EQ(0, mkfifo(folder.Path("fifo").c_str(), 0600));
     MEM_MGR image;
     image.Allocate(0, 0, 9, 9, PIXEL_TYPE::U_INT_8);
     for (const std::string& path : {plain + "/below", folder.Path("no/folder"), folder.Path(""), folder.Path("fifo")}) {
         SCOPED_TRACE(path);
-        EXPECT_THAT(LogOf([&] { EXPECT_THROW(image.SaveSunRasterFile(path, 0666), ERROR_CAN_NOT_OPEN_FILE); }),
+        EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(image.SaveSunRasterFile(path, 0666), ERROR_CAN_NOT_OPEN_FILE); }),
                     HasSubstr("MEM_MGR: can not open: " + path + "\n"));
         const auto create = [&] { MEM_MGR().CreateFile(path, 9, 9, PIXEL_TYPE::U_INT_8); };
-        EXPECT_THAT(LogOf([&] { EXPECT_THROW(create(), ERROR_CAN_NOT_CREATE_FILE); }),
+        EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(create(), ERROR_CAN_NOT_CREATE_FILE); }),
                     testing::AllOf(HasSubstr("creating file with dimensions 9 x 9: " + path), HasSubstr(path + ": ")));
     }
-    EXPECT_THAT(LogOf([&] { EXPECT_THROW(image.SaveSunRasterFile("/dev/full", 0666), ERROR_CAN_NOT_WRITE_FILE); }),
+    EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(image.SaveSunRasterFile("/dev/full", 0666), ERROR_CAN_NOT_WRITE_FILE); }),
                 HasSubstr("MEM_MGR: can not save header for /dev/full\n"));
-    EXPECT_THAT(LogOf([&] { EXPECT_THROW(MEM_MGR().SaveSunRasterFile(plain, 0666), ERROR_ALGORITHM); }),
+    EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(MEM_MGR().SaveSunRasterFile(plain, 0666), ERROR_ALGORITHM); }),
                 HasSubstr("MEM_MGR: unknown data type\n"));
-    EXPECT_EQ("user's own", FileBytes(plain));
+    EXPECT_EQ("user's own", Content(plain));
 
     const std::string own = folder.Path("own");
     image.SaveSunRasterFile(own, 0666);
     ASSERT_EQ(0, link(own.c_str(), folder.Path("other name").c_str()));
     image.MapUInt8(own, ACCESS_MODE::READ_ONLY);
     EXPECT_THROW(image.SaveSunRasterFile(folder.Path("other name"), 0666), ERROR_CAN_NOT_OPEN_FILE);
-    EXPECT_EQ(132U, FileBytes(own).size());
+    EXPECT_EQ(132U, Content(own).size());
 }
 
 TEST(RasterFile, SizesBeyondTheHeadersWordsAreRefusedBeforeAnythingIsCreated) {
-    const SCRATCH_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     const std::string path = folder.Path("huge");
     constexpr long long kTwo32 = 1LL << 32;
     const std::pair<long long, long long> sizes[] = {
         {65536, 16384}, {kTwo32, 0}, {0, kTwo32}, {-1, 4}, {1LL << 62, 1LL << 62}};
     for (const auto& size : sizes) {
         const auto create = [&] { MEM_MGR().CreateFile(path, size.first, size.second, PIXEL_TYPE::FLT_6); };
-        EXPECT_THAT(LogOf([&] { EXPECT_THROW(create(), ERROR_IMAGE); }), HasSubstr(path + ": a raster file can not"));
+        EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(create(), ERROR_IMAGE); }),
+                    HasSubstr(path + ": a raster file can not"));
         EXPECT_FALSE(std::filesystem::exists(path));
     }
 }
 
 TEST(RasterFile, AFullDiskIsAnErrorBeforeAnyPixelIsTouched) {
-    const SCRATCH_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     std::filesystem::create_directory(folder.Path("disk"));
-    if (mount("none", folder.Path("disk").c_str(), "tmpfs", 0, "size=1m") != 0) {
-        GTEST_SKIP() << "no right to mount a small disk: " << std::strerror(errno);
-    }
+    if (!MountSmallDisk(folder.Path("disk"), "size=1m")) GTEST_SKIP() << "no right to mount a small disk";
     const std::string path = folder.Path("disk/image");
     MEM_MGR image;
     EXPECT_THAT(
-        LogOf([&] { EXPECT_THROW(image.CreateFile(path, 1024, 1024, PIXEL_TYPE::INT_16), ERROR_NO_DISK_SPACE); }),
+        LoggedBy([&] { EXPECT_THROW(image.CreateFile(path, 1024, 1024, PIXEL_TYPE::INT_16), ERROR_NO_DISK_SPACE); }),
         HasSubstr(path + ": no room for an image of 1024 x 1024 pixels, 2097184 bytes: No space left on device"));
     EXPECT_FALSE(std::filesystem::exists(path)) << "the file of a failed creation is removed";
     ASSERT_EQ(0, symlink("target", path.c_str()));
@@ -300,9 +300,9 @@ TEST(RasterFile, AFullDiskIsAnErrorBeforeAnyPixelIsTouched) {
     EXPECT_FALSE(std::filesystem::exists(folder.Path("disk/target")));
 
     image.Allocate(0, 0, 1023, 1023, PIXEL_TYPE::INT_16);
-    EXPECT_THAT(LogOf([&] { EXPECT_THROW(image.SaveSunRasterFile(path, 0666), ERROR_CAN_NOT_WRITE_FILE); }),
+    EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(image.SaveSunRasterFile(path, 0666), ERROR_CAN_NOT_WRITE_FILE); }),
                 HasSubstr("MEM_MGR: unable to write into: " + path + "\n"));
-    EXPECT_GT(FileBytes(path).size(), 500000U) << "what was written stays";
+    EXPECT_GT(Content(path).size(), 500000U) << "what was written stays";
     umount(folder.Path("disk").c_str());
 }
 
@@ -310,9 +310,9 @@ TEST(RasterFileDeathTest, AFailedMmapHasItsLines) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     GTEST_SKIP() << "a sanitizer can not live with little address space";
 #endif
-    const SCRATCH_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     const std::string path = folder.Path("large");
-    WriteFile(path, Bytes("59a66a95 00010000 00004000 00000008 00000000 00000001 00000000 00000000"));
+    Write(path, Bytes("59a66a95 00010000 00004000 00000008 00000000 00000001 00000000 00000000"));
     ASSERT_EQ(0, truncate(path.c_str(), 32 + (1LL << 30)));
     const auto map_in_little_memory = [&] {
         dup2(STDERR_FILENO, STDOUT_FILENO);

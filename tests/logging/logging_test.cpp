@@ -5,54 +5,35 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <thread>
 #include <vector>
+
+#include "tests/kit/log_capture.h"
+#include "tests/kit/temporary_folder.h"
 
 namespace {
 
 using testing::ElementsAre;
 using testing::EndsWith;
 
-std::string Content(const std::string& path) {
-    std::ifstream file(path);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
 /// A log of its own for each test, in a folder of its own.
 class LoggingTest : public testing::Test {
   protected:
-    LoggingTest() {
-        char name[] = "/tmp/logging_test.XXXXXX";
-        folder_ = mkdtemp(name);
-        temporary_ = LOGGING::Request().LogFileName();
-    }
+    LoggingTest() : temporary_(LOGGING::Request().LogFileName()) {}
     ~LoggingTest() override {
         LOGGING::Release();
         if (!temporary_.empty()) unlink(temporary_.c_str());
-        std::filesystem::remove_all(folder_);
-    }
-
-    /// What the action writes to the screen.
-    template <class ACTION>
-    static std::string Screen(ACTION action) {
-        testing::internal::CaptureStdout();
-        action();
-        return testing::internal::GetCapturedStdout();
     }
 
     /// Names a final log file and gives its path.
     std::string UseFile() {
-        const std::string path = folder_ + "/log.test";
+        const std::string path = folder_.Path("log.test");
         Log().SetLogFile(path);
         return path;
     }
 
-    std::string folder_;
+    TEMPORARY_FOLDER folder_;
     std::string temporary_;  ///< the log file of the creation
 };
 
@@ -75,7 +56,7 @@ TEST_F(LoggingTest, EachLevelHasItsTagAndItsEmphasisOnTheScreenOnly) {
     std::string file;
     for (const CASE& c : cases) {
         const std::string end = c.emphasis.empty() ? "" : "\033[0m";
-        EXPECT_EQ(Screen([&c] { Log().Message(c.level, "%d", 7); }), c.emphasis + c.file + end);
+        EXPECT_EQ(ScreenOf([&c] { Log().Message(c.level, "%d", 7); }), c.emphasis + c.file + end);
         file += c.file;
     }
     EXPECT_EQ(Content(path), file);
@@ -85,7 +66,7 @@ TEST_F(LoggingTest, ThresholdsFilterScreenAndFileApart) {
     const std::string path = UseFile();
     Log().SetScreenThreshold(static_cast<int>(LOGGING_LEVEL::ALARM));
     Log().SetFileThreshold(static_cast<int>(LOGGING_LEVEL::WARNING));
-    const std::string screen = Screen([] {
+    const std::string screen = ScreenOf([] {
         Log().Message(LOGGING_LEVEL::EXCEPTION, "loud");
         Log() << LOGGING_LEVEL::WARNING << "streamed\n" << LOGGING_LEVEL::INFO << "not streamed\n";
     });
@@ -95,7 +76,7 @@ TEST_F(LoggingTest, ThresholdsFilterScreenAndFileApart) {
 
 TEST_F(LoggingTest, StreamFormWritesValuesWithoutEmphasis) {
     const std::string path = UseFile();
-    const std::string screen = Screen([] {
+    const std::string screen = ScreenOf([] {
         Log() << LOGGING_LEVEL::ALARM << std::string("a\nb") << ' ' << -3 << ' ' << 18'446'744'073'709'551'615ULL
               << "\n";
         Log() << LOGGING_LEVEL::INFO << 0.25 << static_cast<const char*>(nullptr) << "a null text ends the screen's\n";
@@ -105,7 +86,7 @@ TEST_F(LoggingTest, StreamFormWritesValuesWithoutEmphasis) {
 }
 
 TEST_F(LoggingTest, AValueCannotForgeALine) {
-    EXPECT_EQ(Screen([] { Log().Message(LOGGING_LEVEL::INFO, "value %s", "x\nALARM : global : \033[7m%n"); }),
+    EXPECT_EQ(ScreenOf([] { Log().Message(LOGGING_LEVEL::INFO, "value %s", "x\nALARM : global : \033[7m%n"); }),
               "INFO  : global : value x\\x0AALARM : global : \\x1B[7m%n\n");
 }
 
@@ -123,8 +104,8 @@ TEST_F(LoggingTest, TheTemporaryFileMovesIntoTheFinalOneBehindItsOldContent) {
     struct stat status = {};
     ASSERT_EQ(stat(temporary_.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777, 0600U) << "nobody else writes into it";
-    const std::string path = folder_ + "/log.x";
-    std::ofstream(path) << "yesterday\n";
+    const std::string path = folder_.Path("log.x");
+    Write(path, "yesterday\n");
     Log().Message(LOGGING_LEVEL::INFO, "early");
     for (int i = 0; i < 2; ++i) Log().SetLogFile(path);
     Log().Message(LOGGING_LEVEL::INFO, "late");
@@ -135,10 +116,10 @@ TEST_F(LoggingTest, TheTemporaryFileMovesIntoTheFinalOneBehindItsOldContent) {
 }
 
 TEST_F(LoggingTest, WithoutALogFileTheScreenStays) {
-    const std::string path = folder_ + "/no such folder/log";
-    EXPECT_EQ(Screen([&path] { Log().SetLogFile(path); }),
+    const std::string path = folder_.Path("no such folder/log");
+    EXPECT_EQ(ScreenOf([&path] { Log().SetLogFile(path); }),
               "ALARM : global :  :   can not open logging file: " + path + "\n");
-    EXPECT_EQ(Screen([] { Log().Message(LOGGING_LEVEL::INFO, "late"); }), "INFO  : global : late\n");
+    EXPECT_EQ(ScreenOf([] { Log().Message(LOGGING_LEVEL::INFO, "late"); }), "INFO  : global : late\n");
 }
 
 TEST_F(LoggingTest, HeaderEndsWithItsStarter) {
@@ -155,7 +136,7 @@ TEST_F(LoggingTest, HeaderEndsWithItsStarter) {
 TEST_F(LoggingTest, PrefixCaptureAndQaFlag) {
     EXPECT_FALSE(Log().QaWarningLogged());
     Log().SetPrefix("job 7");
-    EXPECT_EQ(Screen([] { Log().Message(LOGGING_LEVEL::INFO, "before"); }), "INFO  : job 7 : before\n");
+    EXPECT_EQ(ScreenOf([] { Log().Message(LOGGING_LEVEL::INFO, "before"); }), "INFO  : job 7 : before\n");
     Log().SetCapture(true);
     Log().Message(LOGGING_LEVEL::INFO, "kept %d", 1);
     Log().Message(LOGGING_LEVEL::QA_WARNING, "kept %d", 2);
@@ -167,7 +148,7 @@ TEST_F(LoggingTest, PrefixCaptureAndQaFlag) {
 
 TEST_F(LoggingTest, ThreadsLogWholeMessages) {
     const std::string path = UseFile();
-    Screen([] {
+    ScreenOf([] {
         std::vector<std::thread> threads;
         for (int i = 0; i < 8; ++i)
             threads.emplace_back([i] {

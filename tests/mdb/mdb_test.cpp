@@ -1,15 +1,10 @@
 #include "lib/baselib/mdb/mdb.h"
 
 #include <gmock/gmock.h>
-#include <sys/mount.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-
-#include "tests/time/log_capture.h"
+#include "tests/kit/log_capture.h"
+#include "tests/kit/temporary_folder.h"
 
 namespace {
 
@@ -25,19 +20,11 @@ MDB_RECORD TypeOf(const std::vector<std::pair<std::string, RECORD_ITEM_TYPE>>& i
 /// A directory of its own for each test, removed afterwards.
 class MdbTest : public testing::Test {
   protected:
-    MdbTest() {
-        char name[] = "/tmp/mdb_test.XXXXXX";
-        root_ = mkdtemp(name);
-    }
-    ~MdbTest() override { fs::remove_all(root_); }
+    void WriteFile(const std::string& name, const std::string& text) { folder_.Make(text, name); }
+    std::string ReadFile(const std::string& name) { return Content(folder_.Path(name)); }
 
-    void WriteFile(const std::string& name, const std::string& text) { std::ofstream(root_ + "/" + name) << text; }
-    std::string ReadFile(const std::string& name) {
-        std::ostringstream text;
-        text << std::ifstream(root_ + "/" + name).rdbuf();
-        return text.str();
-    }
-    std::string root_;
+    TEMPORARY_FOLDER folder_;
+    std::string root_ = folder_.Path(".");
 };
 
 const std::string kExample =
@@ -261,8 +248,7 @@ TEST_F(MdbTest, DamagedRecordsNameFileAndPlace) {
 }
 
 TEST_F(MdbTest, AWriteThatFailsOnAFullDiskLeavesTheFileAsItWas) {
-    if (mount("none", root_.c_str(), "tmpfs", 0, "size=64k") != 0)
-        GTEST_SKIP() << "no memory file system can be mounted";
+    if (!MountSmallDisk(root_, "size=64k")) GTEST_SKIP() << "no memory file system can be mounted";
     MDB db;
     db.Open(root_, "data", MDB_OPEN_MODE::READ_WRITE);
     MDB_RECORD record = TypeOf({{"t", RECORD_ITEM_TYPE::DOUBLE}});

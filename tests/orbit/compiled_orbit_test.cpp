@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "lib/baselib/pool/parameter_pool.h"
-#include "tests/orbit/orbit_pools.h"
+#include "tests/kit/orbit_pools.h"
 
 namespace {
 

@@ -9,8 +9,8 @@
 #include "orbit/everett.h"
 #include "orbit/local_interpolation.h"
 #include "orbit/spline.h"
+#include "tests/kit/log_capture.h"
 #include "tests/orbit/closed_forms.h"
-#include "tests/time/log_capture.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 #include "lib/baselib/pool/parameter_pool.h"
 #include "orbit/local_interpolation.h"
 #include "orbit/polynom.h"
-#include "tests/orbit/orbit_pools.h"
-#include "tests/time/log_capture.h"
+#include "tests/kit/log_capture.h"
+#include "tests/kit/orbit_pools.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/pool/parameter_pool.h"
 #include "orbit/general_orbit.h"
-#include "tests/orbit/orbit_pools.h"
-#include "tests/time/log_capture.h"
+#include "tests/kit/log_capture.h"
+#include "tests/kit/orbit_pools.h"
 
 namespace {
 

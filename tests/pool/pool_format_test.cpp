@@ -7,7 +7,8 @@
 #include <limits>
 
 #include "lib/baselib/pool/parameter_pool_read_write_change.h"
-#include "tests/pool/pool_files.h"
+#include "tests/kit/log_capture.h"
+#include "tests/kit/temporary_folder.h"
 
 namespace {
 
@@ -45,7 +46,7 @@ std::vector<RECORD> Pairs() {
 template <class T>
 void CheckRoundTrip(const std::vector<T>& values) {
     SCOPED_TRACE(kPoolTypes[kPoolType<T>].text);
-    const POOL_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     PARAMETER_POOL_READ_WRITE_CHANGE writer(folder.Path());
     PARAMETER_POOL reader(folder.Path());
     const int count = static_cast<int>(values.size());
@@ -97,7 +98,7 @@ TEST(PoolFormat, EveryTypeReadsBack) {
 }
 
 TEST(PoolFormat, KeepsNanAndTheSignOfZero) {
-    const POOL_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     PARAMETER_POOL_READ_WRITE_CHANGE pool(folder.Path());
     ARRAY<double> real(0, 2);
     const std::uint64_t signaling_nan = 0x7ff4000000000000U;  // must not trap
@@ -110,7 +111,7 @@ TEST(PoolFormat, KeepsNanAndTheSignOfZero) {
 }
 
 TEST(PoolFormat, RefusesWhatItCanNotHold) {
-    const POOL_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     const std::string path = folder.Make("a INT_32 1\n");
     PARAMETER_POOL_READ_WRITE_CHANGE pool(path);
     const std::string longest(1024 - std::strlen("a STR \"\""), 'x');
@@ -126,7 +127,7 @@ TEST(PoolFormat, RefusesWhatItCanNotHold) {
         EXPECT_THROW(pool.Change(key, 1), ERROR_ARGUMENT) << key;
     EXPECT_THROW(pool.Change("a", 1, {"two\nlines"}), ERROR_ARGUMENT);
     pool.Update();
-    EXPECT_EQ(POOL_FOLDER::Content(path), "a INT_32 1\n");
+    EXPECT_EQ(Content(path), "a INT_32 1\n");
 
     pool.Change("a", longest);
     pool.Change(std::string(100, 'k'), 5);
@@ -136,9 +137,9 @@ TEST(PoolFormat, RefusesWhatItCanNotHold) {
 }
 
 TEST(PoolFormat, TheDocumentsExampleReads) {
-    const std::string document = POOL_FOLDER::Content(VELMORA_SOURCE_DIR "/docs/pools.md");
+    const std::string document = Content(VELMORA_SOURCE_DIR "/docs/pools.md");
     const std::size_t begin = document.find("```pool\n") + 8;
-    const POOL_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     PARAMETER_POOL pool(folder.Make(document.substr(begin, document.find("```", begin) - begin)));
     EXPECT_EQ(pool.Get<double>("sampling_rate"), 1.0988e8);
     EXPECT_EQ(pool.Get<TUPLE<STRING>>("window").second, STRING("2.5"));

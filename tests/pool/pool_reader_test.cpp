@@ -7,7 +7,8 @@
 
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/pool/parameter_pool_read_write_change.h"
-#include "tests/pool/pool_files.h"
+#include "tests/kit/log_capture.h"
+#include "tests/kit/temporary_folder.h"
 
 namespace {
 
@@ -16,9 +17,9 @@ using testing::HasSubstr;
 /// What reading the key "k" of this content as a T says; the message without its common beginning.
 template <class T>
 std::string Failure(const std::string& content) {
-    const POOL_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     PARAMETER_POOL pool(folder.Make(content));
-    const std::string log = LogOf([&] { (void)pool.Get<T>("k"); });
+    const std::string log = ErrorAndLogOf([&] { (void)pool.Get<T>("k"); });
     if (log.empty()) return "";
     const std::size_t key = log.find(">> k") + 4;
     return log.substr(0, log.find('\n')) + log.substr(key, log.find('\n', key) - key);
@@ -70,18 +71,18 @@ TEST(PoolReader, FailuresKeepTheirTexts) {
 }
 
 TEST(PoolReader, AFailureNamesPoolLineAndKeyAndLeavesThePoolUsable) {
-    const POOL_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     const std::string path = folder.Make("# c\na INT_32 1\nv INT_32_V 0 2\n{\n1\nx\n}\n");
     PARAMETER_POOL pool(path);
-    EXPECT_THAT(LogOf([&] { (void)pool.Get<ARRAY<int>>("v"); }),
+    EXPECT_THAT(ErrorAndLogOf([&] { (void)pool.Get<ARRAY<int>>("v"); }),
                 HasSubstr("parameter pool file " + path + ", line 6\n"));
     EXPECT_EQ(pool.Get<int>("a"), 1);
     pool.SetNotFoundLevel(LOGGING_LEVEL::NO_MESSAGE);
-    EXPECT_EQ(LogOf([&] { (void)pool.Get<int>("none"); }), "pool error - key not found\n");
+    EXPECT_EQ(ErrorAndLogOf([&] { (void)pool.Get<int>("none"); }), "pool error - key not found\n");
 }
 
 TEST(PoolReader, FindsTheFirstEntryInTheFirstColumnOnly) {
-    const POOL_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     PARAMETER_POOL pool(folder.Make(
         " indented INT_32 1\n#comment INT_32 1\n\ntwice INT_32 1\ntwice INT_32 2\n" + std::string(101, 'k') +
         " INT_32 3\ntabs\tINT_32 \t 5 # rest\n#" + std::string(1023, '-') +
@@ -98,7 +99,7 @@ TEST(PoolReader, FindsTheFirstEntryInTheFirstColumnOnly) {
 
 TEST(PoolReader, TakesEveryKindOfLineEnd) {
     for (const std::string end : {"\n", "\r\n", "\r"}) {
-        const POOL_FOLDER folder;
+        const TEMPORARY_FOLDER folder;
         PARAMETER_POOL pool(
             folder.Make("v STR_V 1 1" + end + "{" + end + "  \"x y\"" + end + "}" + end + "b BYT 2" + end));
         EXPECT_EQ(pool.Get<ARRAY<STRING>>("v")[1], STRING("x y"));
@@ -107,17 +108,18 @@ TEST(PoolReader, TakesEveryKindOfLineEnd) {
 }
 
 TEST(PoolOpening, FollowsItsOrder) {
-    const POOL_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     EXPECT_FALSE(PARAMETER_POOL(folder.Path("new.pool")).FindKey("a"));  // created empty
     EXPECT_EQ(std::filesystem::file_size(folder.Path("new.pool")), 0u);
     ASSERT_EQ(mkfifo(folder.Path("pipe").c_str(), 0600), 0);
     EXPECT_THROW(PARAMETER_POOL pool(folder.Path("pipe")), CAN_NOT_OPEN_POOL);  // reading would block for ever
     PARAMETER_POOL closed;
-    EXPECT_THAT(LogOf([&] { (void)closed.FindKey("a"); }), HasSubstr("No file pointer given for parameter pool\n"));
+    EXPECT_THAT(ErrorAndLogOf([&] { (void)closed.FindKey("a"); }),
+                HasSubstr("No file pointer given for parameter pool\n"));
 }
 
 TEST(PoolIndex, SeesWhatOthersWrite) {
-    const POOL_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     const std::string path = folder.Make("a INT_32 1\nb INT_32 2\n");
     PARAMETER_POOL reader(path);
     EXPECT_EQ(reader.Get<int>("b"), 2);
@@ -135,7 +137,7 @@ TEST(PoolIndex, SeesWhatOthersWrite) {
 TEST(PoolIndex, ServesManyLookupsInLittleTime) {
     std::string content;
     for (int i = 0; i < 100'000; ++i) content += "key_" + std::to_string(i) + " INT_32 " + std::to_string(i) + "\n";
-    const POOL_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     PARAMETER_POOL pool(folder.Make(content));
     const std::clock_t start = std::clock();  // processor time: other programs do not count
     for (int i = 0; i < 200; ++i) EXPECT_EQ(pool.Get<int>("key_" + std::to_string(99'999 - i * 499)), 99'999 - i * 499);

@@ -7,7 +7,8 @@
 #include <unistd.h>
 
 #include "lib/baselib/pool/parameter_pool_read_write_change.h"
-#include "tests/pool/pool_files.h"
+#include "tests/kit/log_capture.h"
+#include "tests/kit/temporary_folder.h"
 
 namespace {
 
@@ -15,12 +16,12 @@ using testing::HasSubstr;
 
 /// Writes the value 5 as the key "k" and returns the pool's content.
 std::string Updated(const std::string& content, const std::vector<std::string>& comments = {}) {
-    const POOL_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     const std::string path = folder.Make(content);
     PARAMETER_POOL_READ_WRITE_CHANGE pool(path);
     pool.Change("k", 5, comments);
     pool.Update();
-    return POOL_FOLDER::Content(path);
+    return Content(path);
 }
 
 TEST(PoolUpdate, ChangesTheEntrysOwnLinesOnly) {
@@ -49,7 +50,7 @@ TEST(PoolUpdate, ChangesTheEntrysOwnLinesOnly) {
 }
 
 TEST(PoolUpdate, WritesTheDocumentedLayout) {
-    const POOL_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     PARAMETER_POOL_READ_WRITE_CHANGE pool(folder.Path());
     ARRAY<COMPLEX<float>> vector(2, 1);
     vector[2] = {0.1F, -2.0F};
@@ -58,13 +59,13 @@ TEST(PoolUpdate, WritesTheDocumentedLayout) {
     pool.Change("matrix", MATRIX<short>(1, 2));
     pool.Change("late", 2.0);  // the last value counts, at the last place
     pool.Update();
-    EXPECT_EQ(POOL_FOLDER::Content(folder.Path()),
+    EXPECT_EQ(Content(folder.Path()),
               "vector CPL_6_V 2 1\n{\n    0.100000001 -2\n}\n\n"
               "matrix INT_16_M 1 2\n{\n    {\n        0\n        0\n    }\n}\n\nlate FLT_15 2\n\n");
 }
 
 TEST(PoolUpdate, KeepsTheFilesIdentityAndLeavesNothingBehind) {
-    const POOL_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     const std::string path = folder.Make("k INT_32 1\n");
     ASSERT_EQ(chmod(path.c_str(), 0642), 0);
     struct stat before {};
@@ -73,7 +74,7 @@ TEST(PoolUpdate, KeepsTheFilesIdentityAndLeavesNothingBehind) {
     std::filesystem::create_symlink("test.pool", folder.Path("link.pool"));
     PARAMETER_POOL_READ_WRITE_CHANGE pool(folder.Path("link.pool"));
     pool.Change("k", 2);
-    EXPECT_THAT(LogOf([&] { pool.Update(); }),
+    EXPECT_THAT(ErrorAndLogOf([&] { pool.Update(); }),
                 testing::MatchesRegex("DEBUG : global : copy .*/pool_...... to .*/link.pool\n"));
     ASSERT_EQ(stat(path.c_str(), &after), 0);
     EXPECT_EQ(before.st_ino, after.st_ino);
@@ -82,7 +83,7 @@ TEST(PoolUpdate, KeepsTheFilesIdentityAndLeavesNothingBehind) {
 }
 
 TEST(PoolUpdate, TwoObjectsOnOneFileBothSurvive) {
-    const POOL_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     const std::string path = folder.Make("a INT_32 1\n\n");
     PARAMETER_POOL_READ_WRITE_CHANGE first(path);
     PARAMETER_POOL_READ_WRITE_CHANGE second(folder.Path("./test.pool"));
@@ -92,25 +93,25 @@ TEST(PoolUpdate, TwoObjectsOnOneFileBothSurvive) {
     second.Update();
     first.Change("a", 9);
     first.Update();
-    EXPECT_EQ(POOL_FOLDER::Content(path), "a INT_32 9\n\nb INT_32 2\n\nc INT_32 3\n\n");
+    EXPECT_EQ(Content(path), "a INT_32 9\n\nb INT_32 2\n\nc INT_32 3\n\n");
 }
 
 TEST(PoolUpdate, ReachesTheFileThatReplacedTheOpenedOne) {
-    const POOL_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     const std::string path = folder.Make("k INT_32 1\n");
     PARAMETER_POOL_READ_WRITE_CHANGE pool(path);
     pool.Change("b", 2);
     std::filesystem::rename(folder.Make("k INT_32 7\n", "edited"), path);
     pool.Update();
-    EXPECT_EQ(POOL_FOLDER::Content(path), "k INT_32 7\nb INT_32 2\n\n");
+    EXPECT_EQ(Content(path), "k INT_32 7\nb INT_32 2\n\n");
     std::filesystem::remove(path);
     pool.Change("b", 3);
-    EXPECT_THAT(LogOf([&] { pool.Update(); }), HasSubstr("No such file or directory"));
+    EXPECT_THAT(ErrorAndLogOf([&] { pool.Update(); }), HasSubstr("No such file or directory"));
     EXPECT_FALSE(std::filesystem::exists(path));
 }
 
 TEST(PoolUpdate, AnUnwritableFolderOrFileLosesNothing) {
-    const POOL_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     const std::string path = folder.Make("k INT_32 1\n");
     constexpr uid_t kNobody = 65534;
     if (geteuid() == 0) {  // permission bits do not hold for root
@@ -121,13 +122,13 @@ TEST(PoolUpdate, AnUnwritableFolderOrFileLosesNothing) {
         PARAMETER_POOL_READ_WRITE_CHANGE pool(path);
         pool.Change("k", 2);
         chmod(folder.Path(".").c_str(), 0555);
-        const std::string corrupted = LogOf([&] { pool.Update(); });
+        const std::string corrupted = ErrorAndLogOf([&] { pool.Update(); });
         chmod(folder.Path(".").c_str(), 0755);
         chmod(path.c_str(), 0444);
-        const std::string refused = LogOf([&] { pool.Update(); });
-        const std::string opening = LogOf([&] { PARAMETER_POOL_READ_WRITE_CHANGE again(path); });
+        const std::string refused = ErrorAndLogOf([&] { pool.Update(); });
+        const std::string opening = ErrorAndLogOf([&] { PARAMETER_POOL_READ_WRITE_CHANGE again(path); });
         std::fputs((corrupted + refused + opening).c_str(), stderr);
-        if (POOL_FOLDER::Content(path) != "k INT_32 1\n") _exit(1);
+        if (Content(path) != "k INT_32 1\n") _exit(1);
         chmod(path.c_str(), 0644);
         pool.Update();  // the entry still waits
         _exit(0);
@@ -140,23 +141,23 @@ TEST(PoolUpdate, AnUnwritableFolderOrFileLosesNothing) {
                        HasSubstr("pool error - parameter pool update(): insufficient file permission\n"),
                        HasSubstr("no permission to change pool file: "),
                        HasSubstr("can not open pool file for update " + path)));
-    EXPECT_EQ(POOL_FOLDER::Content(path), "k INT_32 2\n\n");
+    EXPECT_EQ(Content(path), "k INT_32 2\n\n");
 }
 
 TEST(LeftOvers, AreNamedOnceWhenAPoolOfTheFolderIsOpened) {
-    const POOL_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     const std::string path = folder.Make("k INT_32 1\n");
     for (const char* name : {"pool_abc123", "pool_lock12", "pool_long_name"})
         chmod(folder.Make("", name).c_str(), 0400);
     folder.Make("", "pool_write1");
     const int writer = open(folder.Path("pool_lock12").c_str(), O_RDONLY);
     ASSERT_EQ(flock(writer, LOCK_EX), 0);
-    const std::string log = LogOf([&] { PARAMETER_POOL pool(path); });
+    const std::string log = ErrorAndLogOf([&] { PARAMETER_POOL pool(path); });
     EXPECT_THAT(log, HasSubstr("WARN  : global : " + folder.Path("pool_abc123") + " holds the content of a pool"));
     EXPECT_EQ(log.find("holds"), log.rfind("holds")) << log;
-    EXPECT_THAT(LogOf([&] { PARAMETER_POOL pool(path); }), testing::Not(HasSubstr("WARN")));
+    EXPECT_THAT(ErrorAndLogOf([&] { PARAMETER_POOL pool(path); }), testing::Not(HasSubstr("WARN")));
     close(writer);
-    EXPECT_THAT(LogOf([&] { PARAMETER_POOL pool(path); }), HasSubstr("/pool_lock12 holds"));
+    EXPECT_THAT(ErrorAndLogOf([&] { PARAMETER_POOL pool(path); }), HasSubstr("/pool_lock12 holds"));
 }
 
 }  // namespace

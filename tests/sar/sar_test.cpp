@@ -1,8 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <string>
 #include <vector>
@@ -10,6 +8,8 @@
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/sar/image_direction.h"
 #include "lib/baselib/sar/sar_enumerations.h"
+#include "tests/kit/log_capture.h"
+#include "tests/kit/pool_text.h"
 
 namespace SAR {
 namespace {
@@ -19,10 +19,9 @@ using BASIC::TYPES::ERROR_ENUM_BASE_INVALID_VALUE;
 /// Reads a pool of one entry.
 template <class ENUM>
 ENUM Read(const std::string& key, const std::string& text) {
-    const std::string path = testing::TempDir() + "sar_test.pool";
-    std::ofstream(path) << key << " STR \"" << text << "\"\n";
-    PARAMETER_POOL pool(path);
-    std::filesystem::remove(path);
+    POOL_TEXT entries;
+    entries.SetText(key, text);
+    PARAMETER_POOL pool(entries.Save());
     ENUM value;
     value.ReadFromParameterPool(pool);
     return value;
@@ -64,15 +63,15 @@ TEST(SarEnumerations, ReadTheirTextsAndThoseOfOtherProducers) {
 }
 
 TEST(SarEnumerations, AnUnknownTextNamesPoolKeyAndTheValidTexts) {
-    testing::internal::CaptureStdout();
-    try {
-        (void)Read<PolarizationType>("polarization_type", "h");
-        ADD_FAILURE();
-    } catch (const ERROR_ENUM_BASE_INVALID_VALUE& error) {
-        EXPECT_EQ(error.ValidValues(), "Valid values are: 'V' 'H' ");
-    }
-    EXPECT_THAT(testing::internal::GetCapturedStdout(),
-                testing::HasSubstr(".pool: key \"polarization_type\": unknown value \"h\""));
+    const std::string log = LoggedBy([] {
+        try {
+            (void)Read<PolarizationType>("polarization_type", "h");
+            ADD_FAILURE();
+        } catch (const ERROR_ENUM_BASE_INVALID_VALUE& error) {
+            EXPECT_EQ(error.ValidValues(), "Valid values are: 'V' 'H' ");
+        }
+    });
+    EXPECT_THAT(log, testing::HasSubstr(".pool: key \"polarization_type\": unknown value \"h\""));
 }
 
 TEST(Edge, HasAnOppositeAndTwoNeighbours) {
@@ -125,9 +124,7 @@ TEST(Combinations, RejectsWhatNoImageCanHave) {
          "invalid combination of transmit and receive polarization"},
     };
     for (const auto& [make, text] : cases) {
-        testing::internal::CaptureStdout();
-        EXPECT_THROW(make(), ERROR_INVALID_VALUE);
-        EXPECT_THAT(testing::internal::GetCapturedStdout(), testing::HasSubstr(text));
+        EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(make(), ERROR_INVALID_VALUE); }), testing::HasSubstr(text));
     }
 }
 

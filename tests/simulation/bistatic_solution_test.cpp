@@ -11,8 +11,8 @@
 #include "lib/baselib/errors/error_exception.h"
 #include "simulation/azimuth_shift_correction.h"
 #include "simulation/common_time_axis.h"
+#include "tests/kit/log_capture.h"
 #include "tests/simulation/test_scene.h"
-#include "tests/time/log_capture.h"
 #include "time/time_axis.h"
 
 namespace {
@@ -246,7 +246,7 @@ TEST(BistaticSolution, LowersTheOrderOnceForTooFewSamples) {
 TEST(BistaticSolution, RefusesWhatHasNoSolution) {
     // Accelerating straight towards the point: the path has a maximum, no minimum.
     const auto falling = [](double t) {
-        return CIRCULAR_STATE<double>{{7e6 - 4.0 * t * t, 0.0, 0.0}, {-8.0 * t, 0.0, 0.0}, {-8.0, 0.0, 0.0}};
+        return ORBIT_STATE{{7e6 - 4.0 * t * t, 0.0, 0.0}, {-8.0 * t, 0.0, 0.0}, {-8.0, 0.0, 0.0}};
     };
     const std::unique_ptr<ORBIT_OF_POOL> orbit = OrbitFrom(falling);
     SCENE scene;
@@ -335,7 +335,7 @@ TEST(CommonTimeAxis, CountsTheSlaveFromTheMastersInstant) {
                                         AXIS::ToText(master_zero), UtcTimes(master_zero));
     // The same motion, its state vectors at other instants.
     const CIRCULAR_ORBIT<double> slave = Double(f.slave);
-    const auto later_orbit = OrbitFrom([&](double t) { return slave.State(t + 6.5); }, "hermite_0_8",
+    const auto later_orbit = OrbitFrom([&](double t) { return MotionOf(slave)(t + 6.5); }, "hermite_0_8",
                                        "orbit_pool_double_utc", AXIS::ToText(slave_zero), UtcTimes(slave_zero));
     const auto plain_orbit = OrbitFrom(MotionOf(slave));
 

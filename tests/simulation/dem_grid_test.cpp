@@ -9,7 +9,7 @@
 #include "geometry/constants.h"
 #include "geometry/vector_arithmetic.h"
 #include "lib/baselib/errors/error_exception.h"
-#include "tests/time/log_capture.h"
+#include "tests/kit/log_capture.h"
 
 namespace {
 

@@ -13,9 +13,9 @@
 #include "simulation/radar_solution.h"
 #include "simulation/scene_in_use.h"
 #include "simulation/triangle_filler.h"
+#include "tests/kit/log_capture.h"
 #include "tests/plain_kernel/plain_kernel.h"
 #include "tests/simulation/test_scene.h"
-#include "tests/time/log_capture.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 
 #include "simulation/copy_mem_mgr.h"
 #include "simulation/initialize_mem_mgr.h"
-#include "tests/image/image_files.h"
+#include "tests/kit/log_capture.h"
 
 namespace {
 
@@ -37,7 +37,7 @@ TEST(InitializeMemMgr, TakesPixelsOfWholeWordsOnly) {
     InitializeMemMgr(image, 0U);
     EXPECT_EQ(0.0, image.GetNumRecMatrix<double>()[2][2]);
     image.Allocate(0, 0, 2, 2, PIXEL_TYPE::INT_16);
-    EXPECT_THAT(LogOf([&] { EXPECT_THROW(InitializeMemMgr(image, 0U), const char*); }),
+    EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(InitializeMemMgr(image, 0U), const char*); }),
                 HasSubstr("rows 0..1: not supported pixel type"));
 }
 
@@ -74,7 +74,7 @@ TEST(CopyMemMgr, RefusesPixelsThatAreNotInBothImages) {
     const std::pair<long long, long long> too_large[] = {{6, 5}, {5, 6}};
     for (const auto& [last_column, last_row] : too_large) {
         destination.Allocate(0, 0, last_column, last_row, PIXEL_TYPE::FLT_6);
-        EXPECT_THAT(LogOf([&] { EXPECT_THROW(CopyMemMgr(source, destination), const char*); }),
+        EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(CopyMemMgr(source, destination), const char*); }),
                     HasSubstr(": wrong argument"));
     }
     destination.Allocate(1, 0, 5, 5, PIXEL_TYPE::FLT_6);  // has no column 0

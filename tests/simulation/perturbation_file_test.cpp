@@ -11,7 +11,9 @@
 #include <vector>
 
 #include "lib/baselib/errors/error_exception.h"
-#include "tests/image/image_files.h"
+#include "tests/kit/hexadecimal.h"
+#include "tests/kit/log_capture.h"
+#include "tests/kit/temporary_folder.h"
 
 namespace {
 
@@ -34,13 +36,14 @@ std::string FloatBytes(std::initializer_list<float> values) {
 }
 
 TEST(PerturbationFile, HoldsTheDifferencesToTheOffset) {
-    const SCRATCH_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     const MATRIX_3X2 earth({6378137.25, 6378000.0, 6378000.125, 6377999.0, 6378000.0, 0.0});
-    const std::string log = LogOf([&] { WritePerturbationFile(folder.Path("x"), earth.rows, 3, 2, 6378000.0, 0.1); });
+    const std::string log =
+        LoggedBy([&] { WritePerturbationFile(folder.Path("x"), earth.rows, 3, 2, 6378000.0, 0.1); });
     EXPECT_THAT(log, HasSubstr("INFO  : global : Pertubation file offset = 6378000.000000\n"));
     EXPECT_EQ(Bytes("59a66a95 00000003 00000002 00000020 00000018 00000063 00000000 00000000") +
                   FloatBytes({137.25F, 0.0F, 0.125F, -1.0F, 0.0F, -6378000.0F}),
-              FileBytes(folder.Path("x")));
+              Content(folder.Path("x")));
     // 6378000 / 0.1 needs log2(63780000) = 25.93 bits; 24 are there.
     EXPECT_THAT(log, HasSubstr("WARN  : global : Pertubation file precision problem: x=2 y=1 original=0.000000 "
                                "perturbation=-6378000.000000 offset=6378000.000000 SF deficit=0.57996"));
@@ -48,13 +51,13 @@ TEST(PerturbationFile, HoldsTheDifferencesToTheOffset) {
 }
 
 TEST(PerturbationFile, WarnsFromTheLimitOf24BitsOn) {
-    const SCRATCH_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     const double limit = 0.1 * 16777216.0;
     const MATRIX_3X2 fine({limit - 1e-3, -limit + 1e-3, 0.0, 0.05, -0.1, 1e-300});
-    EXPECT_THAT(LogOf([&] { WritePerturbationFile(folder.Path("x"), fine.rows, 3, 2, 0.0, 0.1); }),
+    EXPECT_THAT(LoggedBy([&] { WritePerturbationFile(folder.Path("x"), fine.rows, 3, 2, 0.0, 0.1); }),
                 Not(HasSubstr("problem")));
     const MATRIX_3X2 above({0.0, 0.0, 0.0, 0.0, -limit - 1e-3, limit + 1e-3});
-    EXPECT_THAT(LogOf([&] { WritePerturbationFile(folder.Path("x"), above.rows, 3, 2, 0.0, 0.1); }),
+    EXPECT_THAT(LoggedBy([&] { WritePerturbationFile(folder.Path("x"), above.rows, 3, 2, 0.0, 0.1); }),
                 testing::AllOf(HasSubstr("x=1 y=1 original=-16"), HasSubstr("x=2 y=1 original=16")));
 }
 
@@ -65,13 +68,14 @@ TEST(PerturbationFile, TheOffsetIsTheRoundedCentre) {
 }
 
 TEST(PerturbationFile, RefusesWhatNo32BitRealHolds) {
-    const SCRATCH_FOLDER folder;
+    const TEMPORARY_FOLDER folder;
     const std::string path = folder.Path("x");
     for (const double value : {std::numeric_limits<double>::quiet_NaN(), 1e39}) {
         const MATRIX_3X2 matrix({0, 0, 0, 0, value, 0});
-        EXPECT_THAT(
-            LogOf([&] { EXPECT_THROW(WritePerturbationFile(path, matrix.rows, 3, 2, 0.0, 0.1), ERROR_INVALID_VALUE); }),
-            HasSubstr(path + ": value "));
+        EXPECT_THAT(LoggedBy([&] {
+                        EXPECT_THROW(WritePerturbationFile(path, matrix.rows, 3, 2, 0.0, 0.1), ERROR_INVALID_VALUE);
+                    }),
+                    HasSubstr(path + ": value "));
         EXPECT_THROW(PerturbationOffset(matrix.rows, 3, 2), ERROR_INVALID_VALUE);
     }
     const MATRIX_3X2 zeros({0, 0, 0, 0, 0, 0});

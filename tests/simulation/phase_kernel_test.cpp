@@ -7,9 +7,9 @@
 #include "geometry/zero_doppler.h"
 #include "lib/baselib/errors/error_exception.h"
 #include "simulation/scene_in_use.h"
+#include "tests/kit/log_capture.h"
 #include "tests/plain_kernel/plain_solution.h"
 #include "tests/simulation/test_scene.h"
-#include "tests/time/log_capture.h"
 
 namespace {
 

@@ -13,8 +13,8 @@
 #include "geometry/geolocation_fast.h"
 #include "simulation/dem2phase.h"
 #include "simulation/scene.h"
-#include "tests/geometry/circular_orbit.h"
-#include "tests/geometry/orbit_from_motion.h"
+#include "tests/kit/circular_orbit.h"
+#include "tests/kit/orbit_pools.h"
 
 /// Rows of one grid, each an allocation of its own: a write beside a row is seen by the address sanitizer.
 template <class T>

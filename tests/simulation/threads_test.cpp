@@ -18,7 +18,7 @@
 #include "lib/baselib/errors/enum_base.h"
 #include "lib/baselib/errors/error_exception.h"
 #include "simulation/thread_arg.h"
-#include "tests/image/image_files.h"
+#include "tests/kit/log_capture.h"
 
 namespace {
 
@@ -69,13 +69,13 @@ TEST(Threads, TheEnvironmentGivesTheCount) {
         {"3", 3}, {"4x", 4}, {"99999999999999999999", std::numeric_limits<int>::max()}};
     for (const auto& [text, count] : numbers) {
         SetParallel(text);
-        EXPECT_EQ("", LogOf([&, count = count] { EXPECT_EQ(count, ThreadCount()); }));
+        EXPECT_EQ("", LoggedBy([&, count = count] { EXPECT_EQ(count, ThreadCount()); }));
     }
     SetParallel("-2");
-    EXPECT_THAT(LogOf([] { EXPECT_EQ(1, ThreadCount()); }), HasSubstr("WARN  : global : PARALLEL: \"-2\""));
+    EXPECT_THAT(LoggedBy([] { EXPECT_EQ(1, ThreadCount()); }), HasSubstr("WARN  : global : PARALLEL: \"-2\""));
     for (const char* const text : {"0", "x"}) {
         SetParallel(text);
-        EXPECT_EQ("", LogOf([] { EXPECT_EQ(1, ThreadCount()); })) << "once per run";
+        EXPECT_EQ("", LoggedBy([] { EXPECT_EQ(1, ThreadCount()); })) << "once per run";
     }
 }
 
@@ -98,7 +98,7 @@ TEST(Threads, AnyFailureIsLoggedWithItsRowsAndEndsTheRunAfterTheJoin) {
         for (const auto& way : ways) {
             SCOPED_TRACE(std::string(parallel) + ": " + way.reason);
             std::atomic<int> started = 0;
-            const std::string log = LogOf([&] {
+            const std::string log = LoggedBy([&] {
                 try {
                     RUNNER runner(0, 20, [&](TEST_ARG* argument) {
                         ++started;

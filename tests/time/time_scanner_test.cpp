@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "lib/baselib/errors/error_exception.h"
-#include "tests/time/log_capture.h"
+#include "tests/kit/log_capture.h"
 #include "time/met_scanner.h"
 #include "time/utc_scanner.h"
 

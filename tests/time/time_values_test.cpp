@@ -4,7 +4,7 @@
 #include <random>
 
 #include "lib/baselib/errors/error_exception.h"
-#include "tests/time/log_capture.h"
+#include "tests/kit/log_capture.h"
 #include "time/calendar.h"
 #include "time/leap_seconds.h"
 #include "time/time_axis.h"
