@@ -7,7 +7,7 @@
 
 #include "orbit/interpolation_request.h"
 #include "orbit/reference_time.h"
-#include "tests/fuzz/fuzz_target.h"
+#include "fuzz/fuzz_target.h"
 #include "time/time_axis.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include "orbit/local_interpolation.h"
 #include "orbit/mdb_orbit.h"
 #include "orbit/polynom.h"
-#include "tests/fuzz/fuzz_target.h"
+#include "fuzz/fuzz_target.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <tuple>
 
 #include "lib/baselib/pool/parameter_pool_read_write_change.h"
-#include "tests/fuzz/fuzz_target.h"
+#include "fuzz/fuzz_target.h"
 
 namespace {
 
