@@ -18,4 +18,4 @@ if [ "$(id -u)" -ne 0 ]; then
     as_root=(sudo)
 fi
 "${as_root[@]}" apt-get update --quiet
-"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install --yes --quiet --no-install-recommends "${missing[@]}"
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=300 install --yes --quiet --no-install-recommends "${missing[@]}"
