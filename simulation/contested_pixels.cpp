@@ -8,7 +8,7 @@ constexpr unsigned char kSettled = 2;
 }  // namespace
 
 void SettleContestedPixels(const std::vector<CONTESTED_PIXELS>& lists, const PIXEL_OWNERSHIP& ownership,
-                           const PIXEL_LAYERS& layers, unsigned char** mask) {
+                           const PIXEL_LAYERS& layers, const GRID_VIEW<unsigned char>& mask) {
     for (int block = static_cast<int>(lists.size()) - 1; block >= 0; --block) {
         const CONTESTED_PIXELS& list = lists[block];
         // From the last to the first: the first cell of the block has the last word.

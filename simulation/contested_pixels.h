@@ -21,4 +21,4 @@ using CONTESTED_PIXELS = std::vector<CONTESTED_PIXEL>;
 /// @param lists  one per block, in the order in which its thread kept them
 /// @param mask   1: written by its owner
 void SettleContestedPixels(const std::vector<CONTESTED_PIXELS>& lists, const PIXEL_OWNERSHIP& ownership,
-                           const PIXEL_LAYERS& layers, unsigned char** mask);
+                           const PIXEL_LAYERS& layers, const GRID_VIEW<unsigned char>& mask);

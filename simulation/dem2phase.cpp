@@ -2,7 +2,6 @@
 
 #include "lib/baselib/logging/logging.h"
 #include "simulation/radar_solution.h"
-#include "simulation/scene_in_use.h"
 #include "simulation/thread_count.h"
 #include "simulation/threads.h"
 
@@ -29,10 +28,14 @@ class PROGRESS {
     long long step_;
 };
 
-void SimulateRows(SCENE_IN_USE& in_use, const DEM2PHASE_ARG& arg) {
+}  // namespace
+
+void DEM2PHASE_Thread(PREPARED_SCENE& scene, const DEM2PHASE_ARG& arg) {
+    Log().Message(LOGGING_LEVEL::TRACE, "   - thread nr: %u  start: %u  length: %u", arg.thread_number, arg.start,
+                  arg.length);
     const PROGRESS progress(arg);
     const CONVERGENCE_REPORT report;
-    RADAR_SOLUTION solution(in_use, static_cast<int>(arg.thread_number));
+    RADAR_SOLUTION solution(scene, static_cast<int>(arg.thread_number));
     for (std::uint32_t i = 0; i < arg.length; ++i) {
         solution.SimulateRow(static_cast<int>(arg.start + i));
         progress.RowDone(i);
@@ -40,21 +43,12 @@ void SimulateRows(SCENE_IN_USE& in_use, const DEM2PHASE_ARG& arg) {
     Log().Message(LOGGING_LEVEL::TRACE, "   - end of thread nr: %u", arg.thread_number);
 }
 
-}  // namespace
-
-void* DEM2PHASE_Thread(void* dem2phase_arg) {
-    const DEM2PHASE_ARG& arg = *static_cast<const DEM2PHASE_ARG*>(dem2phase_arg);
-    Log().Message(LOGGING_LEVEL::TRACE, "   - thread nr: %u  start: %u  length: %u", arg.thread_number, arg.start,
-                  arg.length);
-    SimulateRows(CurrentScene(), arg);
-    return nullptr;
-}
-
 void SimulateScene(const SCENE& scene) {
-    SCENE_IN_USE in_use(scene);
+    PREPARED_SCENE prepared(scene);
     THREADS<DEM2PHASE_ARG, unsigned int> threads(static_cast<unsigned int>(scene.simulated.first_row),
-                                                 static_cast<unsigned int>(scene.simulated.last_row), DEM2PHASE_Thread);
+                                                 static_cast<unsigned int>(scene.simulated.last_row),
+                                                 [&prepared](DEM2PHASE_ARG* arg) { DEM2PHASE_Thread(prepared, *arg); });
     Log().Message(LOGGING_LEVEL::INFO, " Initialised dem2phase_arg");
     threads.Run();
-    in_use.Settle();
+    prepared.Settle();
 }

@@ -12,17 +12,18 @@
 #include "geometry/geodetic.h"
 #include "geometry/utm_projection.h"
 #include "lib/baselib/containers/records.h"
+#include "lib/baselib/image/grid_view.h"
 
 struct DEM_GRID {
     std::string kind;  ///< "GEO" (degrees) or "UTM" (metres), compared without regard to case
     int rows = 0;
     int columns = 0;
-    const short* const* heights = nullptr;  ///< one pointer per row, metres; not owned
-    double height_offset_m = 0.0;           ///< added to every sample
-    double x0 = 0.0;                        ///< longitude (degrees) or easting (metres) of column 0
-    double y0 = 0.0;                        ///< latitude or northing of row 0
-    double dx = 0.0;                        ///< spacing of the columns, positive
-    double dy = 0.0;                        ///< spacing of the rows, positive; row r lies at y0 - r dy
+    GRID_VIEW<const short> heights{};  ///< metres
+    double height_offset_m = 0.0;      ///< added to every sample
+    double x0 = 0.0;                   ///< longitude (degrees) or easting (metres) of column 0
+    double y0 = 0.0;                   ///< latitude or northing of row 0
+    double dx = 0.0;                   ///< spacing of the columns, positive
+    double dy = 0.0;                   ///< spacing of the rows, positive; row r lies at y0 - r dy
     GEODETIC_PARAMETERS geodetic{};
     std::optional<UTM_PROJECTION> utm{};  ///< present for a "UTM" grid
 };

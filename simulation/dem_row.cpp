@@ -23,8 +23,8 @@ struct RUN {
 };
 
 RUN RunOf(RADAR_ROW& row) {
-    return {row.values[EARTH_X].data(), row.values[EARTH_Y].data(), row.values[EARTH_Z].data(),
-            row.values[HEIGHT_M].data(), row.size};
+    return {row[QUANTITY::EARTH_X].data(), row[QUANTITY::EARTH_Y].data(), row[QUANTITY::EARTH_Z].data(),
+            row[QUANTITY::HEIGHT_M].data(), row.size};
 }
 
 /// The closed form of GeographicToCartesian for points of one latitude.
@@ -215,9 +215,9 @@ bool DEM_ROW::FillUtm(RADAR_ROW& row) const {
 void DEM_ROW::FillOneByOne(RADAR_ROW& row) const {
     for (int i = 0; i < row.size; ++i) {
         float height_m = 0.0F;
-        Get_Earth_Position_From_DEM(dem_, row.first_column + i, row.row, row.values[EARTH_X][i], row.values[EARTH_Y][i],
-                                    row.values[EARTH_Z][i], &height_m);
-        row.values[HEIGHT_M][i] = height_m;
+        Get_Earth_Position_From_DEM(dem_, row.first_column + i, row.row, row[QUANTITY::EARTH_X][i],
+                                    row[QUANTITY::EARTH_Y][i], row[QUANTITY::EARTH_Z][i], &height_m);
+        row[QUANTITY::HEIGHT_M][i] = height_m;
     }
 }
 

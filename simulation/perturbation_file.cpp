@@ -65,12 +65,12 @@ void CheckParameters(const std::string& path, double offset, double precision) {
 
 }  // namespace
 
-double PerturbationOffset(const double* const* matrix, long long columns, long long rows) {
-    if (columns < 1 || rows < 1) {
-        Log().Message(LOGGING_LEVEL::ALARM, "a matrix of %lld x %lld elements has no centre", columns, rows);
+double PerturbationOffset(const GRID_VIEW<const double>& matrix) {
+    if (matrix.columns < 1 || matrix.rows < 1) {
+        Log().Message(LOGGING_LEVEL::ALARM, "a matrix of %d x %d elements has no centre", matrix.columns, matrix.rows);
         throw ERROR_ARGUMENT();
     }
-    const double centre = matrix[rows / 2][columns / 2];
+    const double centre = matrix[matrix.rows / 2][matrix.columns / 2];
     if (!IsUsable(centre)) {
         Log().Message(LOGGING_LEVEL::ALARM, "the centre value %g of a matrix is no usable offset", centre);
         throw ERROR_INVALID_VALUE();
@@ -78,16 +78,16 @@ double PerturbationOffset(const double* const* matrix, long long columns, long l
     return std::rint(centre);
 }
 
-void WritePerturbationFile(const std::string& path, const double* const* matrix, long long columns, long long rows,
-                           double offset, double precision) {
+void WritePerturbationFile(const std::string& path, const GRID_VIEW<const double>& matrix, double offset,
+                           double precision) {
     CheckParameters(path, offset, precision);
     Log().Message(LOGGING_LEVEL::INFO, "Pertubation file offset = %f", offset);
     MEM_MGR image;
-    image.CreateFile(path, columns, rows, PIXEL_TYPE::FLT_6);
-    float** const pixels = image.GetNumRecMatrix<float>();
+    image.CreateFile(path, matrix.columns, matrix.rows, PIXEL_TYPE::FLT_6);
+    const GRID_VIEW<float> pixels = ViewOf<float>(image);
     const PRECISION_CHECK check(precision, offset);
-    for (long long y = 0; y < rows; ++y) {
-        for (long long x = 0; x < columns; ++x) {
+    for (int y = 0; y < matrix.rows; ++y) {
+        for (int x = 0; x < matrix.columns; ++x) {
             const double original = matrix[y][x];
             if (!IsUsable(original)) RefuseValue(path, x, y, original);
             const double difference = original - offset;

@@ -7,16 +7,17 @@
 
 #include <string>
 
+#include "lib/baselib/image/grid_view.h"
+
 /// The offset of a matrix: its centre element [rows / 2][columns / 2], rounded to a whole number.
 /// @throws ERROR_ARGUMENT for a matrix without elements, ERROR_INVALID_VALUE when the element is not finite
-double PerturbationOffset(const double* const* matrix, long long columns, long long rows);
+double PerturbationOffset(const GRID_VIEW<const double>& matrix);
 
 /// Writes matrix - offset as a raster file of 32-bit reals.
-/// @param matrix     rows of columns, indexed from 0
 /// @param precision  wanted resolution, in the unit of the matrix, above 0. A pixel whose |value - offset| exceeds it
 /// by
 ///                   more than the 24-bit mantissa of a 32-bit real holds (2^24) is told at WARNING, and written.
 /// @throws ERROR_ARGUMENT for a precision not above 0; ERROR_INVALID_VALUE for a value that is not finite or beyond the
 ///         range of 32-bit reals (the file stays incomplete); as MEM_MGR::CreateFile and Flush
-void WritePerturbationFile(const std::string& path, const double* const* matrix, long long columns, long long rows,
-                           double offset, double precision);
+void WritePerturbationFile(const std::string& path, const GRID_VIEW<const double>& matrix, double offset,
+                           double precision);

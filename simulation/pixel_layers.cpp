@@ -11,10 +11,9 @@ std::vector<int> Places(int image_size, int factor, int grid_size) {
     return places;
 }
 
-GRID_PLACES PlacesOf(const MASTER_GRIDS& image, int azimuth_factor, int range_factor, int rows, int columns) {
+GRID_PLACES PlacesOf(const GRID_VIEW<unsigned char>& image, int azimuth_factor, int range_factor, int rows,
+                     int columns) {
     GRID_PLACES places;
-    places.rows = rows;
-    places.columns = columns;
     places.dense = azimuth_factor == 1 && range_factor == 1;
     if (places.dense) return places;
     places.row_of = Places(image.rows, azimuth_factor, rows);
@@ -31,28 +30,33 @@ GRID_PLACES PlacesOf(const MASTER_GRIDS& image, int azimuth_factor, int range_fa
 
 }  // namespace
 
-PIXEL_LAYERS::PIXEL_LAYERS(const SCENE& scene) : sparse_row_(scene.image.rows, 0) {
-    image_.rows = scene.image.rows;
-    image_.columns = scene.image.columns;
+PIXEL_LAYERS::PIXEL_LAYERS(const SCENE& scene) : sparse_row_(scene.image.mask.rows, 0) {
+    const GRID_VIEW<unsigned char>& image = scene.image.mask;
     const SHIFT_GRIDS& shifts = scene.shifts;
     const EARTH_GRIDS& earth = scene.earth;
     if (shifts.Wanted()) {
-        shifts_ = PlacesOf(scene.image, shifts.azimuth_factor, shifts.range_factor, shifts.rows, shifts.columns);
-        Add(SLAVE_RANGE_PIXEL, shifts_, nullptr, shifts.range);
-        Add(SLAVE_AZIMUTH_PIXEL, shifts_, nullptr, shifts.azimuth);
+        shifts_ = PlacesOf(image, shifts.azimuth_factor, shifts.range_factor, shifts.range.rows, shifts.range.columns);
+        Add(QUANTITY::SLAVE_RANGE_PIXEL, shifts_, {}, shifts.range);
+        Add(QUANTITY::SLAVE_AZIMUTH_PIXEL, shifts_, {}, shifts.azimuth);
     }
     if (earth.Wanted()) {
-        earth_ = PlacesOf(scene.image, earth.azimuth_factor, earth.range_factor, earth.rows, earth.columns);
-        Add(EARTH_X, earth_, nullptr, earth.x);
-        Add(EARTH_Y, earth_, nullptr, earth.y);
-        Add(EARTH_Z, earth_, nullptr, earth.z);
-        Add(HEIGHT_M, earth_, earth.radar_dem, nullptr);
+        const auto size_of = [](const auto& grid) { return POINT<int>{grid.columns, grid.rows}; };
+        const POINT<int> size = earth.x   ? size_of(earth.x)
+                                : earth.y ? size_of(earth.y)
+                                : earth.z ? size_of(earth.z)
+                                          : size_of(earth.radar_dem);
+        earth_ = PlacesOf(image, earth.azimuth_factor, earth.range_factor, size.y, size.x);
+        Add(QUANTITY::EARTH_X, earth_, {}, earth.x);
+        Add(QUANTITY::EARTH_Y, earth_, {}, earth.y);
+        Add(QUANTITY::EARTH_Z, earth_, {}, earth.z);
+        Add(QUANTITY::HEIGHT_M, earth_, earth.radar_dem, {});
     }
-    Add(PHASE_RAD, image_, scene.image.phase_rad, nullptr);
+    Add(QUANTITY::PHASE_RAD, image_, scene.image.phase_rad, {});
 }
 
-void PIXEL_LAYERS::Add(QUANTITY quantity, const GRID_PLACES& places, float** singles, double** doubles) {
-    if (singles == nullptr && doubles == nullptr) return;
+void PIXEL_LAYERS::Add(QUANTITY quantity, const GRID_PLACES& places, const GRID_VIEW<float>& singles,
+                       const GRID_VIEW<double>& doubles) {
+    if (!singles && !doubles) return;
     (places.dense ? dense_ : sparse_).push_back({quantity, &places, singles, doubles});
     if (places.dense) return;
     for (std::size_t row = 0; row < sparse_row_.size(); ++row) {
@@ -63,7 +67,7 @@ void PIXEL_LAYERS::Add(QUANTITY quantity, const GRID_PLACES& places, float** sin
 void PIXEL_LAYERS::Store(int row, int column, const PIXEL_VALUES& values) const {
     const float* value = values.data();
     for (const PIXEL_LAYER& layer : dense_) {
-        if (row < layer.places->rows && column < layer.places->columns) layer.Store(row, column, *value);
+        if (row < layer.EndRow() && column < layer.Columns()) layer.Store(row, column, *value);
         ++value;
     }
     if (!IsSparseRow(row)) return;

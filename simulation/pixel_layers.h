@@ -13,22 +13,23 @@
 /// Rows and columns of the image that a grid holds; index -1: the grid leaves it out.
 struct GRID_PLACES {
     bool dense = true;  ///< pixels have their places at their own rows and columns, as far as the grid goes
-    int rows = 0;
-    int columns = 0;
     std::vector<int> row_of{};
     std::vector<int> column_of{};
     std::vector<unsigned char> next_eight{};  ///< bit i of element c: column c + i has a place
 };
 
-/// One of the two tables is there. Doubles hold values of single precision.
+/// One of the two grids is there. Doubles hold values of single precision.
 struct PIXEL_LAYER {
     QUANTITY quantity;
     const GRID_PLACES* places;
-    float** singles;
-    double** doubles;
+    GRID_VIEW<float> singles;
+    GRID_VIEW<double> doubles;
+
+    [[nodiscard]] int EndRow() const { return singles ? singles.EndRow() : doubles.EndRow(); }
+    [[nodiscard]] int Columns() const { return singles ? singles.columns : doubles.columns; }
 
     void Store(int row, int column, float value) const {
-        if (singles != nullptr) {
+        if (singles) {
             singles[row][column] = value;
         } else {
             doubles[row][column] = value;
@@ -61,7 +62,8 @@ class PIXEL_LAYERS {
     void Store(int row, int column, const PIXEL_VALUES& values) const;
 
   private:
-    void Add(QUANTITY quantity, const GRID_PLACES& places, float** singles, double** doubles);
+    void Add(QUANTITY quantity, const GRID_PLACES& places, const GRID_VIEW<float>& singles,
+             const GRID_VIEW<double>& doubles);
 
     GRID_PLACES image_;
     GRID_PLACES shifts_;

@@ -11,7 +11,7 @@
 #include "simulation/scene.h"
 
 /// The quantities that are interpolated inside a cell, and the pixel coordinates of its corners.
-enum QUANTITY : int {
+enum class QUANTITY {
     RANGE_PIXEL,
     AZIMUTH_PIXEL,
     PHASE_RAD,
@@ -21,24 +21,29 @@ enum QUANTITY : int {
     EARTH_Y,
     EARTH_Z,
     HEIGHT_M,  ///< rounded to single precision
-    QUANTITIES
 };
+inline constexpr int kQuantities = 9;
 
-struct RADAR_ROW {
+class RADAR_ROW {
+  public:
     explicit RADAR_ROW(const DEM_RANGE& simulated)
         : first_column(simulated.first_column), size(simulated.last_column - simulated.first_column + 1) {
-        for (std::vector<double>& array : values) array.resize(size);
+        for (std::vector<double>& array : values_) array.resize(size);
         for (std::vector<double>* array : {&master_time_s, &master_range_m, &slave_time_s, &slave_range_m}) {
             array->resize(size);
         }
         for (std::vector<unsigned char>* array : {&in_area, &wanted, &master_solved, &solved}) array->resize(size);
     }
 
+    [[nodiscard]] std::vector<double>& operator[](QUANTITY quantity) { return values_[static_cast<int>(quantity)]; }
+    [[nodiscard]] const std::vector<double>& operator[](QUANTITY quantity) const {
+        return values_[static_cast<int>(quantity)];
+    }
+
     int row = -1;                   ///< DEM row; -1: none yet
     bool positions_filled = false;  ///< EARTH_X, EARTH_Y, EARTH_Z and HEIGHT_M of all elements
     int first_column;
     int size;
-    std::array<std::vector<double>, QUANTITIES> values{};
     std::vector<double> master_time_s{};
     std::vector<double> master_range_m{};
     std::vector<double> slave_time_s{};
@@ -47,4 +52,7 @@ struct RADAR_ROW {
     std::vector<unsigned char> wanted{};         ///< to be solved next
     std::vector<unsigned char> master_solved{};  ///< master time and range are there
     std::vector<unsigned char> solved{};         ///< everything is there
+
+  private:
+    std::array<std::vector<double>, kQuantities> values_{};
 };

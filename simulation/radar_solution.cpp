@@ -61,17 +61,17 @@ void MarkDone(std::vector<unsigned char>& done, int first, int count) {
 }
 
 ROW_POINTS PointsOf(const RADAR_ROW& samples) {
-    return {samples.values[EARTH_X].data(), samples.values[EARTH_Y].data(), samples.values[EARTH_Z].data()};
+    return {samples[QUANTITY::EARTH_X].data(), samples[QUANTITY::EARTH_Y].data(), samples[QUANTITY::EARTH_Z].data()};
 }
 
 }  // namespace
 
-RADAR_SOLUTION::RADAR_SOLUTION(SCENE_IN_USE& in_use, int block)
-    : scene_(in_use.Scene()),
-      in_use_(in_use),
+RADAR_SOLUTION::RADAR_SOLUTION(PREPARED_SCENE& prepared, int block)
+    : scene_(prepared.Scene()),
+      prepared_(prepared),
       area_(scene_.area),
       dem_row_(scene_.dem, scene_.simulated),
-      filler_(in_use, block),
+      filler_(prepared, block),
       bistatic_(scene_),
       rows_{RADAR_ROW(scene_.simulated), RADAR_ROW(scene_.simulated)},
       upper_(&rows_[0]),
@@ -141,7 +141,7 @@ bool RADAR_SOLUTION::IsWithinExtent(int i) const {
 void RADAR_SOLUTION::SolveMaster(RADAR_ROW& samples) const {
     ForEachRun(samples.wanted, samples.master_solved, [&](int first, int count) {
         dem_row_.FillPositions(samples);
-        SolveZeroDopplerRow(in_use_.MasterOrbit().value(), PointsOf(samples), first, count,
+        SolveZeroDopplerRow(prepared_.MasterOrbit().value(), PointsOf(samples), first, count,
                             samples.master_time_s.data(), samples.master_range_m.data());
         MarkDone(samples.master_solved, first, count);
     });
@@ -152,19 +152,19 @@ void RADAR_SOLUTION::SolveCorners(RADAR_ROW& samples) {
     const CONVERSION master = ConversionOf(scene_.master);
     const CONVERSION slave = ConversionOf(scene_.slave);
     ForEachRun(samples.wanted, samples.solved, [&](int first, int count) {
-        SolveZeroDopplerRow(in_use_.SlaveOrbit().value(), PointsOf(samples), first, count, samples.slave_time_s.data(),
-                            samples.slave_range_m.data());
+        SolveZeroDopplerRow(prepared_.SlaveOrbit().value(), PointsOf(samples), first, count,
+                            samples.slave_time_s.data(), samples.slave_range_m.data());
         if (scene_.bistatic) {
             for (int i = first; i < first + count; ++i) SolvePoint(samples, i);
         }
         ConvertToPixels(master, &samples.master_range_m[first], &samples.master_time_s[first],
-                        &samples.values[RANGE_PIXEL][first], &samples.values[AZIMUTH_PIXEL][first], count);
+                        &samples[QUANTITY::RANGE_PIXEL][first], &samples[QUANTITY::AZIMUTH_PIXEL][first], count);
         ConvertToPhase(master.wavelength_m, slave.wavelength_m, &samples.master_range_m[first],
-                       &samples.slave_range_m[first], &samples.values[PHASE_RAD][first], count);
+                       &samples.slave_range_m[first], &samples[QUANTITY::PHASE_RAD][first], count);
         if (scene_.shifts.Wanted()) {
             ConvertToPixels(slave, &samples.slave_range_m[first], &samples.slave_time_s[first],
-                            &samples.values[SLAVE_RANGE_PIXEL][first], &samples.values[SLAVE_AZIMUTH_PIXEL][first],
-                            count);
+                            &samples[QUANTITY::SLAVE_RANGE_PIXEL][first],
+                            &samples[QUANTITY::SLAVE_AZIMUTH_PIXEL][first], count);
         }
         MarkDone(samples.solved, first, count);
     });
@@ -172,8 +172,8 @@ void RADAR_SOLUTION::SolveCorners(RADAR_ROW& samples) {
 
 /// Replaces the slave's solution of a sample by what a monostatic slave would have measured.
 void RADAR_SOLUTION::SolvePoint(RADAR_ROW& samples, int i) {
-    const VECTOR_3D<double> point_m = {samples.values[EARTH_X][i], samples.values[EARTH_Y][i],
-                                       samples.values[EARTH_Z][i]};
+    const VECTOR_3D<double> point_m = {samples[QUANTITY::EARTH_X][i], samples[QUANTITY::EARTH_Y][i],
+                                       samples[QUANTITY::EARTH_Z][i]};
     const BISTATIC_SOLUTION::EQUIVALENT equivalent =
         bistatic_.Solve(point_m, samples.master_time_s[i], samples.master_range_m[i], samples.slave_time_s[i],
                         {samples.first_column + i, samples.row});

@@ -14,14 +14,14 @@
 #include "simulation/area_rows.h"
 #include "simulation/bistatic_solution.h"
 #include "simulation/dem_row.h"
-#include "simulation/scene_in_use.h"
+#include "simulation/prepared_scene.h"
 #include "simulation/triangle_filler.h"
 
 class RADAR_SOLUTION {
   public:
-    /// @param in_use  must outlive the object
+    /// @param prepared  must outlive the object
     /// @param block   of DEM rows, the thread's own
-    RADAR_SOLUTION(SCENE_IN_USE& in_use, int block);
+    RADAR_SOLUTION(PREPARED_SCENE& prepared, int block);
     /// Logs the statistics of the bistatic iteration (in monostatic mode their heading alone).
     ~RADAR_SOLUTION();
     RADAR_SOLUTION(const RADAR_SOLUTION&) = delete;
@@ -44,7 +44,7 @@ class RADAR_SOLUTION {
     void FillTriangles();
 
     const SCENE& scene_;
-    const SCENE_IN_USE& in_use_;
+    const PREPARED_SCENE& prepared_;
     AREA_ROWS area_;
     DEM_ROW dem_row_;
     TRIANGLE_FILLER filler_;

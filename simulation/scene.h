@@ -9,6 +9,7 @@
 
 #include "geometry/calc_slave_time.h"
 #include "lib/baselib/containers/records.h"
+#include "lib/baselib/image/grid_view.h"
 #include "simulation/dem_grid.h"
 
 /// One acquisition, after oversampling and range-time correction. Range times are two-way.
@@ -50,40 +51,33 @@ struct AZIMUTH_SHIFT_CORRECTION {
     double fast_time_reference_s = 0.0;
 };
 
-/// The grids over the master image (simulation size).
+/// The grids over the master image (simulation size). The mask's rows are those to be simulated.
 struct MASTER_GRIDS {
-    int rows = 0;
-    int columns = 0;
-    unsigned char** mask = nullptr;  ///< 0 before the run; 1 simulated
-    float** phase_rad = nullptr;     ///< nullptr: not wanted
+    GRID_VIEW<unsigned char> mask{};  ///< 0 before the run; 1 simulated
+    GRID_VIEW<float> phase_rad{};     ///< if wanted
 };
 
 /// Slave position (pixels) of every master pixel whose indices are multiples of the factors; both or none present.
-/// rows >= (master rows - 1) / azimuth_factor + 1, columns >= (master columns - 1) / range_factor + 1.
+/// Whole grids have (master rows - 1) / azimuth_factor + 1 rows and (master columns - 1) / range_factor + 1 columns.
 struct SHIFT_GRIDS {
     int azimuth_factor = 1;
     int range_factor = 1;
-    int rows = 0;
-    int columns = 0;
-    double** range = nullptr;
-    double** azimuth = nullptr;
+    GRID_VIEW<double> range{};
+    GRID_VIEW<double> azimuth{};
 
-    [[nodiscard]] bool Wanted() const { return range != nullptr && azimuth != nullptr; }
+    [[nodiscard]] bool Wanted() const { return range && azimuth; }
 };
 
-/// Earth-fixed coordinates (metres) and DEM height (metres), each on its own if wanted, one size and one pair of
-/// factors.
+/// Earth-fixed coordinates (metres) and DEM height (metres), each on its own if wanted, all of one pair of factors.
 struct EARTH_GRIDS {
     int azimuth_factor = 1;
     int range_factor = 1;
-    int rows = 0;
-    int columns = 0;
-    double** x = nullptr;
-    double** y = nullptr;
-    double** z = nullptr;
-    float** radar_dem = nullptr;
+    GRID_VIEW<double> x{};
+    GRID_VIEW<double> y{};
+    GRID_VIEW<double> z{};
+    GRID_VIEW<float> radar_dem{};
 
-    [[nodiscard]] bool Wanted() const { return x != nullptr || y != nullptr || z != nullptr || radar_dem != nullptr; }
+    [[nodiscard]] bool Wanted() const { return x || y || z || radar_dem; }
 };
 
 struct SCENE {

@@ -36,7 +36,6 @@
 template <class ARG, class ROW>
 class THREADS {
   public:
-    /// Also takes POSIX start routines, void* (*)(void*); what they return is not looked at.
     using START_ROUTINE = std::function<void(ARG*)>;
 
     /// @param start_row, end_row  the rows start_row <= row < end_row

@@ -57,17 +57,18 @@ struct TRIANGLE_FILLER::CELL {
     TRIANGLE_PLANES planes[2]{};
 
     /// Column of corner c in its row's arrays, and the row: corners 0 and 1 stand in the upper one.
-    [[nodiscard]] double At(QUANTITY quantity, int c) const {
-        return (c < 2 ? upper : lower).values[quantity][i + (c & 1)];
+    [[nodiscard]] double At(QUANTITY quantity, int c) const { return (c < 2 ? upper : lower)[quantity][i + (c & 1)]; }
+    [[nodiscard]] POINT<double> Pixel(int c) const {
+        return {At(QUANTITY::RANGE_PIXEL, c), At(QUANTITY::AZIMUTH_PIXEL, c)};
     }
-    [[nodiscard]] POINT<double> Pixel(int c) const { return {At(RANGE_PIXEL, c), At(AZIMUTH_PIXEL, c)}; }
 
     void FindBox(const MASTER_GRIDS& image) {
-        const auto [near, far] =
-            std::minmax({At(RANGE_PIXEL, 0), At(RANGE_PIXEL, 1), At(RANGE_PIXEL, 2), At(RANGE_PIXEL, 3)});
-        const auto [early, late] =
-            std::minmax({At(AZIMUTH_PIXEL, 0), At(AZIMUTH_PIXEL, 1), At(AZIMUTH_PIXEL, 2), At(AZIMUTH_PIXEL, 3)});
-        box = {FirstPixel(near), LastPixel(far, image.columns), FirstPixel(early), LastPixel(late, image.rows)};
+        const auto [near, far] = std::minmax({At(QUANTITY::RANGE_PIXEL, 0), At(QUANTITY::RANGE_PIXEL, 1),
+                                              At(QUANTITY::RANGE_PIXEL, 2), At(QUANTITY::RANGE_PIXEL, 3)});
+        const auto [early, late] = std::minmax({At(QUANTITY::AZIMUTH_PIXEL, 0), At(QUANTITY::AZIMUTH_PIXEL, 1),
+                                                At(QUANTITY::AZIMUTH_PIXEL, 2), At(QUANTITY::AZIMUTH_PIXEL, 3)});
+        box = {FirstPixel(near), LastPixel(far, image.mask.columns), FirstPixel(early),
+               LastPixel(late, image.mask.rows)};
     }
 
     void SetUp(int triangle) {
@@ -103,12 +104,12 @@ struct TRIANGLE_FILLER::CELL {
     }
 };
 
-TRIANGLE_FILLER::TRIANGLE_FILLER(SCENE_IN_USE& in_use, int block)
-    : image_(in_use.Scene().image),
-      layers_(in_use.Layers()),
-      ownership_(in_use.Ownership()),
-      contested_(in_use.Contested(block)),
-      claimed_(image_.rows, image_.columns),
+TRIANGLE_FILLER::TRIANGLE_FILLER(PREPARED_SCENE& prepared, int block)
+    : image_(prepared.Scene().image),
+      layers_(prepared.Layers()),
+      ownership_(prepared.Ownership()),
+      contested_(prepared.Contested(block)),
+      claimed_(image_.mask.rows, image_.mask.columns),
       block_(block),
       use_vectors_(MachineHasVectors()) {}
 
@@ -195,15 +196,15 @@ __mmask8 OwnedLanes(const PIXEL_OWNERSHIP& ownership, int block, int row, int co
 
 /// Lanes that have their place in a dense layer.
 __mmask8 LanesOf(const PIXEL_LAYER& layer, int row, int column, __mmask8 lanes) {
-    const int left = layer.places->columns - column;
-    if (row >= layer.places->rows || left <= 0) return 0;
+    const int left = layer.Columns() - column;
+    if (row >= layer.EndRow() || left <= 0) return 0;
     return left >= PIXEL_LAYERS::kLanes ? lanes : static_cast<__mmask8>(lanes & ((1U << left) - 1));
 }
 
 /// Stores the lanes of a mask.
 VELMORA_TARGET inline void StoreLanes(const PIXEL_LAYER& layer, int row, int column, __mmask8 lanes,
                                       const __m256& single) {
-    if (layer.singles != nullptr) {
+    if (layer.singles) {
         _mm256_mask_storeu_ps(layer.singles[row] + column, lanes, single);
     } else {
         _mm512_mask_storeu_pd(layer.doubles[row] + column, lanes, _mm512_maskz_cvtps_pd(lanes, single));

@@ -10,12 +10,12 @@
 #pragma once
 
 #include "simulation/claimed_pixels.h"
-#include "simulation/scene_in_use.h"
+#include "simulation/prepared_scene.h"
 
 class TRIANGLE_FILLER {
   public:
     /// @param block  of DEM rows, the thread's own
-    TRIANGLE_FILLER(SCENE_IN_USE& in_use, int block);
+    TRIANGLE_FILLER(PREPARED_SCENE& prepared, int block);
 
     /// @param i  element of the rows at which corners 0 and 2 stand; all four must be solved
     /// A triangle below 1e-5 square pixels is logged at WARNING, once for every pixel that is asked, and holds nothing.

@@ -22,11 +22,11 @@ struct GAP {
 
 GAP FindGap(const MASTER_GRIDS& image) {
     GAP gap;
-    for (int line = 0; line < image.rows; ++line) {
+    for (int line = 0; line < image.mask.rows; ++line) {
         const unsigned char* row = image.mask[line];
-        const auto columns = static_cast<std::size_t>(image.columns);
+        const auto columns = static_cast<std::size_t>(image.mask.columns);
         if (std::memchr(row, 0, columns) == nullptr) continue;
-        for (int sample = 0; sample < image.columns; ++sample) {
+        for (int sample = 0; sample < image.mask.columns; ++sample) {
             if (row[sample] != 0) continue;
             if (gap.count++ == 0) {
                 Log().Message(LOGGING_LEVEL::WARNING, "Error: point has not been simulated rg=%d, az=%d", sample, line);

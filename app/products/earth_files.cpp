@@ -7,11 +7,11 @@ namespace {
 
 constexpr double kRequiredPrecision_m = 0.1;
 
-void SaveOne(SIMULATION_STATE& state, const std::string& path, const double* const* matrix, const char* offset_key) {
-    const IMAGE_SIZE& size = state.earth_output;
+void SaveOne(SIMULATION_STATE& state, const std::string& path, const GRID_VIEW<const double>& matrix,
+             const char* offset_key) {
     Log().Message(LOGGING_LEVEL::INFO, "       save: %s", path.c_str());
-    const double offset_m = PerturbationOffset(matrix, size.samples, size.lines);
-    WritePerturbationFile(path, matrix, size.samples, size.lines, offset_m, kRequiredPrecision_m);
+    const double offset_m = PerturbationOffset(matrix);
+    WritePerturbationFile(path, matrix, offset_m, kRequiredPrecision_m);
     state.insar_pool->Change(offset_key, offset_m);
 }
 

@@ -14,11 +14,11 @@ MEM_MGR CreateMap(const std::string& path, const IMAGE_SIZE& size) {
 }
 
 /// @param x_step, y_step  master pixels per column and row where the map is relative, else 0
-void Fill(MEM_MGR& file, const double* const* positions, int x_step, int y_step) {
-    float** map = file.GetNumRecMatrix<float>();
-    for (long long row = 0; row < file.Rows(); ++row) {
-        for (long long column = 0; column < file.Columns(); ++column) {
-            const double master = static_cast<double>(column * x_step + row * y_step);
+void Fill(MEM_MGR& file, const GRID_VIEW<const double>& positions, int x_step, int y_step) {
+    const GRID_VIEW<float> map = ViewOf<float>(file);
+    for (int row = 0; row < map.rows; ++row) {
+        for (int column = 0; column < map.columns; ++column) {
+            const double master = static_cast<double>(column) * x_step + static_cast<double>(row) * y_step;
             map[row][column] = static_cast<float>(positions[row][column] - master);
         }
     }

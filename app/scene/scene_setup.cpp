@@ -27,10 +27,8 @@ void SetUpShiftGrids(SIMULATION_STATE& state) {
     if (!state.configuration.WantsShifts()) return;
     shifts.azimuth_factor = state.configuration.shift.y;
     shifts.range_factor = state.configuration.shift.x;
-    shifts.rows = static_cast<int>(state.range_shift.Rows());
-    shifts.columns = static_cast<int>(state.range_shift.Columns());
-    shifts.range = state.range_shift.GetNumRecMatrix<double>();
-    shifts.azimuth = state.azimuth_shift.GetNumRecMatrix<double>();
+    shifts.range = ViewOf<double>(state.range_shift);
+    shifts.azimuth = ViewOf<double>(state.azimuth_shift);
 }
 
 void SetUpEarthGrids(SIMULATION_STATE& state) {
@@ -38,14 +36,12 @@ void SetUpEarthGrids(SIMULATION_STATE& state) {
     earth = {};
     earth.azimuth_factor = state.configuration.earth.y;
     earth.range_factor = state.configuration.earth.x;
-    earth.rows = state.earth_output.lines;
-    earth.columns = state.earth_output.samples;
     if (state.configuration.WantsEarth()) {
-        earth.x = state.x_earth.GetNumRecMatrix<double>();
-        earth.y = state.y_earth.GetNumRecMatrix<double>();
-        earth.z = state.z_earth.GetNumRecMatrix<double>();
+        earth.x = ViewOf<double>(state.x_earth);
+        earth.y = ViewOf<double>(state.y_earth);
+        earth.z = ViewOf<double>(state.z_earth);
     }
-    if (state.configuration.WantsHeight()) earth.radar_dem = state.height.GetNumRecMatrix<float>();
+    if (state.configuration.WantsHeight()) earth.radar_dem = ViewOf<float>(state.height);
 }
 
 }  // namespace
@@ -65,10 +61,8 @@ void SetUpAcquisitions(SIMULATION_STATE& state) {
 
 void SetUpGrids(SIMULATION_STATE& state) {
     SCENE& scene = state.scene;
-    scene.image.rows = state.simulation.lines;
-    scene.image.columns = state.simulation.samples;
-    scene.image.mask = state.mask.GetNumRecMatrix<unsigned char>();
-    scene.image.phase_rad = state.configuration.WantsPhase() ? state.phase.GetNumRecMatrix<float>() : nullptr;
+    scene.image.mask = ViewOf<unsigned char>(state.mask);
+    scene.image.phase_rad = state.configuration.WantsPhase() ? ViewOf<float>(state.phase) : GRID_VIEW<float>();
     SetUpShiftGrids(state);
     SetUpEarthGrids(state);
 }

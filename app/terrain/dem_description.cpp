@@ -94,7 +94,7 @@ void MapDem(SIMULATION_STATE& state) {
     DEM_GRID& grid = state.scene.dem;
     grid.columns = static_cast<int>(state.dem.Columns());
     grid.rows = static_cast<int>(state.dem.Rows());
-    grid.heights = state.dem.GetNumRecMatrix<short>();
+    grid.heights = ViewOf<short>(state.dem);
 }
 
 }  // namespace

@@ -17,9 +17,7 @@ void StageB(benchmark::State& state) {
     scene.scene.bistatic = state.range(0) != 0;
     state.SetLabel(scene.scene.bistatic ? "single-pass" : "monostatic");
     for (auto _ : state) {
-        for (int row = 0; row < scene.request.image_rows; ++row) {
-            std::fill_n(scene.mask.Table()[row], scene.request.image_columns, static_cast<unsigned char>(0));
-        }
+        scene.mask.Fill(0);
         scene.Run();
     }
     state.SetItemsProcessed(state.iterations() * scene.request.dem_size * scene.request.dem_size);

@@ -78,24 +78,20 @@ struct SHEET {
     explicit SHEET(int layers) : scene({.image_rows = kPixels, .image_columns = kPixels, .dem_size = 40}) {
         SCENE& s = scene.scene;
         s.simulated = {0, kCells, 0, kCells};
-        if (layers < 7) s.earth.x = s.earth.y = s.earth.z = nullptr;
-        if (layers < 7) s.shifts.range = s.shifts.azimuth = nullptr;
-        if (layers < 2) s.earth.radar_dem = nullptr;
+        if (layers < 7) s.earth.x = s.earth.y = s.earth.z = {};
+        if (layers < 7) s.shifts.range = s.shifts.azimuth = {};
+        if (layers < 2) s.earth.radar_dem = {};
     }
 
     void Fill(RADAR_ROW& row, int r) const {
         for (int i = 0; i < row.size; ++i) {
-            for (int q = 0; q < QUANTITIES; ++q) row.values[q][i] = 10.0 * q + 0.3 * i + 0.1 * r;
-            row.values[RANGE_PIXEL][i] = 5.01 * i + 0.4 * std::sin(0.1 * r);
-            row.values[AZIMUTH_PIXEL][i] = 4.9 * r + 0.1 * i;
+            for (int q = 0; q < kQuantities; ++q) row[static_cast<QUANTITY>(q)][i] = 10.0 * q + 0.3 * i + 0.1 * r;
+            row[QUANTITY::RANGE_PIXEL][i] = 5.01 * i + 0.4 * std::sin(0.1 * r);
+            row[QUANTITY::AZIMUTH_PIXEL][i] = 4.9 * r + 0.1 * i;
         }
     }
 
-    void Clear() {
-        for (int row = 0; row < kPixels; ++row) {
-            std::fill_n(scene.mask.Table()[row], kPixels, static_cast<unsigned char>(0));
-        }
-    }
+    void Clear() { scene.mask.Fill(0); }
 
     TEST_SCENE scene;
 };
@@ -110,16 +106,16 @@ double PlainSeconds(SHEET& sheet) {
         seconds += SecondsOf([&] {
             for (int i = 0; i < SHEET::kCells; ++i) {
                 for (int slot = 0; slot < 4; ++slot) {
-                    const auto& v = (slot < 2 ? upper : lower).values;
+                    const RADAR_ROW& v = slot < 2 ? upper : lower;
                     const int at = i + slot % 2;
                     PLAIN_POINT& point = plain.EditPoint(slot);
-                    point.position_m = {v[EARTH_X][at], v[EARTH_Y][at], v[EARTH_Z][at]};
-                    point.master_range_pixel = v[RANGE_PIXEL][at];
-                    point.master_azimuth_pixel = v[AZIMUTH_PIXEL][at];
-                    point.phase_rad = v[PHASE_RAD][at];
-                    point.slave_range_pixel = v[SLAVE_RANGE_PIXEL][at];
-                    point.slave_azimuth_pixel = v[SLAVE_AZIMUTH_PIXEL][at];
-                    point.height_m = static_cast<float>(v[HEIGHT_M][at]);
+                    point.position_m = {v[QUANTITY::EARTH_X][at], v[QUANTITY::EARTH_Y][at], v[QUANTITY::EARTH_Z][at]};
+                    point.master_range_pixel = v[QUANTITY::RANGE_PIXEL][at];
+                    point.master_azimuth_pixel = v[QUANTITY::AZIMUTH_PIXEL][at];
+                    point.phase_rad = v[QUANTITY::PHASE_RAD][at];
+                    point.slave_range_pixel = v[QUANTITY::SLAVE_RANGE_PIXEL][at];
+                    point.slave_azimuth_pixel = v[QUANTITY::SLAVE_AZIMUTH_PIXEL][at];
+                    point.height_m = static_cast<float>(v[QUANTITY::HEIGHT_M][at]);
                 }
                 plain.FillTriangles();
             }
@@ -135,8 +131,8 @@ void Rasteriser(benchmark::State& state) {
     double fast_s = 0.0;
     for (auto _ : state) {
         sheet.Clear();
-        SCENE_IN_USE in_use(sheet.scene.scene);
-        TRIANGLE_FILLER filler(in_use, 0);
+        PREPARED_SCENE prepared(sheet.scene.scene);
+        TRIANGLE_FILLER filler(prepared, 0);
         RADAR_ROW rows[] = {RADAR_ROW(sheet.scene.scene.simulated), RADAR_ROW(sheet.scene.scene.simulated)};
         sheet.Fill(rows[0], 0);
         double run_s = 0.0;

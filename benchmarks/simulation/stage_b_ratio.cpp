@@ -28,7 +28,8 @@ double SecondsOf(WORK work) {
 }
 
 void ClearMask(const MASTER_GRIDS& image) {
-    for (int row = 0; row < image.rows; ++row) std::memset(image.mask[row], 0, static_cast<std::size_t>(image.columns));
+    const auto columns = static_cast<std::size_t>(image.mask.columns);
+    for (int row = 0; row < image.mask.rows; ++row) std::memset(image.mask[row], 0, columns);
 }
 
 }  // namespace

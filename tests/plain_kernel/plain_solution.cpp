@@ -119,8 +119,8 @@ PLAIN_SOLUTION::PIXEL_BOX PLAIN_SOLUTION::BoundingBox() const {
     };
     const auto [near, far] = std::minmax_element(points_.begin(), points_.end(), by_range);
     const auto [early, late] = std::minmax_element(points_.begin(), points_.end(), by_azimuth);
-    return {FirstPixel(near->master_range_pixel), LastPixel(far->master_range_pixel, scene_.image.columns),
-            FirstPixel(early->master_azimuth_pixel), LastPixel(late->master_azimuth_pixel, scene_.image.rows)};
+    return {FirstPixel(near->master_range_pixel), LastPixel(far->master_range_pixel, scene_.image.mask.columns),
+            FirstPixel(early->master_azimuth_pixel), LastPixel(late->master_azimuth_pixel, scene_.image.mask.rows)};
 }
 
 TRIANGLE PLAIN_SOLUTION::InPixels(const CORNERS& triangle) const {
@@ -161,7 +161,7 @@ void PLAIN_SOLUTION::FillTriangles() {
 
 void PLAIN_SOLUTION::FillPixel(int column, int row, const CORNERS& triangle) {
     const WEIGHTS weights(column, row, points_[triangle[0]], points_[triangle[1]], points_[triangle[2]]);
-    if (scene_.image.phase_rad != nullptr) {
+    if (scene_.image.phase_rad) {
         scene_.image.phase_rad[row][column] = static_cast<float>(weights.Of(&PLAIN_POINT::phase_rad));
     }
     FillShifts(column, row, weights);
@@ -171,8 +171,8 @@ void PLAIN_SOLUTION::FillPixel(int column, int row, const CORNERS& triangle) {
 // The grids hold doubles of single precision: the resolution of the 32-bit products made from them.
 void PLAIN_SOLUTION::FillShifts(int column, int row, const WEIGHTS& weights) {
     const SHIFT_GRIDS& grids = scene_.shifts;
-    shift_written_ = grids.Wanted() && OnSubGrid(row, grids.azimuth_factor, grids.rows) &&
-                     OnSubGrid(column, grids.range_factor, grids.columns);
+    shift_written_ = grids.Wanted() && OnSubGrid(row, grids.azimuth_factor, grids.range.rows) &&
+                     OnSubGrid(column, grids.range_factor, grids.range.columns);
     if (!shift_written_) return;
     const int sub_row = row / grids.azimuth_factor;
     const int sub_column = column / grids.range_factor;
@@ -182,19 +182,15 @@ void PLAIN_SOLUTION::FillShifts(int column, int row, const WEIGHTS& weights) {
 
 void PLAIN_SOLUTION::FillEarth(int column, int row, const WEIGHTS& weights) {
     const EARTH_GRIDS& grids = scene_.earth;
-    earth_written_ = grids.Wanted() && OnSubGrid(row, grids.azimuth_factor, grids.rows) &&
-                     OnSubGrid(column, grids.range_factor, grids.columns);
-    if (!earth_written_) return;
-    const int sub_row = row / grids.azimuth_factor;
-    const int sub_column = column / grids.range_factor;
-    const auto store = [&](double** grid, double VECTOR_3D<double>::*axis) {
-        if (grid != nullptr) grid[sub_row][sub_column] = static_cast<float>(weights.Of(axis));
+    earth_written_ = false;
+    const auto store = [&](const auto& grid, double value) {
+        if (!grid || !OnSubGrid(row, grids.azimuth_factor, grid.rows)) return;
+        if (!OnSubGrid(column, grids.range_factor, grid.columns)) return;
+        grid[row / grids.azimuth_factor][column / grids.range_factor] = static_cast<float>(value);
+        earth_written_ = true;
     };
-    store(grids.x, &VECTOR_3D<double>::x);
-    store(grids.y, &VECTOR_3D<double>::y);
-    store(grids.z, &VECTOR_3D<double>::z);
-    if (grids.radar_dem != nullptr) {
-        grids.radar_dem[sub_row][sub_column] =
-            static_cast<float>(weights.Of(weights.p0.height_m, weights.p1.height_m, weights.p2.height_m));
-    }
+    store(grids.x, weights.Of(&VECTOR_3D<double>::x));
+    store(grids.y, weights.Of(&VECTOR_3D<double>::y));
+    store(grids.z, weights.Of(&VECTOR_3D<double>::z));
+    store(grids.radar_dem, weights.Of(weights.p0.height_m, weights.p1.height_m, weights.p2.height_m));
 }

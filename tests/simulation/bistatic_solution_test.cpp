@@ -279,9 +279,8 @@ TEST(BistaticSolution, TakesTheApertureOfTheDemCentre) {
 
     // 6000 km of DEM: its centre lies 1500 km and more beyond the state vectors, where the interpolation would end the
     // process if it were asked; the centre of the simulated part is taken.
-    std::vector<const short*> rows(200000, s.heights.Table()[0]);
-    s.scene.dem.rows = static_cast<int>(rows.size());
-    s.scene.dem.heights = rows.data();
+    s.scene.dem.rows = 200000;
+    s.scene.dem.heights.row_stride = 0;  // all of them alike
     s.scene.simulated = {20, 60, 10, 50};
     BISTATIC_SOLUTION beyond(s.scene);
     const std::string log = LoggedBy([&] { beyond.Prepare(); });

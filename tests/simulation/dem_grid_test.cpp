@@ -19,16 +19,14 @@ constexpr double kB = 6356752.315;
 /// 3 rows of 4 samples: 100, 101, ... row by row.
 struct SMALL_DEM {
     std::vector<short> samples;
-    std::vector<const short*> rows;
     DEM_GRID grid;
 
     explicit SMALL_DEM(const char* kind) {
         for (short i = 0; i < 12; ++i) samples.push_back(static_cast<short>(100 + i));
-        for (int row = 0; row < 3; ++row) rows.push_back(samples.data() + 4 * row);
         grid.kind = kind;
         grid.rows = 3;
         grid.columns = 4;
-        grid.heights = rows.data();
+        grid.heights = {samples.data(), 4, 3, 4};
         grid.height_offset_m = -20.0;
         grid.geodetic = {kA, SquaredEccentricity(kA, kB), {}};
     }

@@ -10,8 +10,8 @@
 #include "geometry/zero_doppler_rows.h"
 #include "simulation/area_rows.h"
 #include "simulation/dem_row.h"
+#include "simulation/prepared_scene.h"
 #include "simulation/radar_solution.h"
-#include "simulation/scene_in_use.h"
 #include "simulation/triangle_filler.h"
 #include "tests/kit/log_capture.h"
 #include "tests/plain_kernel/plain_kernel.h"
@@ -40,7 +40,7 @@ void MakeSteep(TEST_SCENE& s, bool voids) {
     for (int row = 0; row < s.scene.dem.rows; ++row) {
         for (int column = 0; column < s.scene.dem.columns; ++column) {
             const double hill = 150.0 * std::sin(0.31 * row) * std::cos(0.23 * column);
-            short& height = s.heights.Table()[row][column];
+            short& height = s.heights.View()[row][column];
             height = static_cast<short>(height + hill + relief(random));
             if (voids && chance(random) == 0) height = -32768;
         }
@@ -58,14 +58,14 @@ void ExpectSameGrids(const TEST_SCENE& fast, const TEST_SCENE& plain) {
             different += !near(fast.phase.At(row, column), plain.phase.At(row, column), 1e-4);
         }
     }
-    for (int row = 0; row < fast.scene.shifts.rows; ++row) {
-        for (int column = 0; column < fast.scene.shifts.columns; ++column) {
+    for (int row = 0; row < fast.scene.shifts.range.rows; ++row) {
+        for (int column = 0; column < fast.scene.shifts.range.columns; ++column) {
             different += !near(fast.shift_range.At(row, column), plain.shift_range.At(row, column), 1e-5);
             different += !near(fast.shift_azimuth.At(row, column), plain.shift_azimuth.At(row, column), 1e-5);
         }
     }
-    for (int row = 0; row < fast.scene.earth.rows; ++row) {
-        for (int column = 0; column < fast.scene.earth.columns; ++column) {
+    for (int row = 0; row < fast.scene.earth.x.rows; ++row) {
+        for (int column = 0; column < fast.scene.earth.x.columns; ++column) {
             different += !near(fast.x.At(row, column), plain.x.At(row, column), 1e-4);
             different += !near(fast.y.At(row, column), plain.y.At(row, column), 1e-4);
             different += !near(fast.z.At(row, column), plain.z.At(row, column), 1e-4);
@@ -134,8 +134,8 @@ TEST(FastKernel, GivesTheProductsOfThePlainOneWithoutTheMachinesVectors) {
     TEST_SCENE fast({});
     MakeSteep(fast, false);
     {
-        SCENE_IN_USE in_use(fast.scene);
-        RADAR_SOLUTION solution(in_use, 0);
+        PREPARED_SCENE prepared(fast.scene);
+        RADAR_SOLUTION solution(prepared, 0);
         solution.Filler().UseVectors(false);
         for (int row = 0; row < fast.scene.simulated.last_row; ++row) solution.SimulateRow(row);
     }
@@ -261,10 +261,10 @@ TEST(DemRow, AgreesWithSamplesOneByOne) {
                     VECTOR_3D<double> p;
                     float height_m = 0.0F;
                     Get_Earth_Position_From_DEM(s.scene.dem, 5 + i, samples.row, p.x, p.y, p.z, &height_m);
-                    ASSERT_NEAR(samples.values[EARTH_X][i], p.x, 1e-8);
-                    ASSERT_NEAR(samples.values[EARTH_Y][i], p.y, 1e-8);
-                    ASSERT_NEAR(samples.values[EARTH_Z][i], p.z, 1e-8);
-                    ASSERT_EQ(samples.values[HEIGHT_M][i], height_m);
+                    ASSERT_NEAR(samples[QUANTITY::EARTH_X][i], p.x, 1e-8);
+                    ASSERT_NEAR(samples[QUANTITY::EARTH_Y][i], p.y, 1e-8);
+                    ASSERT_NEAR(samples[QUANTITY::EARTH_Z][i], p.z, 1e-8);
+                    ASSERT_EQ(samples[QUANTITY::HEIGHT_M][i], height_m);
                 }
             }
         }

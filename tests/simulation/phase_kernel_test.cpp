@@ -6,7 +6,7 @@
 
 #include "geometry/zero_doppler.h"
 #include "lib/baselib/errors/error_exception.h"
-#include "simulation/scene_in_use.h"
+#include "simulation/prepared_scene.h"
 #include "tests/kit/log_capture.h"
 #include "tests/plain_kernel/plain_solution.h"
 #include "tests/simulation/test_scene.h"
@@ -128,14 +128,14 @@ TEST(PhaseKernel, SubSamplesWithoutLeavingAGrid) {
             TEST_SCENE s(request);
             s.Run();
             ASSERT_EQ(s.MaskCount(), 23 * 17);
-            for (int row = 0; row < s.scene.shifts.rows; ++row) {
-                for (int column = 0; column < s.scene.shifts.columns; ++column) {
+            for (int row = 0; row < s.scene.shifts.range.rows; ++row) {
+                for (int column = 0; column < s.scene.shifts.range.columns; ++column) {
                     EXPECT_EQ(s.shift_range.At(row, column), full.shift_range.At(row * azimuth, column * range));
                     EXPECT_EQ(s.shift_azimuth.At(row, column), full.shift_azimuth.At(row * azimuth, column * range));
                 }
             }
-            for (int row = 0; row < s.scene.earth.rows; ++row) {
-                for (int column = 0; column < s.scene.earth.columns; ++column) {
+            for (int row = 0; row < s.scene.earth.z.rows; ++row) {
+                for (int column = 0; column < s.scene.earth.z.columns; ++column) {
                     EXPECT_EQ(s.z.At(row, column), full.z.At(row * range, column * azimuth));
                     EXPECT_EQ(s.radar_dem.At(row, column), full.radar_dem.At(row * range, column * azimuth));
                 }
@@ -146,9 +146,9 @@ TEST(PhaseKernel, SubSamplesWithoutLeavingAGrid) {
 
 TEST(PhaseKernel, WritesOnlyWhatIsWanted) {
     TEST_SCENE s(kDescendingRight);
-    s.scene.shifts.range = s.scene.shifts.azimuth = nullptr;
-    s.scene.earth.x = nullptr;
-    s.scene.earth.radar_dem = nullptr;
+    s.scene.shifts.range = s.scene.shifts.azimuth = {};
+    s.scene.earth.x = {};
+    s.scene.earth.radar_dem = {};
     s.Run();
     EXPECT_EQ(s.MaskCount(), s.request.image_rows * s.request.image_columns);
     EXPECT_EQ(s.shift_range.At(5, 5), 0.0);
@@ -237,12 +237,12 @@ TEST(PhaseKernel, ReportsProgressFromTheMiddleThread) {
     const THREAD_COUNT_SETTING one("1");
     const auto log_of = [](int rows, unsigned thread_number) {
         TEST_SCENE s({.dem_size = 40});
-        SCENE_IN_USE in_use(s.scene);
+        PREPARED_SCENE prepared(s.scene);
         DEM2PHASE_ARG arg;
         arg.start = 10;
         arg.length = static_cast<unsigned>(rows);
         arg.thread_number = thread_number;
-        return LoggedBy([&] { DEM2PHASE_Thread(&arg); }, LOGGING_LEVEL::TRACE);
+        return LoggedBy([&] { DEM2PHASE_Thread(prepared, arg); }, LOGGING_LEVEL::TRACE);
     };
     const std::string few = log_of(4, 0);
     EXPECT_THAT(few, testing::HasSubstr("   - thread nr: 0  start: 10  length: 4\n"));
@@ -260,15 +260,6 @@ TEST(PhaseKernel, ReportsProgressFromTheMiddleThread) {
     const THREAD_COUNT_SETTING two("2");
     EXPECT_THAT(log_of(4, 1), testing::HasSubstr("    * processed 25 %\n"));
     EXPECT_THAT(log_of(4, 0), testing::Not(testing::HasSubstr("processed")));
-}
-
-TEST(PhaseKernel, NeedsOneSceneAtATime) {
-    EXPECT_THAT(LoggedBy([] { EXPECT_THROW((void)CurrentScene(), ERROR_ALGORITHM); }), testing::HasSubstr("no scene"));
-    const SCENE scene;
-    const SCENE_IN_USE in_use(scene);
-    EXPECT_EQ(&CurrentScene().Scene(), &scene);
-    EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(SCENE_IN_USE another(scene), ERROR_ALGORITHM); }),
-                testing::HasSubstr("another scene"));
 }
 
 TEST(PhaseKernel, RefusesAnUnknownGridInItsThread) {

@@ -4,7 +4,10 @@
 
 #pragma once
 
+#include <algorithm>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <string>
 #include <vector>
@@ -16,21 +19,34 @@
 #include "tests/kit/circular_orbit.h"
 #include "tests/kit/orbit_pools.h"
 
-/// Rows of one grid, each an allocation of its own: a write beside a row is seen by the address sanitizer.
+/// Pixels of one grid. Behind every row stand elements that belong to nobody: a write into them ends the test.
 template <class T>
 class TEST_GRID {
   public:
-    TEST_GRID(int rows, int columns, T value) : rows_(rows, std::vector<T>(columns, value)) {
-        for (std::vector<T>& row : rows_) table_.push_back(row.data());
-    }
-    TEST_GRID(const TEST_GRID&) = delete;  // the table points into the rows
+    TEST_GRID(int rows, int columns, T value) : rows_(rows), columns_(columns) { Fill(value); }
+    TEST_GRID(const TEST_GRID&) = delete;  // views point into it
     TEST_GRID& operator=(const TEST_GRID&) = delete;
-    [[nodiscard]] T** Table() { return table_.data(); }
-    [[nodiscard]] T At(int row, int column) const { return rows_[row][column]; }
+    ~TEST_GRID() {
+        for (int row = 0; row < rows_; ++row) {
+            const T* const beside = View()[row] + columns_;
+            if (std::count(beside, beside + kBeside, kNobodys) == kBeside) continue;
+            std::fprintf(stderr, "something was written behind row %d of a grid\n", row);
+            std::abort();
+        }
+    }
+    [[nodiscard]] GRID_VIEW<T> View() { return {pixels_.data(), columns_ + kBeside, rows_, columns_}; }
+    [[nodiscard]] T At(int row, int column) const { return pixels_[row * (columns_ + kBeside) + column]; }
+    void Fill(T value) {
+        pixels_.assign(static_cast<std::size_t>(rows_) * (columns_ + kBeside), kNobodys);
+        for (int row = 0; row < rows_; ++row) std::fill_n(View()[row], columns_, value);
+    }
 
   private:
-    std::vector<std::vector<T>> rows_;
-    std::vector<T*> table_;
+    static constexpr int kBeside = 11;
+    static constexpr T kNobodys = 77;
+    int rows_;
+    int columns_;
+    std::vector<T> pixels_;
 };
 
 struct SCENE_REQUEST {
@@ -192,11 +208,11 @@ class TEST_SCENE {
         }
         for (int row = 0; row < dem.rows; ++row) {
             for (int column = 0; column < dem.columns; ++column) {
-                heights.Table()[row][column] = static_cast<short>(SampleAt(column, row));
+                heights.View()[row][column] = static_cast<short>(SampleAt(column, row));
             }
         }
         dem.height_offset_m = kOffset_m;
-        dem.heights = heights.Table();
+        dem.heights = heights.View();
         scene.simulated = {0, request.dem_size, 0, request.dem_size};
     }
 
@@ -207,21 +223,11 @@ class TEST_SCENE {
     }
 
     void ConnectGrids() {
-        scene.image = {request.image_rows, request.image_columns, mask.Table(), phase.Table()};
-        scene.shifts = {request.shift_azimuth_factor,
-                        request.shift_range_factor,
-                        (request.image_rows - 1) / request.shift_azimuth_factor + 1,
-                        (request.image_columns - 1) / request.shift_range_factor + 1,
-                        shift_range.Table(),
-                        shift_azimuth.Table()};
-        scene.earth = {request.earth_azimuth_factor,
-                       request.earth_range_factor,
-                       (request.image_rows - 1) / request.earth_azimuth_factor + 1,
-                       (request.image_columns - 1) / request.earth_range_factor + 1,
-                       x.Table(),
-                       y.Table(),
-                       z.Table(),
-                       radar_dem.Table()};
+        scene.image = {mask.View(), phase.View()};
+        scene.shifts = {request.shift_azimuth_factor, request.shift_range_factor, shift_range.View(),
+                        shift_azimuth.View()};
+        scene.earth = {
+            request.earth_azimuth_factor, request.earth_range_factor, x.View(), y.View(), z.View(), radar_dem.View()};
     }
 
     VECTOR_3D<double> centre_m{};

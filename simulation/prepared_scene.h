@@ -1,8 +1,7 @@
-/// \file scene_in_use.h
-/// The scene that the phase kernel's threads simulate, with what they share beside it. The kernel's argument carries
-/// rows only, so the scene reaches the threads through here. Life: made before the threads start; settled after they
-/// have ended. Threads: constant while they run, but for the lists of contested pixels, of which every block has its
-/// own.
+/// \file prepared_scene.h
+/// A scene made ready for the phase kernel's threads, with what they share beside it: compiled orbits, the list of
+/// layers, the owners of pixels. Made before the threads start; settled after they have ended. Threads: constant while
+/// they run, but for the lists of contested pixels, of which every block has its own.
 
 #pragma once
 
@@ -15,14 +14,13 @@
 #include "simulation/pixel_ownership.h"
 #include "simulation/scene.h"
 
-class SCENE_IN_USE {
+class PREPARED_SCENE {
   public:
     /// Compiles the orbits over the scene's time and shares the image out among the blocks of ThreadCount() threads.
-    /// Errors: while another one lives: logged at ALARM, then ERROR_ALGORITHM.
-    explicit SCENE_IN_USE(const SCENE& scene);
-    ~SCENE_IN_USE();
-    SCENE_IN_USE(const SCENE_IN_USE&) = delete;
-    SCENE_IN_USE& operator=(const SCENE_IN_USE&) = delete;
+    /// @param scene  must outlive the object
+    explicit PREPARED_SCENE(const SCENE& scene);
+    PREPARED_SCENE(const PREPARED_SCENE&) = delete;
+    PREPARED_SCENE& operator=(const PREPARED_SCENE&) = delete;
 
     /// Writes what the threads have kept for the end. To be called once, when all of them have ended.
     void Settle() { SettleContestedPixels(contested_, ownership_, layers_, scene_.image.mask); }
@@ -50,6 +48,3 @@ class SCENE_IN_USE {
     std::vector<CONTESTED_PIXELS> contested_;
     PIXEL_OWNERSHIP ownership_;
 };
-
-/// The one in use. Errors: none in use is logged at ALARM, then ERROR_ALGORITHM.
-[[nodiscard]] SCENE_IN_USE& CurrentScene();

@@ -1,21 +1,16 @@
-#include "simulation/scene_in_use.h"
+#include "simulation/prepared_scene.h"
 
 #include <strings.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cmath>
 
 #include "geometry/constants.h"
 #include "geometry/zero_doppler.h"
-#include "lib/baselib/errors/error_exception.h"
-#include "lib/baselib/logging/logging.h"
 #include "simulation/row_blocks.h"
 #include "simulation/thread_count.h"
 
 namespace {
-
-std::atomic<SCENE_IN_USE*> current_scene{nullptr};
 
 /// The points of the accepted cells lie within 1000 lines of the image; beyond the margin single points are solved.
 std::optional<COMPILED_ORBIT> CompiledFor(const ACQUISITION_SCENE& acquisition) {
@@ -47,7 +42,7 @@ bool HasPositions(const DEM_GRID& dem) {
 
 }  // namespace
 
-SCENE_IN_USE::SCENE_IN_USE(const SCENE& scene)
+PREPARED_SCENE::PREPARED_SCENE(const SCENE& scene)
     : scene_(scene),
       compiled_master_(CompiledFor(scene.master)),
       compiled_slave_(CompiledFor(scene.slave)),
@@ -55,19 +50,9 @@ SCENE_IN_USE::SCENE_IN_USE(const SCENE& scene)
       slave_orbit_(RowOrbitOf(scene.slave, compiled_slave_)),
       layers_(scene),
       contested_(std::max(BlockCount(SimulatedRows(scene), ThreadCount()), 1)),
-      ownership_(scene.image.rows, scene.image.columns, Borders()) {
-    SCENE_IN_USE* none = nullptr;
-    if (!current_scene.compare_exchange_strong(none, this)) {
-        Log().Message(LOGGING_LEVEL::ALARM, "phase kernel: another scene is being simulated");
-        throw ERROR_ALGORITHM();
-    }
-}
+      ownership_(scene.image.mask.rows, scene.image.mask.columns, Borders()) {}
 
-SCENE_IN_USE::~SCENE_IN_USE() {
-    current_scene.store(nullptr);
-}
-
-std::vector<BLOCK_BORDER> SCENE_IN_USE::Borders() const {
+std::vector<BLOCK_BORDER> PREPARED_SCENE::Borders() const {
     const DEM_RANGE& simulated = scene_.simulated;
     const long long rows = SimulatedRows(scene_);
     const int blocks = BlockCount(rows, static_cast<int>(contested_.size()));
@@ -80,7 +65,7 @@ std::vector<BLOCK_BORDER> SCENE_IN_USE::Borders() const {
 }
 
 /// A guess needs no more than some hundred points. It never asks the orbit outside its data.
-BLOCK_BORDER SCENE_IN_USE::BorderAt(int row) const {
+BLOCK_BORDER PREPARED_SCENE::BorderAt(int row) const {
     constexpr int kPoints = 500;
     const ACQUISITION_SCENE& master = scene_.master;
     const double offset_s = master.orbit.offset_s;
@@ -100,13 +85,4 @@ BLOCK_BORDER SCENE_IN_USE::BorderAt(int row) const {
                           (solution.time_s - master.first_azimuth_time_s) * master.prf_hz});
     }
     return border;
-}
-
-SCENE_IN_USE& CurrentScene() {
-    SCENE_IN_USE* const scene = current_scene.load();
-    if (scene == nullptr) {
-        Log().Message(LOGGING_LEVEL::ALARM, "phase kernel: no scene to simulate");
-        throw ERROR_ALGORITHM();
-    }
-    return *scene;
 }
