@@ -108,12 +108,10 @@ def test_closed_standard_streams_do_no_harm(small):
                                           (signal.SIGFPE, "floating point exception")])
 def test_a_signal_between_the_stages(small, number, text):
     before = pool_bytes(small)
-    process = start(small)
-    assert any(b"B. PHASE SIMULATION" in line for line in process.stdout)
-    process.send_signal(signal.SIGSTOP)  # so that the run can not end before the signal
-    process.send_signal(number)
-    process.send_signal(signal.SIGCONT)
-    assert process.wait(timeout=30) == 1
+    run = velmora_run.HELD_RUN(small, ENVIRONMENT)
+    run.read_until(b"B. PHASE SIMULATION")
+    run.process.send_signal(number)
+    assert run.end() == 1
     reason = "got fatal signal %d: %s" % (number, text)
     assert velmora_run.RUN(small, 1, "", "").lines("ALARM") == [reason, "ORQ_MSG|ERROR|velmora " + reason]
     assert (small / "ERROR.velmora").read_text() == "1" and pool_bytes(small) == before

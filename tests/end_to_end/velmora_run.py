@@ -1,6 +1,7 @@
 """Runs the real program on real files and collects what it leaves behind."""
 
 import dataclasses
+import fcntl
 import os
 import pathlib
 import subprocess
@@ -66,6 +67,34 @@ def succeed(folder, *arguments, **options):
     run = velmora(folder, *arguments, **options)
     assert run.status == 0, run.explanation()
     return run
+
+
+class HELD_RUN:
+    """A run that is at most one line of its screen ahead of the reader: a pipe of one page that takes each write as a
+    packet of its own holds one line, and the program waits before the next one."""
+
+    def __init__(self, folder, environment, *arguments):
+        self._screen, end = os.pipe2(os.O_DIRECT | os.O_CLOEXEC)
+        fcntl.fcntl(end, fcntl.F_SETPIPE_SZ, 4096)
+        self.process = subprocess.Popen([BINARY, "-pcf", "scene.pcf", *arguments], cwd=folder, env=environment,
+                                        stdin=subprocess.DEVNULL, stdout=end)
+        os.close(end)
+
+    def read_line(self):
+        return os.read(self._screen, 65536)
+
+    def read_until(self, text):
+        line = self.read_line()
+        while text not in line:
+            assert line, "the run ended before %r" % text
+            line = self.read_line()
+
+    def end(self):
+        """Lets the run go on to its end. @return its exit status"""
+        while self.read_line():
+            pass
+        os.close(self._screen)
+        return self.process.wait(timeout=RUN_LIMIT_S)
 
 
 def pool_bytes(folder):
