@@ -7,8 +7,8 @@
 #include <sstream>
 #include <tuple>
 
-#include "lib/baselib/pool/parameter_pool_read_write_change.h"
 #include "fuzz/fuzz_target.h"
+#include "lib/baselib/pool/parameter_pool_read_write_change.h"
 
 namespace {
 

@@ -4,10 +4,10 @@
 
 #include <vector>
 
+#include "fuzz/fuzz_target.h"
 #include "orbit/local_interpolation.h"
 #include "orbit/mdb_orbit.h"
 #include "orbit/polynom.h"
-#include "fuzz/fuzz_target.h"
 
 namespace {
 

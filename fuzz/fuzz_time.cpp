@@ -5,9 +5,9 @@
 #include <iterator>
 #include <type_traits>
 
+#include "fuzz/fuzz_target.h"
 #include "orbit/interpolation_request.h"
 #include "orbit/reference_time.h"
-#include "fuzz/fuzz_target.h"
 #include "time/time_axis.h"
 
 namespace {

@@ -4,10 +4,10 @@
 
 #include <string>
 
-#include "app/request/area_extension.h"
-#include "app/terrain/dem_valid_range.h"
 #include "app/acquisition/observation_mode.h"
+#include "app/request/area_extension.h"
 #include "app/scene/output_sizes.h"
+#include "app/terrain/dem_valid_range.h"
 #include "lib/baselib/errors/error_exception.h"
 
 namespace {
