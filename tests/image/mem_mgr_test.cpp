@@ -138,10 +138,14 @@ TEST(MemMgr, FlushReportsEveryErrorOfMsync) {
     MEM_MGR image;
     image.CreateFile(folder.Path("a"), 5000, 3, PIXEL_TYPE::U_INT_8);
     image.Flush(MS_SYNC);
-    EXPECT_EQ(
-        "ALARM : global : MEM_MGR: msync error ..\n"
-        "ALARM : global : EINVAL: addr is not a multiple of the page size or wrong flag ..\n",
-        LoggedBy([&] { EXPECT_THROW(image.Flush(MS_SYNC | MS_ASYNC), ERROR_CAN_NOT_MSYNC); }));
+    EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(image.Flush(MS_SYNC | MS_ASYNC), ERROR_CAN_NOT_MSYNC); }),
+                testing::AllOf(HasSubstr("ALARM : global : MEM_MGR: msync error ..\n"
+                                         "ALARM : global : EINVAL: addr is not a multiple of the page size or wrong "
+                                         "flag ..\n"),
+                               HasSubstr("ALARM : global : " + folder.Path("a") + ": Invalid argument\n")));
+    EXPECT_THAT(BusErrorText(image.Data() + 14999),
+                testing::StartsWith(folder.Path("a") + ": the file can not be read"));
+    EXPECT_EQ(nullptr, BusErrorText(image.Data() + 15000));
     const auto page = static_cast<std::size_t>(getpagesize());
     std::byte* const start = image.Data() - image.HeaderSize();
     ASSERT_EQ(0, munmap(start, page));

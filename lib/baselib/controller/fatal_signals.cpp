@@ -18,6 +18,8 @@ constexpr int kFatalSignals[] = {SIGHUP, SIGINT,  SIGQUIT, SIGILL,  SIGIOT, SIGA
 std::atomic<const FATAL_SIGNAL_REACTION*> registered{nullptr};
 static_assert(std::atomic<const FATAL_SIGNAL_REACTION*>::is_always_lock_free);
 
+FATAL_SIGNAL_HELP help_of_others;  // constant once the handlers are installed
+
 std::string GotFatalSignal(int number) {
     return "got fatal signal " + std::to_string(number) + ": " + SignalText(number);
 }
@@ -44,13 +46,21 @@ void LeaveErrorStatus(const FATAL_SIGNAL_REACTION& reaction) noexcept {
         LOGGING::EmergencyLine(LOGGING_LEVEL::WARNING, reaction.can_not_create_line.c_str());
 }
 
-extern "C" void HandleFatalSignal(int number) {
+void ExplainBusError(int number, const siginfo_t& information) noexcept {
+    if (number != SIGBUS || help_of_others.explain_bus_error == nullptr) return;
+    const char* const line = help_of_others.explain_bus_error(information.si_addr);
+    if (line != nullptr) LOGGING::EmergencyLine(LOGGING_LEVEL::ALARM, line);
+}
+
+extern "C" void HandleFatalSignal(int number, siginfo_t* information, void* /*context*/) {
     static std::atomic_flag handling;
     if (handling.test_and_set())
         for (;;) pause();
     alarm(kLongestHandlingSeconds);
     LOGGING::BeginEmergency();
     LOGGING::EmergencyLine(LOGGING_LEVEL::ALARM, (*reason_lines.load())[number].c_str());
+    ExplainBusError(number, *information);
+    if (help_of_others.clean_up != nullptr) help_of_others.clean_up();
     const FATAL_SIGNAL_REACTION* const reaction = registered;
     if (reaction == nullptr) _exit(255);
     if (!reaction->controller_lines[number].empty())
@@ -129,13 +139,17 @@ void InstallFatalSignalHandlers() {
     UseAlternateStack();
     RestoreAlarmSignal();
     struct sigaction action = {};
-    action.sa_handler = HandleFatalSignal;
-    action.sa_flags = SA_ONSTACK;
+    action.sa_sigaction = HandleFatalSignal;
+    action.sa_flags = SA_ONSTACK | SA_SIGINFO;
     sigemptyset(&action.sa_mask);
     // Blocked too: with nobody to read the screen's pipe the handler must still leave its status file.
     sigaddset(&action.sa_mask, SIGPIPE);
     for (const int number : kFatalSignals) sigaddset(&action.sa_mask, number);
     for (const int number : kFatalSignals) sigaction(number, &action, nullptr);
+}
+
+void SetFatalSignalHelp(const FATAL_SIGNAL_HELP& help) noexcept {
+    help_of_others = help;
 }
 
 void RegisterForFatalSignals(const FATAL_SIGNAL_REACTION* reaction) noexcept {

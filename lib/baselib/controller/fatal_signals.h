@@ -35,6 +35,13 @@ struct FATAL_SIGNAL_REACTION {
     std::string can_not_create_line;
 };
 
+/// What other libraries have to say and to do when a fatal signal ends the process. Async-signal-safe functions.
+struct FATAL_SIGNAL_HELP {
+    const char* (*explain_bus_error)(const void* address) noexcept = nullptr;  ///< a line for ALARM, or null
+    void (*clean_up)() noexcept = nullptr;
+};
+void SetFatalSignalHelp(const FATAL_SIGNAL_HELP& help) noexcept;
+
 /// Installs the handler, also on an alternate stack for the calling thread. Calling it again changes nothing.
 /// SIGPIPE and SIGALRM keep their default action: a broken pipe ends the run by the signal itself, and so does an
 /// unanswered keyboard question.

@@ -3,16 +3,23 @@
 
 #pragma once
 
+#include <sys/types.h>
+
+#include <cerrno>
 #include <cstddef>
+#include <string>
 
 class FILE_DESCRIPTOR {
   public:
+    /// @param number  -1: none
     explicit FILE_DESCRIPTOR(int number) : number_(number) {}
     FILE_DESCRIPTOR(const FILE_DESCRIPTOR&) = delete;
     FILE_DESCRIPTOR& operator=(const FILE_DESCRIPTOR&) = delete;
     ~FILE_DESCRIPTOR();
 
     int Get() const { return number_; }
+    /// Closes what is held and holds another file.
+    void Reset(int number);
     /// Hands the file over to the caller, who closes it.
     int Release();
     /// Closes the file now. @return 0 or the errno value: some file systems tell of a failed write only here.
@@ -22,6 +29,18 @@ class FILE_DESCRIPTOR {
     int number_;
 };
 
+/// A system call that returns -1 on failure, made again while a signal interrupts it.
+template <class CALL>
+auto UnlessInterrupted(const CALL& call) {
+    constexpr int kMostTries = 100;  // a call that never gets through is an error, not a hang
+    auto result = call();
+    for (int i = 1; result < 0 && errno == EINTR && i < kMostTries; ++i) result = call();
+    return result;
+}
+
+/// open(), over interruptions.
+int OpenFile(const std::string& path, int flags, mode_t permissions = 0);
+
 /// Reads up to that many bytes from the current position, over short reads and interruptions.
 /// @return number of bytes read; fewer at the end of the file or on an error
 std::size_t ReadWhole(int file_descriptor, void* buffer, std::size_t bytes);
@@ -29,3 +48,6 @@ std::size_t ReadWhole(int file_descriptor, void* buffer, std::size_t bytes);
 /// Writes that many bytes at the current position, over short writes and interruptions.
 /// @return 0 when all are written, else the errno value
 int WriteWhole(int file_descriptor, const void* data, std::size_t bytes);
+
+/// The same at an offset of a regular file, whose position does not change: several threads may write at once.
+int WriteWholeAt(int file_descriptor, const void* data, std::size_t bytes, off_t offset);

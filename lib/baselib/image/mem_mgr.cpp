@@ -3,6 +3,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdint>
 #include <cstring>
 #include <limits>
@@ -153,6 +154,7 @@ void MEM_MGR::Flush(int flags) const {
     const int error = errno;
     Log() << LOGGING_LEVEL::ALARM << "MEM_MGR: msync error ..\n";
     Log() << LOGGING_LEVEL::ALARM << MsyncErrorText(error) << "\n";
+    Log().Message(LOGGING_LEVEL::ALARM, "%s: %s", held_.mapped_file->Path().c_str(), std::strerror(error));
     throw ERROR_CAN_NOT_MSYNC();
 }
 

@@ -17,6 +17,7 @@
 
 #include "lib/baselib/containers/records.h"
 #include "lib/baselib/image/data_type.h"
+#include "lib/baselib/image/mapped_file.h"
 #include "lib/baselib/image/pixel_type.h"
 
 enum class ACCESS_MODE : int { READ_ONLY = 0, WRITE_ONLY = 1, READ_WRITE = 2 };
@@ -86,7 +87,7 @@ class MEM_MGR {
     /// Creates (or replaces) a raster file of this size, gives it all its room on disk and maps it for reading and
     /// writing; its pixels are zero. Flush(MS_SYNC) before Free() tells of write errors, Free() alone does not.
     /// @param permissions  of a new file, before the process's mask
-    /// @throws ERROR_IMAGE when the header's 32-bit words cannot hold the sizes (nothing is created),
+    /// @throws ERROR_IMAGE when the header's 32-bit words cannot hold columns or rows (nothing is created),
     ///         ERROR_CAN_NOT_CREATE_FILE, ERROR_NO_DISK_SPACE, ERROR_CAN_NOT_WRITE_FILE, ERROR_CAN_NOT_MMAP,
     ///         ERROR_NOT_SUPPORTED_PIXEL_TYPE; the file of a failed creation is removed
     void CreateFile(const std::string& path, long long columns, long long rows, PIXEL_TYPE pixel_type,
@@ -94,8 +95,8 @@ class MEM_MGR {
 
     /// Writes the whole image as a raster file, which is created or replaced.
     /// @param permissions  of a new file, before the process's mask
-    /// @throws ERROR_IMAGE when the header's 32-bit words cannot hold the sizes (nothing is written), ERROR_ALGORITHM
-    /// for
+    /// @throws ERROR_IMAGE when the header's 32-bit words cannot hold columns or rows (nothing is written),
+    /// ERROR_ALGORITHM for
     ///         an image without a pixel type, ERROR_CAN_NOT_OPEN_FILE, ERROR_CAN_NOT_WRITE_FILE (what was written
     ///         stays)
     void SaveSunRasterFile(const std::string& path, mode_t permissions) const;
@@ -168,6 +169,7 @@ class MEM_MGR {
         BASIC::TYPES::DATA_TYPE data_type;
         int bytes_per_pixel = 0;
         STORAGE_STATE storage = STORAGE_STATE::EMPTY;
+        std::unique_ptr<const MAPPED_FILE> mapped_file;
         std::unique_ptr<void, FREE_DELETER> row_table;  ///< Rows() pointers T*, T the type of the pixels
         COLOUR_MAP colour_map;
     };

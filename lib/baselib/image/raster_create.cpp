@@ -69,7 +69,7 @@ int OpenNewFile(const std::string& path, mode_t permissions) {
 /// Cuts the file to nothing, reserves its full size and writes the header. A page of a mapping that finds no room on
 /// disk when it is first touched is a bus error; hence the reservation.
 void FillNewFile(const std::string& path, int file_descriptor, const RASTER_HEADER& header) {
-    const long long bytes = kRasterHeaderBytes + static_cast<long long>(header.length);
+    const long long bytes = RasterFileBytes(header);
     const RASTER_HEADER_BYTES header_bytes = EncodeRasterHeader(header);
     int error = ftruncate(file_descriptor, 0) == 0 ? 0 : errno;
     if (error == 0) error = ReserveOnDisk(file_descriptor, bytes);

@@ -15,7 +15,7 @@ struct RASTER_HEADER {
     std::uint32_t width = 0;
     std::uint32_t height = 0;
     std::uint32_t depth = 0;   ///< bits per pixel
-    std::uint32_t length = 0;  ///< bytes of pixel data
+    std::uint32_t length = 0;  ///< bytes of pixel data; 0 from 4 GiB on
     std::uint32_t type = 0;
     std::uint32_t map_type = 0;
     std::uint32_t map_length = 0;  ///< bytes of colour map between header and pixels

@@ -133,6 +133,8 @@ void MEM_MGR::MapOpenFile(const std::string& path, int file_descriptor, int prot
         Log().Message(LOGGING_LEVEL::ALARM, "%s: can not map %lld bytes", path.c_str(), header_size + data_bytes);
         throw ERROR_CAN_NOT_MMAP();
     }
+    held_.mapped_file =
+        std::make_unique<const MAPPED_FILE>(path, mapping, static_cast<std::size_t>(header_size + data_bytes));
     held_.pixels = static_cast<std::byte*>(mapping) + header_size;
     held_.header_size = header_size;
     held_.file_descriptor = file_descriptor;

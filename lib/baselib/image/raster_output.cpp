@@ -22,11 +22,12 @@ RASTER_HEADER RasterHeaderFor(const std::string& path, long long columns, long l
     long long length = 0;
     const bool fits = columns >= 0 && rows >= 0 && columns <= kMaxWord && rows <= kMaxWord &&
                       !__builtin_mul_overflow(columns, rows, &length) &&
-                      !__builtin_mul_overflow(length, type.bytes, &length) && length <= kMaxWord;
+                      !__builtin_mul_overflow(length, type.bytes, &length) &&
+                      length <= std::numeric_limits<long long>::max() - kRasterHeaderBytes;
     if (!fits) {
         Log().Message(LOGGING_LEVEL::ALARM,
                       "%s: a raster file can not hold %lld x %lld pixels of %d bytes: its header counts at most %lld "
-                      "columns, rows and bytes",
+                      "columns and rows",
                       path.c_str(), columns, rows, type.bytes, kMaxWord);
         throw ERROR_IMAGE();
     }
@@ -34,9 +35,13 @@ RASTER_HEADER RasterHeaderFor(const std::string& path, long long columns, long l
     header.width = static_cast<std::uint32_t>(columns);
     header.height = static_cast<std::uint32_t>(rows);
     header.depth = 8 * static_cast<std::uint32_t>(type.bytes);
-    header.length = static_cast<std::uint32_t>(length);
+    header.length = length <= kMaxWord ? static_cast<std::uint32_t>(length) : 0;
     header.type = type.type_word;
     return header;
+}
+
+long long RasterFileBytes(const RASTER_HEADER& header) {
+    return kRasterHeaderBytes + static_cast<long long>(header.width) * header.height * (header.depth / 8);
 }
 
 int OpenRasterOutput(const std::string& path, mode_t permissions) {

@@ -1,0 +1,20 @@
+/// \file output_path.h
+/// Where the file behind an output path lies, or will lie: links are followed, also those that point to nothing yet.
+
+#pragma once
+
+#include <string>
+
+/// The path's folder ("." for a bare name) and its last name, for example "out/" and "phase.ras".
+struct FOLDER_AND_NAME {
+    explicit FOLDER_AND_NAME(const std::string& path);
+    /// Of another name in this folder.
+    [[nodiscard]] std::string PathOf(const std::string& other_name) const { return folder + other_name; }
+
+    std::string folder;  ///< ends with a slash; empty for the current folder
+    std::string name;
+};
+
+/// The path that is left when all links at its end are followed; the file there need not exist.
+/// @return empty, with errno set, when the links go in a circle or can not be read
+std::string BehindLinks(const std::string& path);

@@ -1,0 +1,83 @@
+#include "lib/baselib/image/product_set.h"
+
+#include <fcntl.h>
+#include <pthread.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <set>
+#include <string>
+
+#include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/logging/logging.h"
+
+namespace {
+
+/// Renaming takes microseconds: a signal waits that long, and finds all products new or all of them old.
+class BLOCKED_SIGNALS {
+  public:
+    BLOCKED_SIGNALS() {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_BLOCK, &all, &before_);
+    }
+    BLOCKED_SIGNALS(const BLOCKED_SIGNALS&) = delete;
+    BLOCKED_SIGNALS& operator=(const BLOCKED_SIGNALS&) = delete;
+    ~BLOCKED_SIGNALS() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+
+  private:
+    sigset_t before_{};
+};
+
+/// @return 0 or the errno value
+int SynchroniseFolder(const std::string& folder) {
+    const FILE_DESCRIPTOR directory(OpenFile(folder, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (directory.Get() < 0) return errno;
+    return UnlessInterrupted([&] { return fsync(directory.Get()); }) == 0 ? 0 : errno;
+}
+
+}  // namespace
+
+PRODUCT_FILE& PRODUCT_SET::Add(const PRODUCT_REQUEST& request, mode_t permissions) {
+    return *files_.emplace_back(std::make_unique<PRODUCT_FILE>(request, permissions));
+}
+
+void PRODUCT_SET::ReserveRoom() {
+    for (const auto& file : files_) file->ReserveRoom();
+}
+
+void PRODUCT_SET::Place() {
+    for (const auto& file : files_) file->BeginSynchronising();
+    for (const auto& file : files_) file->Synchronise();
+    {
+        const BLOCKED_SIGNALS blocked;
+        for (const auto& file : files_) file->Place();
+    }
+    SynchroniseFolders();
+}
+
+/// Some file systems know no synchronising of folders: their products are on the disk, their names soon.
+void PRODUCT_SET::SynchroniseFolders() const {
+    std::set<std::string> folders;
+    for (const auto& file : files_) folders.insert(file->Folder());
+    folders.erase("");
+    bool warned = false;
+    for (const std::string& folder : folders) {
+        const int error = SynchroniseFolder(folder);
+        if (error == 0 || warned) continue;
+        if (error != EINVAL && error != EOPNOTSUPP && error != EACCES) {
+            Log().Message(LOGGING_LEVEL::ALARM, "%s: the products' names can not be brought to the disk: %s",
+                          folder.c_str(), std::strerror(error));
+            throw ERROR_CAN_NOT_WRITE_FILE();
+        }
+        Log().Message(LOGGING_LEVEL::WARNING, "%s: the folder can not be synchronised: %s", folder.c_str(),
+                      std::strerror(error));
+        warned = true;
+    }
+}
+
+void PRODUCT_SET::Accept() {
+    for (const auto& file : files_) file->Accept();
+}
