@@ -1,8 +1,12 @@
 #!/bin/bash
-# setup.sh: installs what building, testing and the demo need, on Debian 12 or later. Does nothing when all is there.
+# setup.sh [companions]: installs what building, testing and the demo need, on Debian 12 or later; with "companions" also
+# what building and testing velmora-import needs. Does nothing when all is there.
 set -euo pipefail
 
 packages=(g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev python3 python3-numpy python3-pytest strace util-linux)
+if [ "${1:-}" = companions ]; then
+    packages+=(libgdal-dev libproj-dev proj-data libpugixml-dev libcli11-dev gdal-bin python3-gdal)
+fi
 
 missing=()
 for package in "${packages[@]}"; do

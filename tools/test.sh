@@ -6,7 +6,7 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 jobs=$(nproc)
 
-tools/setup.sh
+tools/setup.sh companions
 
 run_preset() {  # preset, target to build, then arguments of ctest
     local preset=$1 target=$2

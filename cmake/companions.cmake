@@ -1,0 +1,16 @@
+# The companion programs are built when their libraries are there (tools/setup.sh companions installs them); without
+# them everything else is. VELMORA_COMPANIONS=OFF leaves them out.
+option(VELMORA_COMPANIONS "Build the companion programs when their libraries are there" ON)
+if(NOT VELMORA_COMPANIONS)
+  return()
+endif()
+find_package(CLI11 CONFIG QUIET)
+find_package(pugixml CONFIG QUIET)
+find_package(GDAL CONFIG QUIET)
+find_package(PROJ CONFIG QUIET)
+if(CLI11_FOUND AND pugixml_FOUND AND GDAL_FOUND AND PROJ_FOUND)
+  add_subdirectory(companions)
+  add_subdirectory(import)
+else()
+  message(STATUS "velmora-import is not built: tools/setup.sh companions installs what it needs")
+endif()

@@ -1,0 +1,110 @@
+#include <memory>
+#include <optional>
+
+#include "companions/companion_error.h"
+#include "companions/input_file.h"
+#include "companions/output_set.h"
+#include "companions/results.h"
+#include "import/commands/commands.h"
+#include "import/orbit_files/orbit_file.h"
+#include "import/orbit_files/orbit_selection.h"
+#include "import/orbit_files/xml_document.h"
+#include "import/pools/acquisition_pool.h"
+#include "import/pools/orbit_entries.h"
+#include "import/sentinel1/annotation.h"
+#include "import/sentinel1/image_grid.h"
+
+namespace {
+
+struct SENTINEL1_OPTIONS {
+    std::string annotation;
+    std::string orbit;
+    std::string output;
+    std::optional<int> burst;
+    bool force = false;
+};
+
+constexpr const char* kExample =
+    "  velmora-import sentinel1 s1a-iw2-slc-vv-20230108t135251-....xml --orbit S1A_OPER_AUX_POEORB_....EOF \\\n"
+    "      -o master.pool\n";
+
+/// "Sentinel-1A" in orbit files, "S1A" in annotations.
+void RequireSameSatellite(const ORBIT_TABLE& orbit, const S1_ANNOTATION& image) {
+    if (orbit.mission.rfind("Sentinel-1", 0) != 0 || orbit.mission.back() == image.mission.back()) return;
+    throw COMPANION_ERROR(orbit.file + ": element Mission: value " + Quoted(orbit.mission) +
+                          ": expected the satellite of the image, " + image.mission);
+}
+
+void RequireInside(const ORBIT_TABLE& orbit, const IMAGE_GRID& grid) {
+    if (orbit.vectors.front().time <= grid.first_line && grid.last_line <= orbit.vectors.back().time) return;
+    throw COMPANION_ERROR(orbit.file + ": its state vectors of " +
+                          IntervalText(orbit.vectors.front().time, orbit.vectors.back().time) +
+                          " do not cover the image of " + IntervalText(grid.first_line, grid.last_line));
+}
+
+/// The annotation's own vectors are few and all taken; of an orbit file those around the image.
+std::vector<UTC_STATE_VECTOR> VectorsFor(const ORBIT_TABLE& orbit, const S1_ANNOTATION& image, const IMAGE_GRID& grid,
+                                         bool from_orbit_file) {
+    if (from_orbit_file) {
+        RequireSameSatellite(orbit, image);
+        return SelectVectors(orbit, {grid.first_line, grid.last_line});
+    }
+    RequireInside(orbit, grid);
+    return orbit.vectors;
+}
+
+void PrintSummary(const SENTINEL1_OPTIONS& options, const S1_ANNOTATION& image, const IMAGE_GRID& grid,
+                  const ORBIT_TABLE& orbit, const std::vector<UTC_STATE_VECTOR>& vectors) {
+    PrintResult("%s: %s %s %s, %s orbit %lld, ", options.output.c_str(), image.mission.c_str(), image.swath.c_str(),
+                image.polarisation.c_str(), image.pass.c_str(), image.absolute_orbit);
+    if (options.burst) {
+        PrintResult("burst %d of %zu\n", *options.burst, image.bursts.size());
+    } else if (image.bursts.empty()) {
+        PrintResult("stripmap\n");
+    } else {
+        PrintResult("%zu bursts as one image\n", image.bursts.size());
+    }
+    PrintResult("  lines ........ %lld, %s, every %.16g s (%.6f Hz)\n", grid.lines,
+                IntervalText(grid.first_line, grid.last_line).c_str(), image.line_interval_s,
+                1.0 / image.line_interval_s);
+    PrintResult("  samples ...... %lld, from %.16g s two-way at %.16g Hz\n", grid.samples, image.first_range_time_s,
+                image.range_sampling_rate_hz);
+    PrintResult("  valid ........ lines %lld to %lld, samples %lld to %lld\n", grid.valid_lines.first,
+                grid.valid_lines.last, grid.valid_samples.first, grid.valid_samples.last);
+    if (!options.burst && !image.bursts.empty())
+        PrintResult("  bursts ....... first lines at most %.3f lines off the grid\n", grid.largest_burst_offset);
+    PrintResult("  radar ........ %.16g Hz, azimuth bandwidth %g Hz, looking right\n", image.radar_frequency_hz,
+                image.azimuth_bandwidth_hz);
+    PrintResult("  orbit ........ %zu vectors of %s, %s\n", vectors.size(), orbit.kind.c_str(),
+                IntervalText(vectors.front().time, vectors.back().time).c_str());
+    PrintResult("  interpolation  %s\n", InterpolationText(vectors).c_str());
+}
+
+void Run(const SENTINEL1_OPTIONS& options) {
+    OUTPUT_SET outputs(options.force);
+    outputs.Protect(options.annotation);
+    const S1_ANNOTATION image = ParseAnnotation(options.annotation, ReadWholeFile(options.annotation, kXmlLimitBytes));
+    const IMAGE_GRID grid = ImageGridOf(image, options.burst);
+    const bool from_orbit_file = !options.orbit.empty();
+    if (from_orbit_file) outputs.Protect(options.orbit);
+    const ORBIT_TABLE orbit = from_orbit_file ? ReadOrbitFile(options.orbit) : image.orbit;
+    const std::vector<UTC_STATE_VECTOR> vectors = VectorsFor(orbit, image, grid, from_orbit_file);
+    WriteAcquisitionPool(outputs.Add(options.output), image, grid, orbit, vectors);
+    outputs.Commit();
+    PrintSummary(options, image, grid, orbit, vectors);
+}
+
+}  // namespace
+
+void AddSentinel1Command(COMPANION_PROGRAM& program) {
+    const auto options = std::make_shared<SENTINEL1_OPTIONS>();
+    CLI::App& command = program.AddCommand("sentinel1", "Make an acquisition's pool from a Sentinel-1 annotation file",
+                                           kExample, [options] { Run(*options); });
+    command.add_option("ANNOTATION", options->annotation, "annotation file of one swath and polarisation (XML)")
+        ->required();
+    command.add_option("--orbit", options->orbit,
+                       "orbit file (EOF, OEM or CSV) that replaces the annotation's state vectors");
+    command.add_option("--burst", options->burst, "one burst, counted from 1, instead of the whole swath");
+    command.add_option("-o,--output", options->output, "pool to write")->required();
+    command.add_flag("--force", options->force, "replace an existing output");
+}
