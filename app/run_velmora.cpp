@@ -27,16 +27,12 @@ void LogStage(const char* banner) {
     Log().Message(LOGGING_LEVEL::INFO, " ");
 }
 
-void EnterInHistory(SOFTWARE_HISTORY& history, PARAMETER_POOL_READ_WRITE_CHANGE& log_pool,
-                    const VERSION_RECORD& version) {
-    history.ReadFrom(log_pool);
-    history.Enter(EntryOfRun(version, Log().OpeningTime(), std::time(nullptr)));
-    history.WriteInto(log_pool);
+HISTORY_ENTRY EntryOfThisRun(const VERSION_RECORD& version) {
+    return EntryOfRun(version, Log().OpeningTime(), std::time(nullptr));
 }
 
 /// The stages in their order. The pools live in here: they are closed before the footer is written.
 void RunStages(SIMULATION_STATE& state, CONTROLLER_IFC& controller, const VERSION_RECORD& version) {
-    SOFTWARE_HISTORY history;
     PARAMETER_POOL master_pool;
     PARAMETER_POOL slave_pool;
     PARAMETER_POOL_READ_WRITE_CHANGE insar_pool;
@@ -44,6 +40,7 @@ void RunStages(SIMULATION_STATE& state, CONTROLLER_IFC& controller, const VERSIO
 
     LogStage("A. READ CONFIGURATION *************************************");
     ReadConfiguration(state, controller, master_pool, slave_pool, insar_pool, log_pool);
+    TryHistory(*log_pool.pool, EntryOfThisRun(version));
     ReadPoolsAndArea(state, master_pool, slave_pool, insar_pool);
 
     LogStage("B. PHASE SIMULATION ***************************************");
@@ -54,8 +51,7 @@ void RunStages(SIMULATION_STATE& state, CONTROLLER_IFC& controller, const VERSIO
 
     Log().Message(LOGGING_LEVEL::INFO, " ");
     Log().Message(LOGGING_LEVEL::INFO, "***********************************************************");
-    EnterInHistory(history, *log_pool.pool, version);
-    WriteBackPools(log_pool, insar_pool);
+    WriteBackPools(log_pool, insar_pool, EntryOfThisRun(version));
 }
 
 void LogReason(const std::string& reason) {

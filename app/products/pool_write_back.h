@@ -1,10 +1,16 @@
 /// \file pool_write_back.h
-/// The only place of a run where pools change: after all stages, log pool first, InSAR pool second.
+/// The only place of a run where pools change: after all stages, both pools together or none.
 
 #pragma once
 
+#include "app/products/software_history.h"
 #include "app/request/run_configuration.h"
 
-/// Writes the pending changes of both pools into their files, once when they are the same object.
-/// @throws the pool's errors; each file then is as it was before the run, a log pool that was already written included
-void WriteBackPools(LOG_POOL& log_pool, PARAMETER_POOL_READ_WRITE_CHANGE& insar_pool);
+/// Enters the run into the software history and writes the pending changes of both pools into their files. The history
+/// is read under the pools' lock: what another run entered meanwhile stays.
+/// @throws the pool's errors; the pools then are as they were before the run, or the log says how to recover
+void WriteBackPools(LOG_POOL& log_pool, PARAMETER_POOL_READ_WRITE_CHANGE& insar_pool, const HISTORY_ENTRY& entry);
+
+/// What WriteBackPools will do to the history, tried on the pool as it is now: lists that are missing, of another type
+/// or length, values that a pool can not hold. @throws the pool's errors
+void TryHistory(PARAMETER_POOL_READ_WRITE_CHANGE& log_pool, const HISTORY_ENTRY& entry);

@@ -118,23 +118,56 @@ TEST(PoolOpening, FollowsItsOrder) {
                 HasSubstr("No file pointer given for parameter pool\n"));
 }
 
-TEST(PoolIndex, SeesWhatOthersWrite) {
+TEST(PoolOpening, RefusesARasterEarlyAndTakesOddPools) {
+    const std::string zeros(200'000, '\0');
+    std::string raster = "\x59\xa6\x6a\x95";
+    for (int i = 0; i < 200'000; ++i) raster += static_cast<char>(i * 7919 >> 5);
+    for (const std::string& content :
+         {raster, zeros, raster.substr(0, 900), "1 2 3\n4 5 6\n" + std::string(70'000, '7')}) {
+        const TEMPORARY_FOLDER folder;
+        const std::string path = folder.Make(content);
+        EXPECT_THAT(ErrorAndLogOf([&] { PARAMETER_POOL pool(path); }),
+                    HasSubstr(path + " is no parameter pool: no entry in its first "));
+    }
+    for (const std::string& content :
+         {std::string(), std::string("one\ntwo\n"), "#\n#\n" + std::string(70'000, '\n') + "k INT_32 1\n",
+          std::string("k INT_32 1\n\0\0", 13)}) {
+        const TEMPORARY_FOLDER folder;
+        EXPECT_EQ(ErrorAndLogOf([&] { PARAMETER_POOL pool(folder.Make(content)); }).find("ALARM"), std::string::npos);
+    }
+}
+
+TEST(PoolOpening, WaitsForALockForABoundedTimeAndSaysSo) {
+    const TEMPORARY_FOLDER folder;
+    const std::string path = folder.Make("k INT_32 1\n");
+    const POOL_FILE file(path);
+    const POOL_FILE other(path);
+    file.Lock(POOL_FILE::LOCK::SHARED);
+    EXPECT_EQ(ErrorAndLogOf([&] { other.Lock(POOL_FILE::LOCK::SHARED, 0); }), "");
+    EXPECT_THAT(ErrorAndLogOf([&] { other.Lock(POOL_FILE::LOCK::EXCLUSIVE, 1); }),
+                testing::AllOf(HasSubstr("parameter pool error\nINFO  : global : waiting for pool " + path +
+                                         ", which another process has locked (at most 1 s)\n"),
+                               HasSubstr("can not lock pool " + path + ": another process keeps it locked\n")));
+    file.Unlock();
+    other.Lock(POOL_FILE::LOCK::EXCLUSIVE, 0);
+}
+
+TEST(PoolState, IsThatOfTheOpeningUntilThisProcessUpdates) {
     const TEMPORARY_FOLDER folder;
     const std::string path = folder.Make("a INT_32 1\nb INT_32 2\n");
     PARAMETER_POOL reader(path);
-    EXPECT_EQ(reader.Get<int>("b"), 2);
+    folder.Make("a INT_32 3\nb INT_32 4\n");  // by another program, between two lookups
+    EXPECT_EQ(reader.Get<int>("a"), 1);
     PARAMETER_POOL_READ_WRITE_CHANGE writer(folder.Path(".") + "/test.pool");
     writer.Change("a", 100);
-    writer.Change("c", 3);
+    writer.Change("c", 5);
     writer.Update();
     EXPECT_EQ(reader.Get<int>("a"), 100);
-    EXPECT_EQ(reader.Get<int>("c"), 3);
-    folder.Make("c INT_32 4\nb INT_32 5\n");  // not by a pool object
-    EXPECT_EQ(reader.Get<int>("b"), 5);
-    EXPECT_FALSE(reader.FindKey("a"));
+    EXPECT_EQ(reader.Get<int>("b"), 4);
+    EXPECT_EQ(reader.Get<int>("c"), 5);
 }
 
-TEST(PoolIndex, ServesManyLookupsInLittleTime) {
+TEST(PoolState, ServesManyLookupsInLittleTime) {
     std::string content;
     for (int i = 0; i < 100'000; ++i) content += "key_" + std::to_string(i) + " INT_32 " + std::to_string(i) + "\n";
     const TEMPORARY_FOLDER folder;

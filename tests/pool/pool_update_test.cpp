@@ -6,7 +6,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "lib/baselib/pool/parameter_pool_read_write_change.h"
+#include <csignal>
+#include <cstdlib>
+
+#include "lib/baselib/pool/pool_transaction.h"
 #include "tests/kit/log_capture.h"
 #include "tests/kit/temporary_folder.h"
 
@@ -82,7 +85,7 @@ TEST(PoolUpdate, KeepsTheFilesIdentityAndLeavesNothingBehind) {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path(".")), {}), 2);
 }
 
-TEST(PoolUpdate, TwoObjectsOnOneFileBothSurvive) {
+TEST(PoolUpdate, OneAfterTheOtherBothSurvive) {
     const TEMPORARY_FOLDER folder;
     const std::string path = folder.Make("a INT_32 1\n\n");
     PARAMETER_POOL_READ_WRITE_CHANGE first(path);
@@ -123,25 +126,89 @@ TEST(PoolUpdate, AnUnwritableFolderOrFileLosesNothing) {
         pool.Change("k", 2);
         chmod(folder.Path(".").c_str(), 0555);
         const std::string corrupted = ErrorAndLogOf([&] { pool.Update(); });
+        const std::string late = ErrorAndLogOf([&] { PARAMETER_POOL_READ_WRITE_CHANGE again(path); });
         chmod(folder.Path(".").c_str(), 0755);
         chmod(path.c_str(), 0444);
         const std::string refused = ErrorAndLogOf([&] { pool.Update(); });
         const std::string opening = ErrorAndLogOf([&] { PARAMETER_POOL_READ_WRITE_CHANGE again(path); });
-        std::fputs((corrupted + refused + opening).c_str(), stderr);
+        std::fputs((corrupted + late + refused + opening).c_str(), stderr);
         if (Content(path) != "k INT_32 1\n") _exit(1);
         chmod(path.c_str(), 0644);
         pool.Update();  // the entry still waits
         _exit(0);
     };
-    EXPECT_EXIT(
-        fail_twice(), testing::ExitedWithCode(0),
-        testing::AllOf(HasSubstr("pool error - corrupted parameter pool file\n"), HasSubstr("Permission denied"),
-                       HasSubstr("can not update parameter pool: "), HasSubstr("the corrupted parameter pool is:"),
-                       HasSubstr("the original parameter pool is NOT CHANGED !!"),
-                       HasSubstr("pool error - parameter pool update(): insufficient file permission\n"),
-                       HasSubstr("no permission to change pool file: "),
-                       HasSubstr("can not open pool file for update " + path)));
+    EXPECT_EXIT(fail_twice(), testing::ExitedWithCode(0),
+                testing::AllOf(HasSubstr("pool error - corrupted parameter pool file\n"),
+                               HasSubstr("Permission denied"), HasSubstr("can not update parameter pool: "),
+                               HasSubstr("the corrupted parameter pool is: none, no file can be made in /"),
+                               HasSubstr("the original parameter pool is NOT CHANGED !!"),
+                               HasSubstr("pool error - parameter pool update(): insufficient file permission\n"),
+                               HasSubstr("no permission to change pool file: "),
+                               HasSubstr("takes no new file, an update needs one: Permission denied"),
+                               HasSubstr("can not open pool file for update " + path)));
     EXPECT_EQ(Content(path), "k INT_32 2\n\n");
+}
+
+TEST(PoolUpdate, OfTwoObjectsOnOneFileIsOne) {
+    const TEMPORARY_FOLDER folder;
+    const std::string path = folder.Make("a INT_32 1\n\n");
+    std::filesystem::create_symlink("test.pool", folder.Path("link.pool"));
+    PARAMETER_POOL_READ_WRITE_CHANGE first(path);
+    PARAMETER_POOL_READ_WRITE_CHANGE second(folder.Path("link.pool"));
+    first.Change("a", 2);
+    second.Change("b", 3);
+    POOL_TRANSACTION({&first, &second}).Commit();
+    EXPECT_EQ(Content(path), "a INT_32 2\n\nb INT_32 3\n\n");
+    EXPECT_EQ(first.Get<int>("b"), 3);
+}
+
+TEST(PoolUpdate, ASignalThatWaitsPutsTheOldContentBack) {
+    const TEMPORARY_FOLDER folder;
+    const std::string path = folder.Make("k INT_32 1\n");
+    const auto interrupted = [&path] {
+        sigset_t termination;
+        sigemptyset(&termination);
+        sigaddset(&termination, SIGTERM);
+        sigprocmask(SIG_BLOCK, &termination, nullptr);
+        raise(SIGTERM);
+        PARAMETER_POOL_READ_WRITE_CHANGE pool(path);
+        pool.Change("k", 2);
+        std::fputs(ErrorAndLogOf([&] { pool.Update(); }).c_str(), stderr);
+        sigprocmask(SIG_UNBLOCK, &termination, nullptr);
+    };
+    EXPECT_EXIT(interrupted(), testing::KilledBySignal(SIGTERM), "a signal came during the update of the pools");
+    EXPECT_EQ(Content(path), "k INT_32 1\n");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path(".")), {}), 1);
+}
+
+TEST(LeftOvers, OfWhichAPoolIsTheBeginningStopTheRun) {
+    struct CASE {
+        const char* what;
+        std::string pool;
+        bool refused;
+    };
+    const std::string complete = "k INT_32 1\n\nn STR \"x\"\n\n";
+    const CASE cases[] = {
+        {"emptied", "", true},
+        {"cut off", complete.substr(0, 15), true},
+        {"blocks that did not reach the disk", complete.substr(0, 5) + std::string(complete.size() - 5, '\0'), true},
+        {"only the removal is missing", complete, false},
+        {"not truncated yet", "k INT_32 0\n\n", false},
+    };
+    for (const CASE& c : cases) {
+        const TEMPORARY_FOLDER folder;
+        const std::string path = folder.Make(c.pool);
+        chmod(folder.Make(complete, "pool_abc123").c_str(), 0400);
+        const std::string log = ErrorAndLogOf([&] { PARAMETER_POOL_READ_WRITE_CHANGE pool(path); });
+        EXPECT_THAT(log, HasSubstr(c.refused ? "pool error - corrupted parameter pool file\nDEBUG" : "WARN  : "))
+            << c.what;
+        const std::string recovery =
+            "cat '" + folder.Path("pool_abc123") + "' > '" + path + "' && rm -f '" + folder.Path("pool_abc123") + "'";
+        if (!c.refused) continue;
+        EXPECT_THAT(log, HasSubstr(recovery));
+        EXPECT_EQ(std::system(recovery.c_str()), 0);
+        EXPECT_EQ(PARAMETER_POOL(path).Get<STRING>("n"), STRING("x")) << c.what;
+    }
 }
 
 TEST(LeftOvers, AreNamedOnceWhenAPoolOfTheFolderIsOpened) {

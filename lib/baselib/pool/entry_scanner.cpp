@@ -3,7 +3,7 @@
 #include "lib/baselib/pool/pool_type.h"
 
 POOL_LINE ENTRY_SCANNER::Classify(LINE_READER& reader) {
-    const std::string& line = reader.Line();
+    std::string_view line = reader.Line();
     std::string first_word;
     std::string second_word;
     reader.SetCursor(0);
@@ -26,7 +26,7 @@ POOL_LINE ENTRY_SCANNER::Classify(LINE_READER& reader) {
     return ClassifyOutside(line, type);
 }
 
-POOL_LINE ENTRY_SCANNER::ClassifyOutside(const std::string& line, int type) {
+POOL_LINE ENTRY_SCANNER::ClassifyOutside(std::string_view line, int type) {
     state_ = STATE::OUTSIDE;
     if (!IsEntryLine(line)) return POOL_LINE::OUTSIDE;
     open_braces_ = 0;

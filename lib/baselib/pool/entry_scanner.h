@@ -24,7 +24,7 @@ class ENTRY_SCANNER {
   private:
     enum class STATE { OUTSIDE, BRACE_EXPECTED, IN_BLOCK, BEHIND_ENTRY };
 
-    [[nodiscard]] POOL_LINE ClassifyOutside(const std::string& line, int type);
+    [[nodiscard]] POOL_LINE ClassifyOutside(std::string_view line, int type);
 
     STATE state_ = STATE::OUTSIDE;
     int open_braces_ = 0;

@@ -7,17 +7,22 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iterator>
 #include <mutex>
 #include <set>
 
 #include "lib/baselib/logging/logging.h"
+#include "lib/baselib/pool/pool_errors.h"
 
 namespace {
 
 bool IsLocked(int folder, const char* name) {
     const int descriptor = openat(folder, name, O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
     if (descriptor < 0) return false;  // better named once too often than never
-    const bool locked = flock(descriptor, LOCK_SH | LOCK_NB) != 0;
+    const bool locked = flock(descriptor, LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK;
     close(descriptor);
     return locked;
 }
@@ -30,6 +35,15 @@ bool IsLeftOver(int folder, const char* name, uid_t pool_owner) {
     return S_ISREG(status.st_mode) && (status.st_mode & 07777) == 0400 && is_ours && !IsLocked(folder, name);
 }
 
+/// Whether the pool is the beginning of the complete content. After a power failure a block that was not on the disk
+/// yet reads as zeros, which no pool holds.
+bool IsCutOff(const std::string& pool, const std::string& complete) {
+    if (pool.size() > complete.size() || pool == complete) return false;
+    for (std::size_t i = 0; i < pool.size(); ++i)
+        if (pool[i] != complete[i] && pool[i] != '\0') return false;
+    return true;
+}
+
 bool IsFirstTime(const std::string& path) {
     static std::mutex mutex;
     static std::set<std::string> named;
@@ -37,22 +51,49 @@ bool IsFirstTime(const std::string& path) {
     return named.insert(path).second;
 }
 
+[[noreturn]] void Refuse(const POOL_FILE& pool, std::size_t bytes, const std::string& path,
+                         std::size_t complete_bytes) {
+    const char* const name = pool.Name().c_str();
+    Log().Message(LOGGING_LEVEL::ALARM,
+                  "pool %s is cut off: it has %zu bytes, %s holds all %zu of an update that was interrupted", name,
+                  bytes, path.c_str(), complete_bytes);
+    Log().Message(LOGGING_LEVEL::ALARM,
+                  "to recover, while no other run works in this folder: cat '%s' > '%s' && rm -f '%s'", path.c_str(),
+                  name, path.c_str());
+    if (bytes == 0)
+        Log().Message(LOGGING_LEVEL::ALARM, "but if %s is the content of another pool of the folder, recover that one",
+                      path.c_str());
+    throw CORRUPTED_PARAMETER_POOL();
+}
+
+void CheckLeftOver(const POOL_FILE& pool, const std::string& content, const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    const std::string complete{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    if (!pool.IsNew() && IsCutOff(content, complete)) Refuse(pool, content.size(), path, complete.size());
+    if (IsFirstTime(path))
+        Log().Message(LOGGING_LEVEL::WARNING,
+                      "%s holds the content of a pool whose update was interrupted: see \"Recovery\" in docs/pools.md",
+                      path.c_str());
+}
+
 }  // namespace
 
-void WarnOfLeftOvers(const std::string& directory, int pool_descriptor) {
-    struct stat pool {};
-    DIR* const folder = opendir(directory.c_str());
-    if (folder == nullptr) return;
-    if (fstat(pool_descriptor, &pool) == 0) {
-        while (const dirent* const entry = readdir(folder)) {
-            if (!IsLeftOver(dirfd(folder), entry->d_name, pool.st_uid)) continue;
-            const std::string path = directory + "/" + entry->d_name;
-            if (!IsFirstTime(path)) continue;
-            Log().Message(
-                LOGGING_LEVEL::WARNING,
-                "%s holds the content of a pool whose update was interrupted: see \"Recovery\" in docs/pools.md",
-                path.c_str());
-        }
+void CheckLeftOvers(const POOL_FILE& pool, const std::string& content) {
+    struct stat status {};
+    DIR* const folder = opendir(pool.Directory().c_str());
+    if (folder == nullptr) {
+        if (errno != EACCES)
+            Log().Message(LOGGING_LEVEL::WARNING,
+                          "folder %s can not be searched for what an interrupted update left: %s",
+                          pool.Directory().c_str(), std::strerror(errno));
+        return;
+    }
+    std::set<std::string> paths;
+    if (fstat(pool.Descriptor(), &status) == 0) {
+        while (const dirent* const entry = readdir(folder))
+            if (IsLeftOver(dirfd(folder), entry->d_name, status.st_uid))
+                paths.insert(pool.Directory() + "/" + entry->d_name);
     }
     closedir(folder);
+    for (const std::string& path : paths) CheckLeftOver(pool, content, path);
 }

@@ -7,5 +7,9 @@
 
 #include <string>
 
-/// Names each left-over in the folder at WARNING, once per run. @param pool_descriptor an open pool of that folder
-void WarnOfLeftOvers(const std::string& directory, int pool_descriptor);
+#include "lib/baselib/pool/pool_file.h"
+
+/// Names each left-over in the pool's folder at WARNING, once per run. While one of them holds more of the pool than
+/// the pool itself, going on would make the loss final: the log then says how to recover.
+/// @param content of the pool @throws CORRUPTED_PARAMETER_POOL
+void CheckLeftOvers(const POOL_FILE& pool, const std::string& content);

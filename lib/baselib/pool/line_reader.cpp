@@ -1,10 +1,7 @@
 #include "lib/baselib/pool/line_reader.h"
 
-#include <cerrno>
+#include <algorithm>
 #include <cstring>
-
-#include "lib/baselib/errors/error_exception.h"
-#include "lib/baselib/logging/logging.h"
 
 namespace {
 
@@ -12,40 +9,25 @@ constexpr std::string_view kTokenEnds = "\t\n\r ";
 
 }  // namespace
 
-void LINE_READER::Start(FILE* stream, const std::string& file_name, long long offset, long long line_number) {
-    stream_ = stream;
-    file_name_ = file_name;
-    line_.clear();
+void LINE_READER::Start(std::string_view text, std::size_t offset, long long line_number) {
+    text_ = text;
+    line_ = {};
     cursor_ = 0;
     offset_ = offset;
     line_number_ = line_number - 1;
-    std::clearerr(stream);  // a failure of an earlier lookup
-    // fflush drops what the stream read ahead: another object may have rewritten the file since.
-    if (std::fflush(stream) != 0 || fseeko(stream, offset, SEEK_SET) != 0) Fail();
 }
 
 bool LINE_READER::Next() {
-    offset_ += static_cast<long long>(line_.size());
-    line_.clear();
+    offset_ += line_.size();
     cursor_ = 0;
-    for (int c = getc_unlocked(stream_); c != EOF; c = getc_unlocked(stream_)) {
-        const bool is_end = c == '\n' || c == '\r';
-        if (!is_end && line_.size() == kPoolLineLength) {
-            std::ungetc(c, stream_);
-            break;
-        }
-        line_ += static_cast<char>(c);
-        if (c == '\r') {
-            const int next = getc_unlocked(stream_);
-            if (next == '\n') {
-                line_ += '\n';
-            } else if (next != EOF) {
-                std::ungetc(next, stream_);
-            }
-        }
-        if (is_end) break;
+    const std::string_view rest = text_.substr(std::min(offset_, text_.size()));
+    std::size_t length = std::min(rest.substr(0, kPoolLineLength + 1).find_first_of("\n\r"), kPoolLineLength);
+    if (length < rest.size()) {
+        const char end = rest[length];
+        if (end == '\n' || end == '\r') ++length;
+        if (end == '\r' && length < rest.size() && rest[length] == '\n') ++length;
     }
-    if (std::ferror(stream_) != 0) Fail();
+    line_ = rest.substr(0, length);
     if (line_.empty()) return false;
     ++line_number_;
     return true;
@@ -73,11 +55,6 @@ bool LINE_READER::Quoted(std::string& text) {
     text = line_.substr(cursor_ + 1, end - cursor_ - 1);
     cursor_ = end + 1;
     return true;
-}
-
-void LINE_READER::Fail() const {
-    Log().Message(LOGGING_LEVEL::ALARM, "can not read parameter file %s: %s", file_name_.c_str(), std::strerror(errno));
-    throw ERROR_CAN_NOT_READ_FILE();
 }
 
 bool IsEntryLine(std::string_view line) {

@@ -6,12 +6,11 @@
 ///   end        := "\n" | "\r\n" | "\r", or the end of the file
 ///   token      := characters without blank, tab, "\r", "\n"
 ///
-/// Threads: none; one reader per file stream.
+/// The reader looks at a text that must outlive it and its lines.
 
 #pragma once
 
 #include <cstddef>
-#include <cstdio>
 #include <string>
 #include <string_view>
 
@@ -21,14 +20,11 @@ inline constexpr std::size_t kPoolKeyLength = 100;
 class LINE_READER {
   public:
     LINE_READER() = default;
-    /// Starts at this place of the file. What another process or object wrote meanwhile is seen.
-    /// @param line_number number of the line that starts there, from 1
-    /// @throws ERROR_CAN_NOT_READ_FILE
-    void Start(FILE* stream, const std::string& file_name, long long offset, long long line_number);
+    /// Starts at this place of the text. @param line_number number of the line that starts there, from 1
+    void Start(std::string_view text, std::size_t offset, long long line_number);
 
     /// Reads the next line, its end included, and puts the cursor at its first character.
-    /// @return false at the end of the file
-    /// @throws ERROR_CAN_NOT_READ_FILE
+    /// @return false at the end of the text
     bool Next();
 
     /// The token at or after the cursor, which moves behind it. @return false when the line has no further token
@@ -40,20 +36,18 @@ class LINE_READER {
     [[nodiscard]] std::size_t Cursor() const { return cursor_; }
     void SetCursor(std::size_t cursor) { cursor_ = cursor; }
 
-    [[nodiscard]] const std::string& Line() const { return line_; }
-    /// Where the line starts in the file, in bytes.
-    [[nodiscard]] long long Offset() const { return offset_; }
+    [[nodiscard]] std::string_view Line() const { return line_; }
+    /// Where the line starts in the text, in bytes.
+    [[nodiscard]] std::size_t Offset() const { return offset_; }
     [[nodiscard]] long long LineNumber() const { return line_number_; }
 
   private:
-    [[noreturn]] void Fail() const;
     void SkipSpace();
 
-    FILE* stream_ = nullptr;
-    std::string file_name_;
-    std::string line_;
+    std::string_view text_;
+    std::string_view line_;
     std::size_t cursor_ = 0;
-    long long offset_ = 0;
+    std::size_t offset_ = 0;
     long long line_number_ = 0;
 };
 

@@ -1,8 +1,6 @@
 #include "lib/baselib/pool/parameter_pool.h"
 
 #include <atomic>
-#include <cerrno>
-#include <cstring>
 
 #include "lib/baselib/pool/entry_scanner.h"
 #include "lib/baselib/pool/left_over.h"
@@ -11,19 +9,21 @@ namespace {
 
 std::atomic<unsigned long> update_count{1};
 
-std::string DirectoryOf(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    if (slash == std::string::npos) return ".";
-    return slash == 0 ? "/" : path.substr(0, slash);
-}
+class LOCKED_FOR_READING {
+  public:
+    /// @param file null: there is nothing to lock
+    explicit LOCKED_FOR_READING(const POOL_FILE* file) : file_(file) {
+        if (file_ != nullptr) file_->Lock(POOL_FILE::LOCK::SHARED);
+    }
+    ~LOCKED_FOR_READING() {
+        if (file_ != nullptr) file_->Unlock();
+    }
+    LOCKED_FOR_READING(const LOCKED_FOR_READING&) = delete;
+    LOCKED_FOR_READING& operator=(const LOCKED_FOR_READING&) = delete;
 
-FILE* OpenStream(const std::string& path, const char* mode) {
-    FILE* stream = nullptr;
-    do {
-        stream = std::fopen(path.c_str(), mode);
-    } while (stream == nullptr && errno == EINTR);
-    return stream;
-}
+  private:
+    const POOL_FILE* file_;
+};
 
 }  // namespace
 
@@ -41,107 +41,78 @@ PARAMETER_POOL::PARAMETER_POOL(const std::string& path) {
     }
 }
 
-PARAMETER_POOL::~PARAMETER_POOL() {
-    if (stream_ != nullptr) std::fclose(stream_);
-}
-
 void PARAMETER_POOL::Open(const std::string& path) {
-    struct stat status {};
-    if (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
-        if (S_ISDIR(status.st_mode)) {
-            Log() << LOGGING_LEVEL::ALARM << "parameter file " << path << " is a directory!\n";
-        } else {  // a pipe would block the first lookup, a device cannot be updated
-            Log().Message(LOGGING_LEVEL::ALARM, "parameter file %s is no regular file", path.c_str());
-        }
-        throw CAN_NOT_OPEN_POOL();
-    }
-    if (stream_ != nullptr) std::fclose(stream_);
-    file_name_ = path;
-    directory_ = DirectoryOf(path);
-    index_ = {};
-    writable_ = true;
-    stream_ = OpenStream(path, "r+e");
-    // "x": when the first attempt fails for a passing reason only, an existing pool must not be emptied.
-    if (stream_ == nullptr) stream_ = OpenStream(path, "w+xe");
-    if (stream_ == nullptr) {
-        stream_ = OpenStream(path, "re");
-        writable_ = false;
-    }
-    if (stream_ == nullptr) {
-        const int error = errno;
-        Log().Message(LOGGING_LEVEL::ALARM, "can not open parameter file %s", path.c_str());
-        Log().Message(LOGGING_LEVEL::ALARM, "%s", std::strerror(error));
-        throw CAN_NOT_OPEN_POOL();
-    }
-    WarnOfLeftOvers(directory_, fileno(stream_));
+    file_ = POOL_FILE(path);
+    state_ = {};
+    (void)State();
 }
 
-void PARAMETER_POOL::ReopenIfReplaced() {
-    struct stat opened {};
-    struct stat named {};
-    if (fstat(fileno(Stream()), &opened) != 0 || stat(file_name_.c_str(), &named) != 0) return;
-    if (opened.st_dev != named.st_dev || opened.st_ino != named.st_ino) Open(std::string(file_name_));
-}
-
-FILE* PARAMETER_POOL::Stream() const {
-    if (stream_ == nullptr) {
+POOL_FILE& PARAMETER_POOL::File() {
+    if (!file_.IsOpen()) {
         Log() << LOGGING_LEVEL::ALARM << "No file pointer given for parameter pool\n";
         throw ERROR_ALGORITHM();
     }
-    return stream_;
+    return file_;
 }
 
 void PARAMETER_POOL::CountUpdate() {
     ++update_count;
 }
 
-bool PARAMETER_POOL::FindKey(const std::string& key) {
-    RefreshIndex();
-    return index_.places.contains(key);
+void PARAMETER_POOL::HoldLock() {
+    holds_lock_ = true;
+    state_ = {};
 }
 
-bool PARAMETER_POOL::Locate(const std::string& key) {
-    // Twice: another process may have rewritten the file within the resolution of its time stamp.
-    for (int attempt = 0; attempt < 2; ++attempt) {
-        if (!FindKey(key)) return false;
-        const PLACE place = index_.places.at(key);
-        reader_.Start(stream_, file_name_, place.offset, place.line_number);
-        if (reader_.Next() && KeyOfLine(reader_.Line()) == key) return true;
-        index_ = {};
-    }
-    return false;
+void PARAMETER_POOL::ReleaseLock() {
+    holds_lock_ = false;
+    file_.Unlock();
 }
 
-// A pool is asked for hundreds of keys; one pass over the file serves them all until the file changes.
-void PARAMETER_POOL::RefreshIndex() {
-    struct stat status {};
-    if (fstat(fileno(Stream()), &status) != 0) status = {};
-    if (index_.bytes == status.st_size && index_.updates == update_count &&
-        index_.changed.tv_sec == status.st_mtim.tv_sec && index_.changed.tv_nsec == status.st_mtim.tv_nsec) {
-        return;
-    }
-    index_ = {};
+const std::string& PARAMETER_POOL::Text() {
+    return State().text;
+}
+
+// A pool is asked for hundreds of keys; one pass over the file serves them all.
+const PARAMETER_POOL::STATE_OF_FILE& PARAMETER_POOL::State() {
+    if (state_.updates != update_count) state_ = ReadState();
+    return state_;
+}
+
+PARAMETER_POOL::STATE_OF_FILE PARAMETER_POOL::ReadState() {
+    STATE_OF_FILE state;
+    state.updates = update_count;
+    const POOL_FILE& file = File();
+    const LOCKED_FOR_READING lock(holds_lock_ ? nullptr : &file);
+    state.text = file.Content();
+    CheckLeftOvers(file, state.text);
+    file.RequirePool(state.text);
     ENTRY_SCANNER scanner;
-    reader_.Start(stream_, file_name_, 0, 1);
-    while (reader_.Next()) {
-        if (scanner.Classify(reader_) != POOL_LINE::ENTRY) continue;
-        index_.places.try_emplace(std::string(KeyOfLine(reader_.Line())),
-                                  PLACE{reader_.Offset(), reader_.LineNumber()});
+    LINE_READER reader;
+    for (reader.Start(state.text, 0, 1); reader.Next();) {
+        if (scanner.Classify(reader) != POOL_LINE::ENTRY) continue;
+        state.places.try_emplace(std::string(KeyOfLine(reader.Line())), PLACE{reader.Offset(), reader.LineNumber()});
     }
-    index_.changed = status.st_mtim;
-    index_.bytes = status.st_size;
-    index_.updates = update_count;
+    return state;
+}
+
+bool PARAMETER_POOL::FindKey(const std::string& key) {
+    return State().places.contains(key);
 }
 
 POOL_ENTRY PARAMETER_POOL::ReadHeader(const std::string& key, int expected_type) {
-    if (!Locate(key)) {
+    const STATE_OF_FILE& state = State();
+    const auto place = state.places.find(key);
+    if (place == state.places.end()) {
         if (not_found_level_ <= LOGGING_LEVEL::ALARM) {
             Log() << not_found_level_ << "parameter pool: parameter key >> " << key << " << not found\n";
-            Log().Message(not_found_level_, "parameter pool file %s", file_name_.c_str());
+            Log().Message(not_found_level_, "parameter pool file %s", FileName().c_str());
         }
         throw PARAMETER_KEY_NOT_FOUND();
     }
-    POOL_ENTRY entry(reader_, file_name_, key, index_.bytes);
+    reader_.Start(state.text, place->second.offset, place->second.line_number);
+    reader_.Next();
+    POOL_ENTRY entry(reader_, FileName(), key, static_cast<long long>(state.text.size()));
     std::string token;
     reader_.Token(token);  // the key
     if (!reader_.Token(token) || PoolTypeNumber(token) != expected_type) {

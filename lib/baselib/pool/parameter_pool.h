@@ -2,20 +2,19 @@
 /// A parameter pool: a typed, line-oriented text file of named values (its syntax: docs/pools.md).
 /// A caller asks for a key with the C++ type that it expects (pool_type.h); the pool finds the key's line, checks the
 /// type tag and parses the value with its type's range. The first of several entries of a key counts.
+/// The file is read whole, under its lock, when it is opened; what is looked up later is of this one state. Only an
+/// update by this process is seen later.
 /// Errors: the details are logged, then a class of pool_errors.h is thrown. A failed read leaves the pool usable and
 /// the caller's value unchanged. Threads: none; one thread per object.
 
 #pragma once
 
-#include <sys/stat.h>
-
-#include <cstdio>
-#include <memory>
 #include <string>
 #include <unordered_map>
 
 #include "lib/baselib/logging/logging.h"
 #include "lib/baselib/pool/pool_block.h"
+#include "lib/baselib/pool/pool_file.h"
 
 class PARAMETER_POOL {
   public:
@@ -23,13 +22,14 @@ class PARAMETER_POOL {
     PARAMETER_POOL();
     /// @throws as Open
     explicit PARAMETER_POOL(const std::string& path);
-    virtual ~PARAMETER_POOL();
+    virtual ~PARAMETER_POOL() = default;
     PARAMETER_POOL(const PARAMETER_POOL&) = delete;
     PARAMETER_POOL& operator=(const PARAMETER_POOL&) = delete;
 
     /// Opens for reading and writing, else creates an empty file of this name, else opens for reading only. An existing
     /// file is never truncated. Left-overs of interrupted updates in the folder are named at WARNING.
-    /// @throws CAN_NOT_OPEN_POOL
+    /// @throws CAN_NOT_OPEN_POOL, ERROR_CAN_NOT_READ_FILE; ERROR_PARAMETER_POOL for a pool that stays locked;
+    ///         CORRUPTED_PARAMETER_POOL for a pool that an interrupted update cut off
     void Open(const std::string& path);
 
     /// Whether the pool has an entry of this key; logs nothing about it. @throws ERROR_ALGORITHM without an open file
@@ -52,45 +52,41 @@ class PARAMETER_POOL {
         return value;
     }
 
-    [[nodiscard]] std::string FileName() const { return file_name_; }
+    [[nodiscard]] std::string FileName() const { return file_.Name(); }
     /// The level at which a missing key is logged; ALARM at first.
     void SetNotFoundLevel(LOGGING_LEVEL level) { not_found_level_ = level; }
 
   protected:
-    [[nodiscard]] const std::string& Directory() const { return directory_; }
-    [[nodiscard]] bool IsWritable() const { return writable_; }
-    /// Opens the file again when its name now belongs to another file: an editor replaced it while the pool was open.
-    void ReopenIfReplaced();
-    void ForbidUpdates() { writable_ = false; }
     /// @throws ERROR_ALGORITHM without an open file
-    [[nodiscard]] FILE* Stream() const;
-    /// Tells every pool object of this process that a file has changed; its time alone is too coarse to show it.
+    [[nodiscard]] POOL_FILE& File();
+    /// The content, read again when a pool of this process was updated since.
+    [[nodiscard]] const std::string& Text();
+    /// From here to ReleaseLock() reading takes no lock of its own. The next lookup reads the file again.
+    void HoldLock();
+    void ReleaseLock();
+    /// Tells every pool object of this process that a file has changed.
     static void CountUpdate();
 
   private:
     struct PLACE {
-        long long offset;
+        std::size_t offset;
         long long line_number;
     };
-    /// Where the first entry of each key stands, and the state of the file that this is true for.
-    struct INDEX_OF_KEYS {
-        timespec changed{};
-        long long bytes = -1;
+    /// The file's content and where the first entry of each key stands in it.
+    struct STATE_OF_FILE {
         unsigned long updates = 0;
+        std::string text;
         std::unordered_map<std::string, PLACE> places;
     };
 
-    /// Puts the reader at the entry's line. @return false when there is none
-    bool Locate(const std::string& key);
-    void RefreshIndex();
+    [[nodiscard]] const STATE_OF_FILE& State();
+    [[nodiscard]] STATE_OF_FILE ReadState();
     /// Finds the key, checks the type and that there is a value; the cursor is then at the value.
     POOL_ENTRY ReadHeader(const std::string& key, int expected_type);
 
-    std::string file_name_ = "xxx.dat";
-    std::string directory_ = ".";
+    POOL_FILE file_;
+    STATE_OF_FILE state_;
     LINE_READER reader_;
-    INDEX_OF_KEYS index_;
-    bool writable_ = true;
+    bool holds_lock_ = false;
     LOGGING_LEVEL not_found_level_ = LOGGING_LEVEL::ALARM;
-    FILE* stream_ = nullptr;
 };

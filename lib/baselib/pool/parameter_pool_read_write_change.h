@@ -18,7 +18,8 @@ class PARAMETER_POOL_READ_WRITE_CHANGE : public PARAMETER_POOL {
     /// @throws as Open
     explicit PARAMETER_POOL_READ_WRITE_CHANGE(const std::string& path) { Open(path); }
 
-    /// @throws CAN_NOT_OPEN_POOL, also for a file that can only be read
+    /// @throws as PARAMETER_POOL; CAN_NOT_OPEN_POOL also for a file that can only be read, or whose folder takes no
+    ///         new file: an update could not be made safely
     void Open(const std::string& path);
 
     /// Notes the entry's new value; reading sees it after Update().
@@ -37,14 +38,14 @@ class PARAMETER_POOL_READ_WRITE_CHANGE : public PARAMETER_POOL {
         }
     }
 
-    /// Writes the collected entries: an entry of the file is replaced in place (the first one of its key), further ones
-    /// follow at the end of the file. Every other line stays byte for byte.
-    /// The new content is complete on disk, in a temporary file beside the pool, before the pool is truncated.
-    /// @throws NO_UPDATE_PERMISSION_FOR_POOL, CORRUPTED_PARAMETER_POOL (the pool is unchanged), ERROR_I_O,
-    ///         ERROR_PARAMETER_POOL; the entries then stay collected
+    /// Writes the collected entries, in a POOL_TRANSACTION of this pool alone.
     void Update();
 
   private:
+    friend class POOL_TRANSACTION;
+
+    /// Opens the file again when its name now belongs to another one. @throws NO_UPDATE_PERMISSION_FOR_POOL
+    void RequirePermission();
     void LogRefusal(const std::string& key) const;
 
     PARAMETER_POOL_LIST pending_;
