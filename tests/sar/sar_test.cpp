@@ -16,39 +16,55 @@ namespace {
 
 using BASIC::TYPES::ERROR_ENUM_BASE_INVALID_VALUE;
 
-/// Reads a pool of one entry.
-template <class ENUM>
-ENUM Read(const std::string& key, const std::string& text) {
+/// Reads a pool of one entry. @return the identifier
+int Read(SAR_ENUM& value, const std::string& key, const std::string& text) {
     POOL_TEXT entries;
     entries.SetText(key, text);
     PARAMETER_POOL pool(entries.Save());
-    ENUM value;
     value.ReadFromParameterPool(pool);
-    return value;
+    return value.Id();
 }
 
 /// Texts of the identifiers from 1 on; a producer's other texts with the identifier that they mean.
+void CheckTexts(SAR_ENUM& value, int end, const std::string& key, const std::vector<std::string>& texts,
+                const std::vector<std::pair<std::string, int>>& others) {
+    SCOPED_TRACE(key);
+    EXPECT_EQ(value.Id(), 0);
+    EXPECT_EQ(value.PoolKey().ToStd(), key);
+    EXPECT_EQ(end, static_cast<int>(texts.size()) + 1);
+    for (int i = 1; i < end; ++i) EXPECT_EQ(Read(value, key, texts[i - 1]), i);
+    EXPECT_EQ(Read(value, key, "-"), 0) << "never the closing enumerator";
+    for (const auto& [text, id] : others) EXPECT_EQ(Read(value, key, text), id) << text;
+    EXPECT_THROW(Read(value, key, "undefine"), ERROR_ENUM_BASE_INVALID_VALUE);
+}
+
 template <class ENUM>
 void Check(const std::string& key, const std::vector<std::string>& texts,
            const std::vector<std::pair<std::string, int>>& others = {}) {
-    SCOPED_TRACE(key);
-    EXPECT_EQ(ENUM().PoolKey().ToStd(), key);
-    EXPECT_EQ(static_cast<int>(ENUM::END), static_cast<int>(texts.size()) + 1);
-    EXPECT_EQ(Read<ENUM>(key, "-").Id(), 0);  // never the closing enumerator
-    for (std::size_t i = 0; i < texts.size(); ++i) EXPECT_EQ(Read<ENUM>(key, texts[i]).Id(), static_cast<int>(i) + 1);
-    for (const auto& [text, id] : others) EXPECT_EQ(Read<ENUM>(key, text).Id(), id) << text;
-    EXPECT_THROW((void)Read<ENUM>(key, "undefine"), ERROR_ENUM_BASE_INVALID_VALUE);
+    ENUM value;
+    CheckTexts(value, ENUM::END, key, texts, others);
 }
 
 TEST(SarEnumerations, ReadTheirTextsAndThoseOfOtherProducers) {
     Check<QuicklookResolutionClass>("quicklook_resolution_class", {"lowRes", "mediumRes"}, {{"lres", 1}, {"mres", 2}});
     Check<PolarizationType>("polarization_type", {"V", "H"});
-    Check<OrbitDirection>("orbit_direction", {"A", "D", "U"}, {{"ascending", 1}, {"DESCENDING", 2}, {"undefined", 3}});
+    Check<OrbitDirection>(
+        "orbit_direction", {"A", "D", "U"},
+        {{"ascending", 1}, {"descending", 2}, {"undefined", 3}, {"ASCENDING", 1}, {"DESCENDING", 2}, {"UNDEFINED", 3}});
     Check<AntennaLookDirection>("antenna_look_direction", {"L", "R", "U"},
-                                {{"left", 1}, {"undefined", 3}, {"elevationRight", 2}, {"RIGHT", 2}});
+                                {{"left", 1},
+                                 {"right", 2},
+                                 {"undefined", 3},
+                                 {"elevationLeft", 1},
+                                 {"elevationRight", 2},
+                                 {"elevationUndefined", 3},
+                                 {"LEFT", 1},
+                                 {"RIGHT", 2},
+                                 {"UNDEFINED", 3}});
     Check<Edge>("edge", {"TOP", "RIGHT", "BOTTOM", "LEFT"});
     Check<Range>("range", {"near", "mid", "far"});
-    Check<Azimuth>("azimuth", {"start", "center", "stop"}, {{"early", 1}, {"mid", 2}, {"late", 3}, {"last", 3}});
+    Check<Azimuth>("azimuth", {"start", "center", "stop"},
+                   {{"early", 1}, {"mid", 2}, {"late", 3}, {"first", 1}, {"last", 3}});
     Check<ImageType>("image_type", {"PORTRAIT", "LANDSCAPE"});
     Check<ImagingConfiguration>("imaging_configuration", {"StripMap", "ScanSAR", "SpotLight", "TopSAR"},
                                 {{"SM", 1}, {"SC", 2}, {"SL", 3}});
@@ -65,7 +81,8 @@ TEST(SarEnumerations, ReadTheirTextsAndThoseOfOtherProducers) {
 TEST(SarEnumerations, AnUnknownTextNamesPoolKeyAndTheValidTexts) {
     const std::string log = LoggedBy([] {
         try {
-            (void)Read<PolarizationType>("polarization_type", "h");
+            PolarizationType type;
+            (void)Read(type, "polarization_type", "h");
             ADD_FAILURE();
         } catch (const ERROR_ENUM_BASE_INVALID_VALUE& error) {
             EXPECT_EQ(error.ValidValues(), "Valid values are: 'V' 'H' ");
@@ -75,8 +92,8 @@ TEST(SarEnumerations, AnUnknownTextNamesPoolKeyAndTheValidTexts) {
 }
 
 TEST(Edge, HasAnOppositeAndTwoNeighbours) {
-    EXPECT_EQ(Edge(Edge::TOP).Opposite().Id(), Edge::BOTTOM);
-    EXPECT_EQ(Edge(Edge::RIGHT).Opposite().Id(), Edge::LEFT);
+    const int opposites[] = {Edge::NOT_SET, Edge::BOTTOM, Edge::LEFT, Edge::TOP, Edge::RIGHT, Edge::END};
+    for (int i = Edge::NOT_SET; i <= Edge::END; ++i) EXPECT_EQ(Edge(i).Opposite().Id(), opposites[i]);
     for (int i = Edge::NOT_SET; i <= Edge::END; ++i) {
         for (int k = Edge::NOT_SET; k <= Edge::END; ++k) {
             const bool both_real = i % 5 != 0 && k % 5 != 0;
@@ -102,29 +119,53 @@ TEST(TxRxType, AllowsSixOfSixteenPairs) {
     }
 }
 
+TEST(Azimuth, HasASecondText) {
+    const std::string texts[] = {"-", "early", "mid", "late", "-"};
+    for (int i = Azimuth::NOT_SET; i <= Azimuth::END; ++i) EXPECT_EQ(Azimuth(i).SecondText(), texts[i]);
+}
+
 TEST(ImageDirection, TurnsPositionsIntoEdges) {
-    const ImageDirection direction(Range(Range::FAR), Edge(Edge::LEFT), Azimuth(Azimuth::STOP), Edge(Edge::TOP));
-    EXPECT_EQ(direction.Edges().first.Text(), "RIGHT");
-    EXPECT_EQ(direction.Edges().second.Text(), "BOTTOM");
-    EXPECT_EQ(direction.EdgeOf(Range(Range::NEAR)).Text(), "RIGHT");
-    EXPECT_EQ(direction.EdgeOf(Azimuth(Azimuth::STOP)).Text(), "TOP");
-    EXPECT_EQ(ImageDirection().EdgeOf(Range(Range::FAR)).Id(), Edge::NOT_SET);
+    const Range near(Range::NEAR);
+    const Range far(Range::FAR);
+    const Azimuth start(Azimuth::START);
+    const Azimuth stop(Azimuth::STOP);
+    for (const Range& range : {near, far}) {
+        for (const Azimuth& azimuth : {start, stop}) {
+            const ImageDirection direction(range, Edge(Edge::LEFT), azimuth, Edge(Edge::TOP));
+            const bool is_near = range.Id() == Range::NEAR;
+            const bool is_start = azimuth.Id() == Azimuth::START;
+            EXPECT_EQ(direction.Edges().first.Text(), is_near ? "LEFT" : "RIGHT");
+            EXPECT_EQ(direction.Edges().second.Text(), is_start ? "TOP" : "BOTTOM");
+            EXPECT_EQ(direction.EdgeOf(near).Text(), is_near ? "LEFT" : "RIGHT");
+            EXPECT_EQ(direction.EdgeOf(far).Text(), is_near ? "RIGHT" : "LEFT");
+            EXPECT_EQ(direction.EdgeOf(start).Text(), is_start ? "TOP" : "BOTTOM");
+            EXPECT_EQ(direction.EdgeOf(stop).Text(), is_start ? "BOTTOM" : "TOP");
+        }
+    }
+    EXPECT_EQ(ImageDirection().EdgeOf(far).Id(), Edge::NOT_SET);
 }
 
 TEST(Combinations, RejectsWhatNoImageCanHave) {
     using I = ImageDirection;
-    const std::pair<std::function<void()>, const char*> cases[] = {
-        {[] { I(Range(Range::NEAR), Edge(Edge::LEFT), Azimuth(Azimuth::STOP), Edge(Edge::RIGHT)); },
-         "range and azimuth should be at orthogonal edges"},
-        {[] { I(Range(Range::MID), Edge(Edge::LEFT), Azimuth(Azimuth::START), Edge(Edge::TOP)); },
-         "mid range is at no edge"},
-        {[] { I(Range(Range::FAR), Edge(Edge::LEFT), Azimuth(Azimuth::CENTER), Edge(Edge::TOP)); },
-         "azimuth center is at no edge"},
+    const auto direction = [](int range, int range_edge, int azimuth, int azimuth_edge) {
+        return [=] { I(Range(range), Edge(range_edge), Azimuth(azimuth), Edge(azimuth_edge)); };
+    };
+    const std::pair<std::function<void()>, std::string> cases[] = {
+        {direction(Range::NEAR, Edge::LEFT, Azimuth::STOP, Edge::RIGHT),
+         "range and azimuth should be at orthogonal edges\nALARM : global : range \"LEFT\", azimuth \"RIGHT\""},
+        {direction(Range::MID, Edge::LEFT, Azimuth::START, Edge::TOP),
+         "mid range is at no edge\nALARM : global : range \"mid\", azimuth \"\""},
+        {direction(Range::NOT_SET, Edge::LEFT, Azimuth::START, Edge::TOP),
+         "range is not set\nALARM : global : range \"-\", azimuth \"\""},
+        {direction(Range::FAR, Edge::LEFT, Azimuth::CENTER, Edge::TOP),
+         "azimuth center is at no edge\nALARM : global : range \"\", azimuth \"center\""},
+        {direction(Range::FAR, Edge::LEFT, Azimuth::END, Edge::TOP),
+         "azimuth is not set\nALARM : global : range \"\", azimuth \"-\""},
         {[] { TxRxType(PolarizationType(PolarizationType::V), PolarizationType()); },
-         "invalid combination of transmit and receive polarization"},
+         "invalid combination of transmit and receive polarization\nALARM : global : transmit \"V\", receive \"-\""},
     };
     for (const auto& [make, text] : cases) {
-        EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(make(), ERROR_INVALID_VALUE); }), testing::HasSubstr(text));
+        EXPECT_EQ(ErrorAndLogOf(make), "invalid value\nALARM : global : " + text + "\n");
     }
 }
 
