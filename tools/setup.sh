@@ -3,7 +3,8 @@
 # what building and testing velmora-import needs. Does nothing when all is there.
 set -euo pipefail
 
-packages=(g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev python3 python3-numpy python3-pytest strace util-linux)
+packages=(g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev python3 python3-numpy python3-pytest strace util-linux
+          clang-format clang-tidy)
 if [ "${1:-}" = companions ]; then
     packages+=(libgdal-dev libproj-dev proj-data libpugixml-dev libcli11-dev gdal-bin python3-gdal)
 fi

@@ -1,6 +1,6 @@
 #!/bin/bash
-# test.sh: builds and tests everything: threaded code under ThreadSanitizer, all under AddressSanitizer and UBSan, then
-# all in the release build, whose summary ends the output. Stops at the first preset that fails.
+# test.sh: checks layout and names, then builds and tests everything: threaded code under ThreadSanitizer, all under
+# AddressSanitizer and UBSan, then all in the release build, whose summary ends the output. Stops at the first failure.
 # Tests of minutes are left out: ctest --preset long runs them.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -17,6 +17,8 @@ run_preset() {  # preset, target to build, then arguments of ctest
     ctest --preset "$preset" --parallel "$jobs" "$@"
 }
 
+echo "== style"
+tools/check_style.sh
 run_preset tsan threads_tests --label-regex threads
 run_preset asan all
 run_preset release all
