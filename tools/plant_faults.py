@@ -1,0 +1,244 @@
+#!/usr/bin/python3
+"""plant_faults.py [FOLDER ...]: plants small faults into the product's code, one at a time, and tells which of them no
+test catches. FOLDER is a folder of the product (time, lib/baselib/pool); default: all.
+
+Each fault is compiled and held against the unit tests of its folder; what they let pass meets the end-to-end tests. A
+crash or a run far beyond the usual time is caught, too. The choice depends on --seed alone. Faults that no run can show
+are listed in tools/plant_faults_unobservable.txt: path | code after the change | reason; they count neither way.
+All work is done on a copy under build/planted_faults; the tree itself is never touched.
+"""
+import argparse
+import collections
+import os
+import pathlib
+import random
+import re
+import resource
+import shutil
+import signal
+import subprocess
+import sys
+import time
+
+REPOSITORY = pathlib.Path(__file__).resolve().parents[1]
+UNOBSERVABLE = pathlib.Path(__file__).with_name("plant_faults_unobservable.txt")
+NO_PRODUCT = {"tests", "fuzz", "benchmarks", "demo", "tools"}
+END_TO_END = ["test_failures.py", "test_process_frame.py", "test_main_job.py", "test_threads.py", "test_properties.py"]
+SWAPPED = {"<": "<=", "<=": "<", ">": ">=", ">=": ">", "==": "!=", "!=": "==", "+": "-", "-": "+", "*": "/", "/": "*",
+           "+=": "-=", "-=": "+=", "*=": "/=", "/=": "*=", "&&": "||", "||": "&&", "++": "--", "--": "++", "true": "false",
+           "false": "true", "min": "max", "max": "min", "sin": "cos", "cos": "sin", "floor": "ceil", "ceil": "floor"}
+NO_STATEMENT = r"(?!\s*(?:return|throw|using|delete|static_assert|case|default|EXPECT|friend)\b)"
+
+FAULT = collections.namedtuple("FAULT", "path line kind start end new")
+OPERATORS = [  # kind, what is looked for in a line without strings and comments, group that is replaced, by what
+    ("relation", r" (<=|>=|==|!=|<|>) ", 1, lambda g: SWAPPED[g[1]]),
+    ("arithmetic", r" (\+|-|\*|/|\+=|-=|\*=|/=) ", 1, lambda g: SWAPPED[g[1]]),
+    ("logic", r" (&&|\|\|) ", 1, lambda g: SWAPPED[g[1]]),
+    ("step", r"(\+\+|--)", 1, lambda g: SWAPPED[g[1]]),
+    ("constant", r"(?<![\w.'])(\d+)(?![\w.'])", 1, lambda g: str(int(g[1]) + 1)),
+    ("constant", r"(?<![\w.'])(\d+)\.\d", 1, lambda g: str(int(g[1]) + 1)),
+    ("condition", r"\b(?:if|while) \((.*)\)(?: \{| return\b.*;| throw\b.*;| continue;| break;)$", 1, lambda g: "!(%s)" % g[1]),
+    ("condition", r" (!)(?=[\w(])", 1, lambda g: ""),
+    ("truth", r"\breturn (true|false);", 1, lambda g: SWAPPED[g[1]]),
+    ("function", r"\bstd::(min|max|sin|cos|floor|ceil)\(", 1, lambda g: SWAPPED[g[1]]),
+    ("no return", r"\b(?:if|while|for) \(.*\) (return\b.*);$", 1, lambda g: ""),
+    ("no throw", r"(?:^\s+|\) )(throw\b.*);$", 1, lambda g: ""),
+    ("no statement", r"^\s+" + NO_STATEMENT + r"([\w.>\[\]()*-]+ [-+*/|&]?= .*);$", 1, lambda g: ""),
+    ("no statement", r"^\s+" + NO_STATEMENT + r"([\w.:>-]+\(.*\));$", 1, lambda g: ""),
+    ("arguments", r"((?<!mi)(?<!ma)\w\((?:[^()]*, )?)([\w.]+), (?!\2\b)([\w.]+)(?=[,)])", 0, lambda g: g[1] + g[3] + ", " + g[2]),
+]
+NO_FAULT = r"\boperator\b|^template|assert\(|swap\(|= (?:default|delete|0);$|\bhypot\(|\.reserve\("
+
+
+def blank(match):
+    return re.sub(r"[^\n]", "\0", match[0])
+
+
+def faults_of(path, text):
+    """Every fault that fits the file."""
+    masked = re.sub(r'//[^\n]*|/\*.*?\*/|"(?:\\.|[^"\\\n])*"|\'(?:\\.|[^\'\\\n])\'|^ *#(?:\\\n|[^\n])*', blank, text,
+                    flags=re.S | re.M)
+    offset = 0
+    for number, line in enumerate(masked.splitlines(keepends=True), 1):
+        code = line.rstrip("\0 \n")
+        if not re.search(NO_FAULT, code) and code.count("(") == code.count(")"):
+            for kind, pattern, group, replacement in OPERATORS:
+                for match in re.finditer(pattern, code):
+                    groups = [text[offset + first:offset + last] for first, last in match.regs]
+                    yield FAULT(path, number, kind, offset + match.start(group), offset + match.end(group), replacement(groups))
+        offset += len(line)
+
+
+def folder_of(path):
+    return "/".join(path.split("/")[:3 if path.startswith("lib/") else 1])
+
+
+def draw(faults, count, seed):
+    """A choice that takes turns among the kinds, since constants and statements are many."""
+    chance = random.Random(seed)
+    kinds = collections.defaultdict(list)
+    for fault in faults:
+        kinds[fault.kind].append(fault)
+    for of_kind in kinds.values():
+        chance.shuffle(of_kind)
+    while kinds and count > 0:
+        for kind in sorted(kinds):
+            yield kinds[kind].pop()
+            if not kinds[kind]:
+                del kinds[kind]
+
+
+class WORKSHOP:
+    """A copy of the tree with a build of its own."""
+
+    def __init__(self, jobs, end_to_end):
+        self.tree = REPOSITORY / "build" / "planted_faults" / "tree"
+        self.build_folder = self.tree.parent / "build"
+        self.scratch = self.tree.parent / "tmp"
+        self.jobs = jobs
+        self.end_to_end = end_to_end
+        self.usual_s = {}
+
+    def prepare(self):
+        for name in subprocess.run(["git", "ls-files"], cwd=REPOSITORY, capture_output=True, text=True, check=True).stdout.split("\n"):
+            source, copy = REPOSITORY / name, self.tree / name
+            if source.is_file() and not (copy.exists() and copy.read_bytes() == source.read_bytes()):
+                copy.parent.mkdir(parents=True, exist_ok=True)
+                shutil.copyfile(source, copy)
+        launcher = ["-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"] if shutil.which("ccache") else []
+        subprocess.run(["cmake", "-G", "Ninja", "-S", self.tree, "-B", self.build_folder, "-DCMAKE_CXX_FLAGS=-O1 -DNDEBUG -w",
+                        "-DVELMORA_COMPILE_DATE=2000-01-01T00:00:00Z", *launcher],
+                       check=True, stdout=subprocess.DEVNULL)
+
+    def build(self, *targets):
+        return self.run(["cmake", "--build", self.build_folder, "--parallel", str(self.jobs), "--target", *targets], 900)
+
+    def run(self, command, limit_s):
+        """True when the command succeeds in time, within bounds of memory and file size."""
+        def bounds():
+            os.nice(10)
+            resource.setrlimit(resource.RLIMIT_AS, (8 << 30, 8 << 30))
+            resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+        self.scratch.mkdir(exist_ok=True)
+        environment = dict(os.environ, TMPDIR=str(self.scratch), VELMORA_RANDOM_SCENES="1", PYTHONDONTWRITEBYTECODE="1",
+                           VELMORA_BINARY=str(self.build_folder / "app" / "velmora"))
+        process = subprocess.Popen(command, cwd=self.build_folder, env=environment, stdin=subprocess.DEVNULL,
+                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, preexec_fn=bounds,
+                                   start_new_session=True)
+        try:
+            return process.wait(limit_s) == 0
+        except subprocess.TimeoutExpired:
+            return False
+        finally:
+            try:
+                os.killpg(process.pid, signal.SIGKILL)  # what it may have left running
+            except ProcessLookupError:
+                pass
+            process.wait()
+            shutil.rmtree(self.scratch, ignore_errors=True)
+
+    def timed(self, command, what):
+        """The first run of the tests is that of the tree without faults: it sets the limit."""
+        if what not in self.usual_s:
+            start = time.monotonic()
+            if not self.run(command, 600):
+                sys.exit("%s fails without any fault" % what)
+            self.usual_s[what] = time.monotonic() - start
+        return self.run(command, 4 + 4 * self.usual_s[what])
+
+    def unit_tests(self, folder):
+        """The test programs of the folder, but for those of minutes."""
+        tests = self.tree / "tests" / folder.split("/")[-1] / "CMakeLists.txt"
+        calls = re.findall(r"velmora_test\((\w+)([^)]*)\)", tests.read_text()) if tests.exists() else []
+        return [self.build_folder / "tests" / tests.parent.name / name for name, words in calls if "LABEL long" not in words]
+
+    def verdict(self, folder):
+        """Who catches the fault; "" for nobody, None when it does not compile."""
+        units = self.unit_tests(folder)
+        if units and not self.build(*[unit.name for unit in units]):
+            return None
+        for unit in units:
+            if not self.timed([unit, "--gtest_fail_fast"], unit.name):
+                return "unit"
+        if not self.end_to_end:
+            return ""
+        if not self.build("velmora"):
+            return None
+        files = [str(self.tree / "tests" / "end_to_end" / name) for name in END_TO_END]
+        passed = self.timed(["/usr/bin/python3", "-m", "pytest", "-qx", "-p", "no:cacheprovider", *files], "end_to_end")
+        return "" if passed else "end_to_end"
+
+    def plant(self, folder, fault):
+        """The verdict on one fault."""
+        path = self.tree / fault.path
+        text = path.read_text()
+        path.write_text(text[:fault.start] + fault.new + text[fault.end:])
+        try:
+            return self.verdict(folder)
+        finally:
+            path.write_text(text)
+
+
+def line_of(text, start):
+    return text[text.rfind("\n", 0, start) + 1:(text + "\n").find("\n", start)].strip()
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("folders", nargs="*")
+    parser.add_argument("--count", type=int, default=40, help="faults per folder")
+    parser.add_argument("--seed", default="1")
+    parser.add_argument("--jobs", type=int, default=2)
+    parser.add_argument("--unit", action="store_true", help="unit tests only: a header takes minutes to reach the program")
+    parser.add_argument("--list", action="store_true", help="only tell the faults")
+    options = parser.parse_args()
+
+    texts = {}
+    names = subprocess.run(["git", "ls-files", "*.cpp", "*.h"], cwd=REPOSITORY, capture_output=True, text=True, check=True).stdout
+    for name in names.split():
+        if name.split("/")[0] not in NO_PRODUCT and (REPOSITORY / name).exists():
+            texts[name] = (REPOSITORY / name).read_text()
+    unobservable = {tuple(part.strip() for part in line.split(" | ")[:2])
+                    for line in UNOBSERVABLE.read_text().splitlines() if " | " in line} if UNOBSERVABLE.exists() else set()
+    workshop = WORKSHOP(options.jobs, not options.unit)
+    if not options.list:
+        workshop.prepare()
+    totals = {}
+    for folder in options.folders or sorted({folder_of(name) for name in texts}):
+        folder = folder.rstrip("/")
+        faults = [fault for name, text in texts.items() if folder_of(name) == folder for fault in faults_of(name, text)]
+        if not options.list:  # the limits
+            if workshop.verdict(folder) != "":
+                sys.exit("%s: the tree without faults fails" % folder)
+        count = collections.Counter()
+        for fault in draw(faults, options.count, options.seed + folder):
+            if sum(count.values()) == options.count:
+                break
+            text = texts[fault.path]
+            before = line_of(text, fault.start)
+            after = line_of(text[:fault.start] + fault.new + text[fault.end:], fault.start)
+            tell = "%s:%d: %s: %s  ->  %s" % (fault.path, fault.line, fault.kind, before, after)
+            if options.list:
+                count["listed"] += 1
+                print(tell)
+                continue
+            verdict = workshop.plant(folder, fault)
+            if verdict is None:
+                continue
+            hidden = verdict == "" and (fault.path, after) in unobservable
+            count["unobservable" if hidden else verdict or "survived"] += 1
+            if verdict == "":
+                print("%s %s" % ("unobservable" if hidden else "SURVIVED", tell), flush=True)
+        totals[folder] = count
+        seen = count["unit"] + count["end_to_end"] + count["survived"]
+        print("%-26s %3d faults: %3d caught by unit tests, %3d by end-to-end tests, %3d survived, %d unobservable: %.0f %%" % (
+            folder, seen + count["unobservable"], count["unit"], count["end_to_end"], count["survived"], count["unobservable"],
+            100.0 * (seen - count["survived"]) / max(seen, 1)), flush=True)
+    whole = sum(totals.values(), collections.Counter())
+    seen = whole["unit"] + whole["end_to_end"] + whole["survived"]
+    print("all: %d of %d observable faults caught: %.1f %%" % (seen - whole["survived"], seen,
+                                                               100.0 * (seen - whole["survived"]) / max(seen, 1)))
+
+
+if __name__ == "__main__":
+    main()
