@@ -18,6 +18,7 @@
 #include "lib/baselib/logging/logging.h"
 #include "lib/baselib/pool/parameter_pool.h"
 #include "lib/baselib/pool/parameter_pool_read_write_change.h"
+#include "lib/baselib/vectors/vector_level.h"
 
 namespace {
 
@@ -39,6 +40,7 @@ void RunStages(SIMULATION_STATE& state, CONTROLLER_IFC& controller, const VERSIO
     LOG_POOL log_pool;
 
     LogStage("A. READ CONFIGURATION *************************************");
+    (void)ChosenVectorLevel();  // stage B's affair, but refused before the work of stage A
     ReadConfiguration(state, controller, master_pool, slave_pool, insar_pool, log_pool);
     TryHistory(*log_pool.pool, EntryOfThisRun(version));
     ReadPoolsAndArea(state, master_pool, slave_pool, insar_pool);

@@ -3,12 +3,13 @@
 /// orbit, many points in step.
 /// Accuracy: times agree with CalcSlaveTime to 1e-9 s, ranges to 1e-8 m. A point that leaves the compiled span or does
 /// not converge soon is solved by CalcSlaveTime itself, with its messages. A point's result depends on nothing but the
-/// point: not on its neighbours in the array, not on their number. Frame: Earth-fixed, SI units; times on the handle's
-/// axis. Threads: no shared state.
+/// point: not on its neighbours in the array, not on their number, not on the level of the vector code. Frame:
+/// Earth-fixed, SI units; times on the handle's axis. Threads: no shared state.
 
 #pragma once
 
 #include "geometry/calc_slave_time.h"
+#include "lib/baselib/vectors/vector_level.h"
 #include "orbit/compiled_orbit.h"
 
 /// One acquisition's orbit in both forms.
@@ -27,5 +28,6 @@ struct ROW_POINTS {
 
 /// @param first, count     the points to solve: elements first .. first + count - 1 of all arrays
 /// @param time_s, range_m  receive the solutions
-void SolveZeroDopplerRow(const ROW_ORBIT& orbit, const ROW_POINTS& points, int first, int count, double* time_s,
-                         double* range_m);
+/// @return how many of the points were solved by CalcSlaveTime, one by one
+[[nodiscard]] int SolveZeroDopplerRow(VECTOR_LEVEL level, const ROW_ORBIT& orbit, const ROW_POINTS& points, int first,
+                                      int count, double* time_s, double* range_m);

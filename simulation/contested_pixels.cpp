@@ -1,11 +1,23 @@
 #include "simulation/contested_pixels.h"
 
+#include <bit>
+
 namespace {
 
 /// Mark of a pixel that was settled: by a block above the one at work, or by a later cell of the same block.
 constexpr unsigned char kSettled = 2;
 
 }  // namespace
+
+void KeepPixels(CONTESTED_PIXELS& list, int row, int column, unsigned lanes, const float (*values)[kLanes],
+                int layers) {
+    for (unsigned left = lanes; left != 0; left &= left - 1) {
+        const int lane = std::countr_zero(left);
+        CONTESTED_PIXEL pixel{row, column + lane, {}};
+        for (int k = 0; k < layers; ++k) pixel.values[k] = values[k][lane];
+        list.push_back(pixel);
+    }
+}
 
 void SettleContestedPixels(const std::vector<CONTESTED_PIXELS>& lists, const PIXEL_OWNERSHIP& ownership,
                            const PIXEL_LAYERS& layers, const GRID_VIEW<unsigned char>& mask) {

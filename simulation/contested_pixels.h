@@ -6,6 +6,7 @@
 
 #include <vector>
 
+#include "lib/baselib/vectors/lane_count.h"
 #include "simulation/pixel_layers.h"
 #include "simulation/pixel_ownership.h"
 
@@ -16,6 +17,10 @@ struct CONTESTED_PIXEL {
 };
 
 using CONTESTED_PIXELS = std::vector<CONTESTED_PIXEL>;
+
+/// Keeps the lanes of a set (bit i: pixel column + i).
+/// @param values  of the first layers, one element per lane
+void KeepPixels(CONTESTED_PIXELS& list, int row, int column, unsigned lanes, const float (*values)[kLanes], int layers);
 
 /// Writes the kept pixels that no lower block has written.
 /// @param lists  one per block, in the order in which its thread kept them

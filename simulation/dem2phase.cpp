@@ -40,10 +40,12 @@ void DEM2PHASE_Thread(PREPARED_SCENE& scene, const DEM2PHASE_ARG& arg) {
         solution.SimulateRow(static_cast<int>(arg.start + i));
         progress.RowDone(i);
     }
+    solution.Finish();
+    scene.Counts(static_cast<int>(arg.thread_number)) = solution.Counts();
     Log().Message(LOGGING_LEVEL::TRACE, "   - end of thread nr: %u", arg.thread_number);
 }
 
-void SimulateScene(const SCENE& scene) {
+SOLUTION_COUNTS SimulateScene(const SCENE& scene) {
     PREPARED_SCENE prepared(scene);
     THREADS<DEM2PHASE_ARG, unsigned int> threads(static_cast<unsigned int>(scene.simulated.first_row),
                                                  static_cast<unsigned int>(scene.simulated.last_row),
@@ -51,4 +53,8 @@ void SimulateScene(const SCENE& scene) {
     Log().Message(LOGGING_LEVEL::INFO, " Initialised dem2phase_arg");
     threads.Run();
     prepared.Settle();
+    const SOLUTION_COUNTS counts = prepared.TotalCounts();
+    Log().Message(LOGGING_LEVEL::DEBUG, " - Zero-Doppler solutions: %lld in rows (%s), %lld one by one", counts.in_rows,
+                  TextOf(prepared.VectorLevel()), counts.one_by_one);
+    return counts;
 }

@@ -14,6 +14,7 @@ struct DEM2PHASE_ARG : THREAD_ARG {};
 /// Errors: what the geometry throws ends the routine; the runner turns it into the thread's status.
 void DEM2PHASE_Thread(PREPARED_SCENE& scene, const DEM2PHASE_ARG& arg);
 
-/// Simulates all rows of a scene on ThreadCount() threads. The grids come out the same for every number of threads.
-/// Errors: as the runner's (threads.h).
-void SimulateScene(const SCENE& scene);
+/// Simulates all rows of a scene on ThreadCount() threads. The grids come out the same, byte for byte, for every number
+/// of threads and every vector level. How the solutions were found is logged at DEBUG.
+/// Errors: as the runner's (threads.h) and ChosenVectorLevel.
+SOLUTION_COUNTS SimulateScene(const SCENE& scene);

@@ -7,13 +7,14 @@
 
 #include <vector>
 
+#include "lib/baselib/vectors/vector_level.h"
 #include "simulation/radar_row.h"
 #include "simulation/scene.h"
 
 class DEM_ROW {
   public:
     /// @param dem  must outlive the object
-    DEM_ROW(const DEM_GRID& dem, const DEM_RANGE& simulated);
+    DEM_ROW(const DEM_GRID& dem, const DEM_RANGE& simulated, VECTOR_LEVEL level);
 
     /// Fills EARTH_X, EARTH_Y, EARTH_Z and HEIGHT_M of the whole row, unless they are filled; row.row tells the DEM
     /// row. Errors: as Get_Earth_Position_From_DEM.
@@ -28,6 +29,7 @@ class DEM_ROW {
     void CarryIntoOrbitFrame(RADAR_ROW& row) const;
 
     const DEM_GRID& dem_;
+    VECTOR_LEVEL level_;
     KIND kind_;
     std::vector<double> cos_longitude_{};  ///< of a "GEO" grid, one per simulated column
     std::vector<double> sin_longitude_{};

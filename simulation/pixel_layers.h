@@ -1,6 +1,6 @@
 /// \file pixel_layers.h
 /// The grids that receive a pixel's values, as one list of layers: what each takes, and where.
-/// Threads: constant after construction; what the pointers reach belongs to the pixel's owner (see pixel_ownership.h).
+/// Threads: constant after construction; what the views reach belongs to the pixel's owner (see pixel_ownership.h).
 
 #pragma once
 
@@ -10,26 +10,26 @@
 #include "simulation/radar_row.h"
 #include "simulation/scene.h"
 
-/// Rows and columns of the image that a grid holds; index -1: the grid leaves it out.
+/// Which of the image's rows and columns a sub-sampled grid holds, and where; index -1: the grid leaves it out.
 struct GRID_PLACES {
-    bool dense = true;  ///< pixels have their places at their own rows and columns, as far as the grid goes
-    std::vector<int> row_of{};
+    std::vector<int> row_of{};  ///< element 0: the first row to be simulated
     std::vector<int> column_of{};
     std::vector<unsigned char> next_eight{};  ///< bit i of element c: column c + i has a place
 };
 
-/// One of the two grids is there. Doubles hold values of single precision.
+/// A quantity and its grid: one of the two views is there. Doubles hold values of single precision.
 struct PIXEL_LAYER {
     QUANTITY quantity;
-    const GRID_PLACES* places;
     GRID_VIEW<float> singles;
     GRID_VIEW<double> doubles;
+    int end_row;  ///< of the grid
+    int columns;
+    const int* row_of;  ///< the tables of GRID_PLACES; nullptr: dense, pixels stand at their own rows and columns
+    const int* column_of;
+    const unsigned char* next_eight;
 
-    [[nodiscard]] int EndRow() const { return singles ? singles.EndRow() : doubles.EndRow(); }
-    [[nodiscard]] int Columns() const { return singles ? singles.columns : doubles.columns; }
-
-    void Store(int row, int column, float value) const {
-        if (singles) {
+    [[gnu::always_inline]] void Store(int row, int column, float value) const {
+        if (singles.data != nullptr) {
             singles[row][column] = value;
         } else {
             doubles[row][column] = value;
@@ -44,19 +44,15 @@ using PIXEL_VALUES = std::array<float, kMaxLayers>;
 
 class PIXEL_LAYERS {
   public:
-    static constexpr int kLanes = 8;  ///< neighbouring pixels that the vector code stores at once
-
     explicit PIXEL_LAYERS(const SCENE& scene);
     PIXEL_LAYERS(const PIXEL_LAYERS&) = delete;  // layers point to the places
     PIXEL_LAYERS& operator=(const PIXEL_LAYERS&) = delete;
 
-    /// Those with a place for every pixel, and the others.
-    [[nodiscard]] const std::vector<PIXEL_LAYER>& Dense() const { return dense_; }
-    [[nodiscard]] const std::vector<PIXEL_LAYER>& Sparse() const { return sparse_; }
-    /// Whether some sparse layer takes pixels of an image row.
-    [[nodiscard]] bool IsSparseRow(int row) const { return sparse_row_[row] != 0; }
-
-    [[nodiscard]] std::size_t Count() const { return dense_.size() + sparse_.size(); }
+    /// The dense ones, with a place for every pixel, first.
+    [[nodiscard]] const std::vector<PIXEL_LAYER>& All() const { return layers_; }
+    [[nodiscard]] int DenseCount() const { return dense_count_; }
+    /// 1: some sparse layer takes pixels of this image row; element 0 is the first row to be simulated.
+    [[nodiscard]] const std::vector<unsigned char>& SparseRows() const { return sparse_rows_; }
 
     /// Stores a pixel's values where the layers have a place for it.
     void Store(int row, int column, const PIXEL_VALUES& values) const;
@@ -65,10 +61,10 @@ class PIXEL_LAYERS {
     void Add(QUANTITY quantity, const GRID_PLACES& places, const GRID_VIEW<float>& singles,
              const GRID_VIEW<double>& doubles);
 
-    GRID_PLACES image_;
+    int first_row_;
     GRID_PLACES shifts_;
     GRID_PLACES earth_;
-    std::vector<PIXEL_LAYER> dense_;
-    std::vector<PIXEL_LAYER> sparse_;
-    std::vector<unsigned char> sparse_row_;
+    std::vector<PIXEL_LAYER> layers_;
+    int dense_count_ = 0;
+    std::vector<unsigned char> sparse_rows_;
 };

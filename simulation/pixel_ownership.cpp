@@ -1,6 +1,7 @@
 #include "simulation/pixel_ownership.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <limits>
 
@@ -24,11 +25,13 @@ void FillGaps(std::vector<int>& begins) {
 
 }  // namespace
 
-PIXEL_OWNERSHIP::PIXEL_OWNERSHIP(int image_rows, int image_columns, const std::vector<BLOCK_BORDER>& borders) {
+PIXEL_OWNERSHIP::PIXEL_OWNERSHIP(int first_row, int rows, int columns, const std::vector<BLOCK_BORDER>& borders)
+    : first_row_(first_row) {
     Orient(borders);
-    const int size = borders_run_along_rows_ ? image_columns : image_rows;
+    const int first = borders_run_along_rows_ ? 0 : first_row;
+    const int size = borders_run_along_rows_ ? columns : rows;
     for (std::size_t block = 1; block < borders.size(); ++block) {
-        std::vector<int> begins = Trace(borders[block], size);
+        std::vector<int> begins = Trace(borders[block], first, size);
         if (!begins_.empty()) {
             // Borders may cross in the mountains; their order is what keeps the owners disjoint.
             for (int i = 0; i < size; ++i) begins[i] = std::max(begins[i], begins_.back()[i]);
@@ -53,9 +56,9 @@ void PIXEL_OWNERSHIP::Orient(const std::vector<BLOCK_BORDER>& borders) {
     }
 }
 
-std::vector<int> PIXEL_OWNERSHIP::Trace(const BLOCK_BORDER& border, int size) const {
+std::vector<int> PIXEL_OWNERSHIP::Trace(const BLOCK_BORDER& border, int first, int size) const {
     std::vector<int> begins(size, kNowhere);
-    const auto along = [this](const POINT<double>& p) { return borders_run_along_rows_ ? p.x : p.y; };
+    const auto along = [this, first](const POINT<double>& p) { return (borders_run_along_rows_ ? p.x : p.y) - first; };
     const auto across = [this](const POINT<double>& p) { return sign_ * (borders_run_along_rows_ ? p.y : p.x); };
     const auto place = [size](double value) { return static_cast<int>(std::clamp(std::rint(value), 0.0, size - 1.0)); };
     for (std::size_t i = 0; i + 1 < border.size(); ++i) {
@@ -73,7 +76,7 @@ std::vector<int> PIXEL_OWNERSHIP::Trace(const BLOCK_BORDER& border, int size) co
 }
 
 PIXEL_OWNERSHIP::PLACE PIXEL_OWNERSHIP::PlaceOf(int row, int column) const {
-    return borders_run_along_rows_ ? PLACE{column, sign_ * row} : PLACE{row, sign_ * column};
+    return borders_run_along_rows_ ? PLACE{column, sign_ * row} : PLACE{row - first_row_, sign_ * column};
 }
 
 bool PIXEL_OWNERSHIP::Owns(int block, int row, int column) const {
@@ -90,11 +93,26 @@ bool PIXEL_OWNERSHIP::OwnsAll(int block, const PIXEL_BOX& box) const {
     const PLACE last = PlaceOf(box.last_row, box.last_column);
     const int lowest = std::min(first.across, last.across);
     const int highest = std::max(first.across, last.across);
-    for (int k = first.along; k <= last.along; ++k) {
-        if (block > 0 && lowest < begins_[before - 1][k]) return false;
-        if (before < begins_.size() && highest >= begins_[before][k]) return false;
+    // Without a way out of the loops, which become vector code.
+    unsigned outside = 0;
+    if (block > 0) {
+        const int* const begins = begins_[before - 1].data();
+        for (int k = first.along; k <= last.along; ++k) outside |= lowest < begins[k] ? 1 : 0;
     }
-    return true;
+    if (before < begins_.size()) {
+        const int* const begins = begins_[before].data();
+        for (int k = first.along; k <= last.along; ++k) outside |= highest >= begins[k] ? 1 : 0;
+    }
+    return outside == 0;
+}
+
+unsigned PIXEL_OWNERSHIP::OwnedLanes(int block, int row, int column, unsigned lanes) const {
+    unsigned owned = 0;
+    for (unsigned left = lanes; left != 0; left &= left - 1) {
+        const int lane = std::countr_zero(left);
+        if (Owns(block, row, column + lane)) owned |= 1U << lane;
+    }
+    return owned;
 }
 
 int PIXEL_OWNERSHIP::OwnerOf(int row, int column) const {

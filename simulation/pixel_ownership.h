@@ -31,10 +31,12 @@ using BLOCK_BORDER = std::vector<POINT<double>>;
 class PIXEL_OWNERSHIP {
   public:
     /// @param borders  one per block; fewer than two: block 0 owns everything
-    PIXEL_OWNERSHIP(int image_rows, int image_columns, const std::vector<BLOCK_BORDER>& borders);
+    PIXEL_OWNERSHIP(int first_row, int rows, int columns, const std::vector<BLOCK_BORDER>& borders);
 
     [[nodiscard]] bool Owns(int block, int row, int column) const;
     [[nodiscard]] bool OwnsAll(int block, const PIXEL_BOX& box) const;
+    /// Those of a set of lanes (bit i: pixel column + i) whose pixels the block owns.
+    [[nodiscard]] unsigned OwnedLanes(int block, int row, int column, unsigned lanes) const;
     [[nodiscard]] int OwnerOf(int row, int column) const;
 
   private:
@@ -45,8 +47,9 @@ class PIXEL_OWNERSHIP {
     };
     [[nodiscard]] PLACE PlaceOf(int row, int column) const;
     void Orient(const std::vector<BLOCK_BORDER>& borders);
-    [[nodiscard]] std::vector<int> Trace(const BLOCK_BORDER& border, int size) const;
+    [[nodiscard]] std::vector<int> Trace(const BLOCK_BORDER& border, int first, int size) const;
 
+    int first_row_;
     bool borders_run_along_rows_ = true;  ///< of the image, from column to column
     int sign_ = 1;                        ///< of the pixel coordinate that grows with the block
     /// For blocks 1, 2, ... and every place along the border, where across it the block begins; never decreasing from

@@ -44,13 +44,24 @@ bool HasPositions(const DEM_GRID& dem) {
 
 PREPARED_SCENE::PREPARED_SCENE(const SCENE& scene)
     : scene_(scene),
+      vector_level_(ChosenVectorLevel()),
       compiled_master_(CompiledFor(scene.master)),
       compiled_slave_(CompiledFor(scene.slave)),
       master_orbit_(RowOrbitOf(scene.master, compiled_master_)),
       slave_orbit_(RowOrbitOf(scene.slave, compiled_slave_)),
       layers_(scene),
       contested_(std::max(BlockCount(SimulatedRows(scene), ThreadCount()), 1)),
-      ownership_(scene.image.mask.rows, scene.image.mask.columns, Borders()) {}
+      counts_(contested_.size()),
+      ownership_(scene.image.mask.first_row, scene.image.mask.rows, scene.image.mask.columns, Borders()) {}
+
+SOLUTION_COUNTS PREPARED_SCENE::TotalCounts() const {
+    SOLUTION_COUNTS total;
+    for (const SOLUTION_COUNTS& counts : counts_) {
+        total.in_rows += counts.in_rows;
+        total.one_by_one += counts.one_by_one;
+    }
+    return total;
+}
 
 std::vector<BLOCK_BORDER> PREPARED_SCENE::Borders() const {
     const DEM_RANGE& simulated = scene_.simulated;

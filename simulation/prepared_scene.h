@@ -14,10 +14,17 @@
 #include "simulation/pixel_ownership.h"
 #include "simulation/scene.h"
 
+/// Zero-Doppler solutions of a run: towards one orbit, of one DEM sample.
+struct SOLUTION_COUNTS {
+    long long in_rows = 0;     ///< by the vector code
+    long long one_by_one = 0;  ///< where that gave up, or the orbit could not be compiled
+};
+
 class PREPARED_SCENE {
   public:
     /// Compiles the orbits over the scene's time and shares the image out among the blocks of ThreadCount() threads.
     /// @param scene  must outlive the object
+    /// Errors: as ChosenVectorLevel
     explicit PREPARED_SCENE(const SCENE& scene);
     PREPARED_SCENE(const PREPARED_SCENE&) = delete;
     PREPARED_SCENE& operator=(const PREPARED_SCENE&) = delete;
@@ -26,6 +33,7 @@ class PREPARED_SCENE {
     void Settle() { SettleContestedPixels(contested_, ownership_, layers_, scene_.image.mask); }
 
     [[nodiscard]] const SCENE& Scene() const { return scene_; }
+    [[nodiscard]] VECTOR_LEVEL VectorLevel() const { return vector_level_; }
     [[nodiscard]] const PIXEL_LAYERS& Layers() const { return layers_; }
     [[nodiscard]] const PIXEL_OWNERSHIP& Ownership() const { return ownership_; }
     [[nodiscard]] const std::optional<ROW_ORBIT>& MasterOrbit() const { return master_orbit_; }
@@ -35,16 +43,24 @@ class PREPARED_SCENE {
         return contested_[std::min(static_cast<std::size_t>(block), contested_.size() - 1)];
     }
 
+    /// Of one block, whose thread may change them.
+    [[nodiscard]] SOLUTION_COUNTS& Counts(int block) {
+        return counts_[std::min(static_cast<std::size_t>(block), counts_.size() - 1)];
+    }
+    [[nodiscard]] SOLUTION_COUNTS TotalCounts() const;
+
   private:
     [[nodiscard]] std::vector<BLOCK_BORDER> Borders() const;
     [[nodiscard]] BLOCK_BORDER BorderAt(int row) const;
 
     const SCENE& scene_;
+    VECTOR_LEVEL vector_level_;
     std::optional<COMPILED_ORBIT> compiled_master_;
     std::optional<COMPILED_ORBIT> compiled_slave_;
     std::optional<ROW_ORBIT> master_orbit_;  ///< absent: the scene has no such orbit
     std::optional<ROW_ORBIT> slave_orbit_;
     PIXEL_LAYERS layers_;
     std::vector<CONTESTED_PIXELS> contested_;
+    std::vector<SOLUTION_COUNTS> counts_;  ///< one per block
     PIXEL_OWNERSHIP ownership_;
 };

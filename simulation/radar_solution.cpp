@@ -4,43 +4,15 @@
 #include <utility>
 
 #include "geometry/constants.h"
-#include "lib/baselib/containers/vector_clones.h"
+#include "simulation/radar_conversion.h"
 
 namespace {
 
 /// Cells whose first corner lies farther outside the image, in samples or lines, are dropped.
 constexpr double kExtentMargin = 1000.0;
 
-/// What turns ranges and times into pixels and phase.
-struct CONVERSION {
-    double near_range_time_s;
-    double first_azimuth_time_s;
-    double rsf_hz;
-    double prf_hz;
-    double wavelength_m;
-};
-
-CONVERSION ConversionOf(const ACQUISITION_SCENE& a) {
-    return {a.near_range_time_s, a.first_azimuth_time_s, a.rsf_hz, a.prf_hz, kSpeedOfLight / a.carrier_frequency_hz};
-}
-
-VELMORA_VECTOR_CLONES
-void ConvertToPixels(const CONVERSION& a, const double* __restrict range_m, const double* __restrict time_s,
-                     double* __restrict range_pixel, double* __restrict azimuth_pixel, int count) {
-    for (int i = 0; i < count; ++i) {
-        range_pixel[i] = (2.0 * range_m[i] / kSpeedOfLight - a.near_range_time_s) * a.rsf_hz;
-        azimuth_pixel[i] = (time_s[i] - a.first_azimuth_time_s) * a.prf_hz;
-    }
-}
-
-/// The sign is part of the product: a longer slave path gives a larger phase.
-VELMORA_VECTOR_CLONES
-void ConvertToPhase(double master_wavelength_m, double slave_wavelength_m, const double* __restrict master_range_m,
-                    const double* __restrict slave_range_m, double* __restrict phase_rad, int count) {
-    for (int i = 0; i < count; ++i) {
-        phase_rad[i] =
-            -kTwoPi * 2.0 * (master_range_m[i] / master_wavelength_m - slave_range_m[i] / slave_wavelength_m);
-    }
+PIXEL_SCALE ScaleOf(const ACQUISITION_SCENE& a) {
+    return {a.near_range_time_s, a.first_azimuth_time_s, a.rsf_hz, a.prf_hz};
 }
 
 /// Calls visit(first, count) for every run of elements that are wanted and not done.
@@ -70,7 +42,7 @@ RADAR_SOLUTION::RADAR_SOLUTION(PREPARED_SCENE& prepared, int block)
     : scene_(prepared.Scene()),
       prepared_(prepared),
       area_(scene_.area),
-      dem_row_(scene_.dem, scene_.simulated),
+      dem_row_(scene_.dem, scene_.simulated, prepared.VectorLevel()),
       filler_(prepared, block),
       bistatic_(scene_),
       rows_{RADAR_ROW(scene_.simulated), RADAR_ROW(scene_.simulated)},
@@ -94,7 +66,7 @@ void RADAR_SOLUTION::SimulateRow(int row) {
     DropFarCells();
     SolveCorners(*upper_);
     SolveCorners(*lower_);
-    FillTriangles();
+    filler_.FillRow(*upper_, *lower_, cells_);
 }
 
 void RADAR_SOLUTION::Begin(RADAR_ROW& samples, int row) const {
@@ -138,33 +110,43 @@ bool RADAR_SOLUTION::IsWithinExtent(int i) const {
            time_s <= master.last_azimuth_time_s + azimuth_margin_s;
 }
 
-void RADAR_SOLUTION::SolveMaster(RADAR_ROW& samples) const {
+void RADAR_SOLUTION::SolveTowards(const std::optional<ROW_ORBIT>& orbit, const RADAR_ROW& samples, int first, int count,
+                                  std::vector<double>& time_s, std::vector<double>& range_m) {
+    const int one_by_one = SolveZeroDopplerRow(prepared_.VectorLevel(), orbit.value(), PointsOf(samples), first, count,
+                                               time_s.data(), range_m.data());
+    counts_.one_by_one += one_by_one;
+    counts_.in_rows += count - one_by_one;
+}
+
+void RADAR_SOLUTION::SolveMaster(RADAR_ROW& samples) {
     ForEachRun(samples.wanted, samples.master_solved, [&](int first, int count) {
         dem_row_.FillPositions(samples);
-        SolveZeroDopplerRow(prepared_.MasterOrbit().value(), PointsOf(samples), first, count,
-                            samples.master_time_s.data(), samples.master_range_m.data());
+        SolveTowards(prepared_.MasterOrbit(), samples, first, count, samples.master_time_s, samples.master_range_m);
         MarkDone(samples.master_solved, first, count);
     });
 }
 
 void RADAR_SOLUTION::SolveCorners(RADAR_ROW& samples) {
     SolveMaster(samples);
-    const CONVERSION master = ConversionOf(scene_.master);
-    const CONVERSION slave = ConversionOf(scene_.slave);
+    const PIXEL_SCALE master = ScaleOf(scene_.master);
+    const PIXEL_SCALE slave = ScaleOf(scene_.slave);
+    const auto convert_to_pixels = VELMORA_AT_LEVEL(prepared_.VectorLevel(), ConvertToPixels);
+    const auto convert_to_phase = VELMORA_AT_LEVEL(prepared_.VectorLevel(), ConvertToPhase);
+    const double master_wavelength_m = kSpeedOfLight / scene_.master.carrier_frequency_hz;
+    const double slave_wavelength_m = kSpeedOfLight / scene_.slave.carrier_frequency_hz;
     ForEachRun(samples.wanted, samples.solved, [&](int first, int count) {
-        SolveZeroDopplerRow(prepared_.SlaveOrbit().value(), PointsOf(samples), first, count,
-                            samples.slave_time_s.data(), samples.slave_range_m.data());
+        SolveTowards(prepared_.SlaveOrbit(), samples, first, count, samples.slave_time_s, samples.slave_range_m);
         if (scene_.bistatic) {
             for (int i = first; i < first + count; ++i) SolvePoint(samples, i);
         }
-        ConvertToPixels(master, &samples.master_range_m[first], &samples.master_time_s[first],
-                        &samples[QUANTITY::RANGE_PIXEL][first], &samples[QUANTITY::AZIMUTH_PIXEL][first], count);
-        ConvertToPhase(master.wavelength_m, slave.wavelength_m, &samples.master_range_m[first],
-                       &samples.slave_range_m[first], &samples[QUANTITY::PHASE_RAD][first], count);
+        convert_to_pixels(master, &samples.master_range_m[first], &samples.master_time_s[first],
+                          &samples[QUANTITY::RANGE_PIXEL][first], &samples[QUANTITY::AZIMUTH_PIXEL][first], count);
+        convert_to_phase(master_wavelength_m, slave_wavelength_m, &samples.master_range_m[first],
+                         &samples.slave_range_m[first], &samples[QUANTITY::PHASE_RAD][first], count);
         if (scene_.shifts.Wanted()) {
-            ConvertToPixels(slave, &samples.slave_range_m[first], &samples.slave_time_s[first],
-                            &samples[QUANTITY::SLAVE_RANGE_PIXEL][first],
-                            &samples[QUANTITY::SLAVE_AZIMUTH_PIXEL][first], count);
+            convert_to_pixels(slave, &samples.slave_range_m[first], &samples.slave_time_s[first],
+                              &samples[QUANTITY::SLAVE_RANGE_PIXEL][first],
+                              &samples[QUANTITY::SLAVE_AZIMUTH_PIXEL][first], count);
         }
         MarkDone(samples.solved, first, count);
     });
@@ -179,11 +161,4 @@ void RADAR_SOLUTION::SolvePoint(RADAR_ROW& samples, int i) {
                         {samples.first_column + i, samples.row});
     samples.slave_range_m[i] = equivalent.range_m;
     samples.slave_time_s[i] = equivalent.time_s;
-}
-
-void RADAR_SOLUTION::FillTriangles() {
-    const auto last = static_cast<int>(cells_.size()) - 1;
-    for (int i = 0; i < last; ++i) {
-        if (cells_[i] != 0) filler_.FillCell(*upper_, *lower_, i);
-    }
 }

@@ -30,18 +30,21 @@ class RADAR_SOLUTION {
     /// Solves and fills the cells between DEM rows row and row + 1. Rows are given in increasing order, one by one.
     void SimulateRow(int row);
 
-    /// For tests: without the vector code that belongs to this machine.
-    TRIANGLE_FILLER& Filler() { return filler_; }
+    /// To be called once, after the last row: marks the pixels of this thread as simulated.
+    void Finish() { filler_.WriteMask(); }
+
+    [[nodiscard]] const SOLUTION_COUNTS& Counts() const { return counts_; }
 
   private:
     void Begin(RADAR_ROW& samples, int row) const;
     void MarkTouchedCells();
     void DropFarCells();
     [[nodiscard]] bool IsWithinExtent(int i) const;
-    void SolveMaster(RADAR_ROW& samples) const;
+    void SolveTowards(const std::optional<ROW_ORBIT>& orbit, const RADAR_ROW& samples, int first, int count,
+                      std::vector<double>& time_s, std::vector<double>& range_m);
+    void SolveMaster(RADAR_ROW& samples);
     void SolveCorners(RADAR_ROW& samples);
     void SolvePoint(RADAR_ROW& samples, int i);
-    void FillTriangles();
 
     const SCENE& scene_;
     const PREPARED_SCENE& prepared_;
@@ -52,5 +55,6 @@ class RADAR_SOLUTION {
     std::array<RADAR_ROW, 2> rows_;
     RADAR_ROW* upper_;
     RADAR_ROW* lower_;
+    SOLUTION_COUNTS counts_{};
     std::vector<unsigned char> cells_;  ///< 1: the cell right of and below this sample is to be filled
 };

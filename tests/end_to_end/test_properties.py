@@ -201,3 +201,18 @@ def test_a_dem_that_just_covers_the_terrain_is_enough(fresh_scene):
     line, sample = np.mgrid[0:made.options.lines, 0:made.options.samples].astype(float)
     _, phase_rad, _, _ = judge.expected(made, sample, line, run.product("H_EARTH"))
     assert judge.share_over(run.product("SIMU_PHASE") - phase_rad, 0.01 + 4.0 * judge.ulp(phase_rad)) <= 0.002
+
+
+def test_every_vector_level_gives_the_same_products_and_others_are_refused(fresh_scene):
+    _, folder = fresh_scene(**SIZE, shift_factors=(3, 2), incidence_deg=25.0, smoothness=1.7, high_m=2500.0)
+    refused = velmora_run.velmora(folder, environment={"VELMORA_VECTORS": "avx1024"})
+    assert refused.status == 1
+    text = 'VELMORA_VECTORS: "avx1024" is none of the values that this machine takes: '
+    levels = next(line for line in refused.lines("ALARM") if line.startswith(text))[len(text):].split(", ")
+    assert levels[-1] == "plain"
+    products = set()
+    for level in levels:
+        for threads in ("1", "5"):
+            succeed(folder, environment={"VELMORA_VECTORS": level}, parallel=threads)
+            products.add(b"".join(path.read_bytes() for path in sorted(folder.glob("*.ras"))))
+    assert len(products) == 1

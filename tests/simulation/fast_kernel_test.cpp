@@ -1,9 +1,11 @@
 // The kernel against its yardstick, the plain one: same result, quickly.
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <cstdlib>
+#include <memory>
 #include <random>
 
 #include "geometry/calc_slave_time.h"
@@ -13,6 +15,7 @@
 #include "simulation/prepared_scene.h"
 #include "simulation/radar_solution.h"
 #include "simulation/triangle_filler.h"
+#include "tests/kit/environment_setting.h"
 #include "tests/kit/log_capture.h"
 #include "tests/plain_kernel/plain_kernel.h"
 #include "tests/simulation/test_scene.h"
@@ -126,21 +129,57 @@ TEST(FastKernel, GivesTheProductsOfThePlainOneForOneTransmitter) {
     CompareKernels({.name = "bistatic"}, [](TEST_SCENE& s) { s.scene.bistatic = true; });
 }
 
-TEST(FastKernel, GivesTheProductsOfThePlainOneWithoutTheMachinesVectors) {
-    TEST_SCENE plain({});
-    MakeSteep(plain, false);
-    PlainSimulateRows(plain.scene, 0, plain.scene.simulated.last_row);
-    setenv("PARALLEL", "1", 1);
-    TEST_SCENE fast({});
-    MakeSteep(fast, false);
-    {
-        PREPARED_SCENE prepared(fast.scene);
-        RADAR_SOLUTION solution(prepared, 0);
-        solution.Filler().UseVectors(false);
-        for (int row = 0; row < fast.scene.simulated.last_row; ++row) solution.SimulateRow(row);
+TEST(FastKernel, GivesTheSameBytesAtEveryVectorLevelOnAnyNumberOfThreads) {
+    for (const SCENE_REQUEST& request : kScenes) {
+        for (const bool bistatic : {false, true}) {
+            std::unique_ptr<TEST_SCENE> first;
+            for (const char* threads : {"1", "2", "7", "90"}) {  // 90 rows: every row a block, every seam contested
+                for (const VECTOR_LEVEL level : {VECTOR_LEVEL::PLAIN, VECTOR_LEVEL::AVX2, VECTOR_LEVEL::AVX512}) {
+                    if (!MachineHas(level)) continue;
+                    const ENVIRONMENT_SETTING parallel("PARALLEL", threads);
+                    const ENVIRONMENT_SETTING vectors("VELMORA_VECTORS", TextOf(level));
+                    auto scene = std::make_unique<TEST_SCENE>(request);
+                    MakeSteep(*scene, true);
+                    scene->scene.bistatic = bistatic;
+                    scene->Run();
+                    if (!first)
+                        first = std::move(scene);
+                    else
+                        EXPECT_TRUE(scene->HasGridsOf(*first))
+                            << request.name << ", " << threads << " threads, " << TextOf(level);
+                }
+            }
+        }
     }
-    unsetenv("PARALLEL");
-    ExpectSameGrids(fast, plain);
+}
+
+/// A fault in the vector code that the way one by one repairs is seen here alone.
+TEST(FastKernel, LeavesNothingToBeSolvedOneByOne) {
+    for (const VECTOR_LEVEL level : {VECTOR_LEVEL::PLAIN, VECTOR_LEVEL::AVX2, VECTOR_LEVEL::AVX512}) {
+        if (!MachineHas(level)) continue;
+        const ENVIRONMENT_SETTING vectors("VELMORA_VECTORS", TextOf(level));
+        for (const char* interpolation : kInterpolations) {
+            SCOPED_TRACE(interpolation);
+            TEST_SCENE s({});
+            UseInterpolation(s, interpolation);
+            const ENVIRONMENT_SETTING parallel("PARALLEL", "3");
+            SOLUTION_COUNTS counts;
+            const std::string log = LoggedBy([&] { counts = s.Run(); }, LOGGING_LEVEL::DEBUG);
+            // 91 x 91 samples towards two orbits; the rows where blocks meet are solved by both threads.
+            EXPECT_EQ(counts.in_rows, 2 * 91 * (91 + 2));
+            EXPECT_EQ(counts.one_by_one, 0);
+            EXPECT_THAT(log, testing::HasSubstr(" - Zero-Doppler solutions: 16926 in rows (" +
+                                                std::string(TextOf(level)) + "), 0 one by one\n"));
+        }
+    }
+    // Single precision cannot be compiled: all goes the other way.
+    TEST_SCENE s({});
+    s.master_orbit = OrbitFrom(MotionOf(s.master_motion), "hermite_0_8", "orbit_pool_float_double");
+    s.scene.master.orbit.orbit = s.master_orbit.get();
+    const ENVIRONMENT_SETTING parallel("PARALLEL", "1");
+    const SOLUTION_COUNTS counts = s.Run();
+    EXPECT_EQ(counts.one_by_one, 91 * 91);
+    EXPECT_EQ(counts.in_rows, 91 * 91);
 }
 
 /// Columns that all lie in one place: every triangle is a line.
@@ -192,7 +231,8 @@ TEST(ZeroDopplerRow, AgreesWithCalcSlaveTime) {
             const COMPILED_ORBIT compiled(*s.master_orbit, first_s, last_s);
             const ROW_ORBIT orbit = {{s.master_orbit.get(), offset_s}, &compiled, guess_s};
             std::vector<double> time_s(x.size()), range_m(x.size());
-            SolveZeroDopplerRow(orbit, {x.data(), y.data(), z.data()}, 3, 330, time_s.data(), range_m.data());
+            (void)SolveZeroDopplerRow(ChosenVectorLevel(), orbit, {x.data(), y.data(), z.data()}, 3, 330, time_s.data(),
+                                      range_m.data());
             EXPECT_EQ(time_s[2], 0.0);
             for (std::size_t i = 3; i < x.size(); ++i) {
                 double expected_m = 0.0;
@@ -203,7 +243,8 @@ TEST(ZeroDopplerRow, AgreesWithCalcSlaveTime) {
             // A point's solution is its own, whatever stands beside it.
             std::vector<double> alone_s(x.size()), alone_m(x.size());
             for (const int i : {3, 17, 200, 332}) {
-                SolveZeroDopplerRow(orbit, {x.data(), y.data(), z.data()}, i, 1, alone_s.data(), alone_m.data());
+                (void)SolveZeroDopplerRow(ChosenVectorLevel(), orbit, {x.data(), y.data(), z.data()}, i, 1,
+                                          alone_s.data(), alone_m.data());
                 EXPECT_EQ(alone_s[i], time_s[i]);
                 EXPECT_EQ(alone_m[i], range_m[i]);
             }
@@ -252,7 +293,7 @@ TEST(DemRow, AgreesWithSamplesOneByOne) {
             DEM_RANGE range = s.scene.simulated;
             range.first_column = 5;
             if (s.scene.dem.utm) range.last_column += 20;  // beyond the samples, where the edge goes on
-            const DEM_ROW dem_row(s.scene.dem, range);
+            const DEM_ROW dem_row(s.scene.dem, range, ChosenVectorLevel());
             RADAR_ROW samples(range);
             for (samples.row = 0; samples.row < s.scene.dem.rows; samples.row += 13) {
                 samples.positions_filled = false;

@@ -35,6 +35,7 @@ class TEST_GRID {
         }
     }
     [[nodiscard]] GRID_VIEW<T> View() { return {pixels_.data(), columns_ + kBeside, rows_, columns_}; }
+    bool operator==(const TEST_GRID& other) const { return pixels_ == other.pixels_; }
     [[nodiscard]] T At(int row, int column) const { return pixels_[row * (columns_ + kBeside) + column]; }
     void Fill(T value) {
         pixels_.assign(static_cast<std::size_t>(rows_) * (columns_ + kBeside), kNobodys);
@@ -100,7 +101,14 @@ class TEST_SCENE {
     TEST_SCENE(const TEST_SCENE&) = delete;
     TEST_SCENE& operator=(const TEST_SCENE&) = delete;
 
-    void Run() { SimulateScene(scene); }
+    SOLUTION_COUNTS Run() { return SimulateScene(scene); }
+
+    /// Bit for bit.
+    [[nodiscard]] bool HasGridsOf(const TEST_SCENE& other) const {
+        return mask == other.mask && phase == other.phase && shift_range == other.shift_range &&
+               shift_azimuth == other.shift_azimuth && x == other.x && y == other.y && z == other.z &&
+               radar_dem == other.radar_dem;
+    }
 
     [[nodiscard]] int MaskCount() const {
         int count = 0;

@@ -18,7 +18,7 @@ struct GRID_VIEW {
     int columns = 0;
     int first_row = 0;
 
-    [[nodiscard]] T* operator[](int row) const { return data + (row - first_row) * row_stride; }
+    [[nodiscard]] [[gnu::always_inline]] T* operator[](int row) const { return data + (row - first_row) * row_stride; }
     /// The first row behind the view.
     [[nodiscard]] int EndRow() const { return first_row + rows; }
     explicit operator bool() const { return data != nullptr; }

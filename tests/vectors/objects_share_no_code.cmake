@@ -1,0 +1,13 @@
+# Fails when one of the OBJECTS defines a function of which the linker would keep one copy for the whole program.
+if(NOT OBJECTS)
+  message(FATAL_ERROR "no objects to look at")
+endif()
+foreach(object ${OBJECTS})
+  execute_process(COMMAND ${NM} -C --defined-only ${object} OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
+  if(symbols MATCHES "\n[0-9a-f]+ [Ww] ([^\n]*)")
+    message(FATAL_ERROR "${object} defines ${CMAKE_MATCH_1}")
+  endif()
+  if(NOT symbols MATCHES " T ")
+    message(FATAL_ERROR "${object} defines no function at all")
+  endif()
+endforeach()
