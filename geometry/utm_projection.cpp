@@ -10,10 +10,10 @@ constexpr double kForwardLimitRadians = 7.0 * kRadiansPerDegree;  ///< a margin 
 constexpr double kForwardToleranceMetres = 1e-7;
 constexpr int kForwardMaxSteps = 20;
 
+/// Exact, and for one turn the same as adding or subtracting it; a loop of subtractions never ended for eastings of
+/// 1e11 m.
 double InOneTurn(double angle_rad) {
-    while (angle_rad < -kPi) angle_rad += kTwoPi;
-    while (angle_rad > kPi) angle_rad -= kTwoPi;
-    return angle_rad;
+    return std::fabs(angle_rad) <= kPi ? angle_rad : std::remainder(angle_rad, kTwoPi);
 }
 
 }  // namespace

@@ -42,16 +42,10 @@ DURATION DURATION::Normalised(long long days, long long milliseconds, long long 
     if (__builtin_add_overflow(days, day_carry, &total_days)) {
         ThrowRangeError(days, given_milliseconds, given_microseconds);
     }
-    long long day_microseconds = milliseconds * 1000 + microseconds;
-    if (total_days < 0 && day_microseconds > 0) {  // one sign for all fields
-        ++total_days;
-        day_microseconds -= kMicrosecondsPerDay;
-    }
     if (total_days < std::numeric_limits<int>::min() || total_days > std::numeric_limits<int>::max()) {
         ThrowRangeError(total_days, given_milliseconds, given_microseconds);
     }
-    return {static_cast<int>(total_days), static_cast<int>(day_microseconds / 1000),
-            static_cast<int>(day_microseconds % 1000)};
+    return {static_cast<int>(total_days), static_cast<int>(milliseconds), static_cast<int>(microseconds)};
 }
 
 double DURATION::Seconds() const {

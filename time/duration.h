@@ -1,7 +1,7 @@
 /// \file duration.h
 /// A signed span of time to the microsecond.
-/// Range: about 5.8 million years either way (days are a signed 32-bit integer). The three fields of a value carry the
-/// same sign: -1.5 s is 0 days, -1500 ms, 0 us.   Threads: plain values.
+/// Range: about 5.8 million years either way (days are a signed 32-bit integer). Milliseconds and microseconds count
+/// forward within the day: -1.5 s is -1 day, 86 398 500 ms, 0 us.   Threads: plain values.
 
 #pragma once
 
@@ -9,8 +9,8 @@
 
 struct DURATION {
     int days = 0;
-    int milliseconds = 0;  ///< within the day, magnitude 0 to 86 399 999
-    int microseconds = 0;  ///< magnitude 0 to 999
+    int milliseconds = 0;  ///< of the day, 0 to 86 399 999
+    int microseconds = 0;  ///< 0 to 999
 
     /// Carries microseconds into milliseconds and milliseconds into days; each argument may have any sign.
     /// @throws const char* "duration range error" when the days leave the range

@@ -4,7 +4,9 @@
 #include "lib/baselib/logging/logging.h"
 #include "time/time_scanner.h"
 
-void MET_SCANNER::ScanFields(const std::string& text, MISSION_ELAPSED_TIME& time) const {
+namespace {
+
+void ReadFields(const std::string& text, MISSION_ELAPSED_TIME& time) {
     TIME_SCANNER scanner(text);
     time.sign = scanner.GetSign() == '-' ? -1 : 1;
     const int days = scanner.GetNumber();
@@ -29,6 +31,16 @@ void MET_SCANNER::ScanFields(const std::string& text, MISSION_ELAPSED_TIME& time
     scanner.ExpectEnd();
 }
 
+}  // namespace
+
+void MET_SCANNER::ScanFields(const std::string& text, MISSION_ELAPSED_TIME& time) const {
+    try {
+        ReadFields(text, time);
+    } catch (const ERROR_ARGUMENT&) {  // letters that are no month; here a month has no place either
+        throw "unexpected letters in a mission elapsed time";
+    }
+}
+
 MISSION_ELAPSED_TIME MET_SCANNER::Scan(const std::string& text) const {
     constexpr const char* kErrorDuringScan = "MET_SCANNER: Error during scan of: %s";
     MISSION_ELAPSED_TIME time;
@@ -37,7 +49,6 @@ MISSION_ELAPSED_TIME MET_SCANNER::Scan(const std::string& text) const {
         return time;
     } catch (const char* message) {
         Log().Message(LOGGING_LEVEL::ALARM, "MET_SCANNER: %s: %s", message, text.c_str());
-    } catch (const ERROR_ARGUMENT&) {  // letters that are no month; here a month has no place either
     }
     Log().Message(LOGGING_LEVEL::ALARM, kErrorDuringScan, text.c_str());
     throw ERROR_DATA();

@@ -16,6 +16,6 @@ class MET_SCANNER {
 
     /// For lists, whose reader goes on after a bad entry: fills the fields in their order; those that a failure leaves
     /// unread stay as they are.
-    /// @throws const char* the message, ERROR_ARGUMENT for letters
+    /// @throws const char* the message
     void ScanFields(const std::string& text, MISSION_ELAPSED_TIME& time) const;
 };

@@ -42,11 +42,19 @@ TEST_F(ControlFileTest, SplitsLinesIntoTwoWords) {
     }
 }
 
-TEST_F(ControlFileTest, RefusesFoldersAndTakesPipesAndEndlessDevices) {
-    EXPECT_FALSE(file_.Open("nothing"));
-    EXPECT_FALSE(file_.Open("."));
-    EXPECT_TRUE(file_.Open("/dev/zero")) << "read up to a limit";
+TEST_F(ControlFileTest, TellsMissingFilesFromUnreadableOnesAndTakesPipes) {
     ASSERT_EQ(mkfifo("pipe", 0600), 0);
+    const std::pair<const char*, const char*> cases[] = {
+        {"nothing", ""},
+        {".", ""},
+        {"/dev/zero", "it has more than 16777216 bytes"},
+        {"/proc/self/mem", "Input/output error"},  // a read error is not the end of the file
+        {"pipe", "nobody wrote into it for 0 s"},
+    };
+    for (const auto& [path, problem] : cases) {
+        EXPECT_FALSE(file_.Open(path, 0));
+        EXPECT_EQ(file_.Problem(), problem) << path;
+    }
     std::thread writer([] { Write("pipe", "A 1\nB 2\n"); });
     ASSERT_TRUE(file_.Open("pipe"));
     writer.join();

@@ -126,6 +126,33 @@ TEST_F(ControllerTest, TextsOfMoreThan255CharactersEndInAnErrorThatNamesTheKey) 
     EXPECT_EQ(RunController({"-status", fits}, ask).status, 1);
 }
 
+TEST_F(ControllerTest, WhatCanNotBeRightAtTheEndStopsTheRunAtTheBeginning) {
+    struct CASE {
+        std::vector<std::string> arguments;
+        const char* error_file;
+        std::string text;
+    };
+    const CASE cases[] = {
+        {{"-pid", std::string(250, 'x')}, "ERROR.none", "ALARM : global : parameter pid: a text of 256 characters"},
+        {{"-pcf", "/proc/self/mem"},
+         "ERROR.prog",
+         "configuration file /proc/self/mem can not be read: Input/output error"},
+        {{"-pid", "job"},
+         "ERROR.job",
+         "status file OK.job of another run can not be removed: its owner, folder or kind forbids it"},
+    };
+    std::filesystem::create_directories("OK.job");
+    for (CASE c : cases) {
+        c.arguments.insert(c.arguments.end(), {"-lfn", "log"});
+        const OUTCOME run = RunController(c.arguments, [](CONTROLLER_IFC&) {});
+        EXPECT_EQ(run.status, 1);
+        const std::string log = run.log.empty() ? Content(temporary_log_) : run.log;
+        EXPECT_THAT(log, HasSubstr(c.text));
+        EXPECT_EQ(std::filesystem::exists(c.error_file), std::string(c.error_file) != "ERROR.none");
+        std::filesystem::remove("log");
+    }
+}
+
 TEST_F(ControllerTest, MistypedKeysAreToldOnceEach) {
     Write("pcf.prog", "lfn log\nMASTER_POL x\n#LOOKS_RG 1\nFOREIGN_KEY 3\nDEM x\nMASTER_POL z\n");
     const OUTCOME run = RunController({"-LOOKS_GR", "-dem", "-X", "-1e-6"},

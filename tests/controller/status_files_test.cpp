@@ -53,11 +53,33 @@ TEST(StatusFiles, AreRewrittenInPlaceAndRemovedByName) {
     EXPECT_EQ(before.st_ino, after.st_ino) << "no moment without the file";
     Write("victim", "precious");
     ASSERT_EQ(symlink("victim", "OK.x"), 0);
-    RemoveStatusFile("OK.x");
+    EXPECT_TRUE(RemoveStatusFile("OK.x"));
+    EXPECT_TRUE(RemoveStatusFile("OK.x")) << "there is none";
     EXPECT_EQ(Content("victim"), "precious");
     EXPECT_FALSE(CanBeRead("OK.x"));
     ASSERT_EQ(mkfifo("STOP.x", 0600), 0);
     EXPECT_TRUE(CanBeRead("STOP.x")) << "without waiting for a writer";
+}
+
+TEST(CanBeRemoved, KnowsForeignFilesInStickyAndClosedFolders) {
+    const WORKING_FOLDER folder;
+    if (geteuid() != 0) GTEST_SKIP() << "only root makes foreign files";
+    constexpr uid_t kNobody = 65534;
+    const auto in_folder_of_mode = [](mode_t mode, const char* path) {
+        if (chmod(".", mode) != 0 || setuid(kNobody) != 0) _exit(9);
+        _exit(CanBeRemoved(path) ? 1 : 0);
+    };
+    Write("roots", "0");
+    Write("mine", "0");
+    ASSERT_EQ(chown("mine", kNobody, kNobody), 0);
+    struct CASE {
+        mode_t mode;
+        const char* path;
+        int can;
+    };
+    for (const CASE& c :
+         {CASE{01777, "roots", 0}, {01777, "mine", 1}, {0777, "roots", 1}, {0755, "mine", 0}, {01777, "none", 1}})
+        EXPECT_EXIT(in_folder_of_mode(c.mode, c.path), testing::ExitedWithCode(c.can), "") << c.path << c.mode;
 }
 
 }  // namespace

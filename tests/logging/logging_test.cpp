@@ -1,7 +1,9 @@
 #include "lib/baselib/logging/logging.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -120,6 +122,41 @@ TEST_F(LoggingTest, WithoutALogFileTheScreenStays) {
     EXPECT_EQ(ScreenOf([&path] { Log().SetLogFile(path); }),
               "ALARM : global :  :   can not open logging file: " + path + "\n");
     EXPECT_EQ(ScreenOf([] { Log().Message(LOGGING_LEVEL::INFO, "late"); }), "INFO  : global : late\n");
+}
+
+TEST_F(LoggingTest, AfterAFailedChangeTheFormerFileCanBeNamedAgain) {
+    const std::string pipe = folder_.Path("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const std::string path = UseFile();
+    EXPECT_EQ(ScreenOf([&pipe] { Log().SetLogFile(pipe); }),  // without waiting for a reader
+              "ALARM : global :  :   can not open logging file: " + pipe + "\n");
+    Log().Message(LOGGING_LEVEL::INFO, "lost");
+    Log().SetLogFile(path);
+    Log().Message(LOGGING_LEVEL::INFO, "again");
+    EXPECT_EQ(Content(path), "INFO  : global : again\n");
+}
+
+TEST(LogOutput, WaitsForRoomInANonBlockingPipe) {
+    int ends[2];
+    ASSERT_EQ(pipe2(ends, O_NONBLOCK), 0);
+    const std::string text(1 << 20, 'x');  // a pipe holds 64 KiB
+    bool complete = false;
+    std::thread writer([&] {
+        LOG_OUTPUT output(ends[1]);
+        complete = output.Write(text);
+        output.Close();
+    });
+    std::string received;
+    char block[4096];
+    pollfd input = {ends[0], POLLIN, 0};
+    for (ssize_t count = 1; count != 0 && poll(&input, 1, 10000) > 0;) {
+        count = read(ends[0], block, sizeof block);
+        if (count > 0) received.append(block, static_cast<size_t>(count));
+    }
+    writer.join();
+    close(ends[0]);
+    EXPECT_TRUE(complete);
+    EXPECT_EQ(received, text);
 }
 
 TEST_F(LoggingTest, HeaderEndsWithItsStarter) {

@@ -269,6 +269,48 @@ TEST_F(MdbTest, AWriteThatFailsOnAFullDiskLeavesTheFileAsItWas) {
     umount(root_.c_str());
 }
 
+TEST_F(MdbTest, WritesNoRecordThatItCouldNotRead) {
+    using enum RECORD_ITEM_TYPE;
+    struct CASE {
+        const char* what;
+        double real;
+        UNIVERSAL_TIME utc;
+        MISSION_ELAPSED_TIME met;
+        bool written = false;
+    };
+    const UNIVERSAL_TIME utc = {2012, 3, 5, 1, 2, 3, 4, 5};
+    const MISSION_ELAPSED_TIME met = MISSION_ELAPSED_TIME::FromText("+0001/02:03:04");
+    const CASE cases[] = {
+        {"not a number", std::nan(""), utc, met},
+        {"minute 60", 1, {2012, 3, 5, 1, 60, 3, 4, 5}, met},
+        {"month 13", 1, {2012, 13, 5, 1, 2, 3, 4, 5}, met},
+        {"year -5", 1, {-5, 3, 5, 1, 2, 3, 4, 5}, met},
+        {"31 June", 1, {2012, 6, 31, 23, 59, 60, 0, 0}, met},
+        {"a thousand milliseconds", 1, {2012, 3, 5, 1, 2, 3, 1000, 5}, met},
+        {"10 000 days", 1, utc, {1, 10000, 0, 0, 0, 0, 0}},
+        {"-1 hour", 1, utc, {1, 0, -1, 0, 0, 0, 0}},
+        {"infinite", -std::numeric_limits<double>::infinity(), utc, met, true},
+        {"ordinary", 1, utc, met, true},
+    };
+    for (const CASE& c : cases) {
+        SCOPED_TRACE(c.what);
+        const std::string name = std::string("data ") + c.what;
+        MDB db;
+        db.Open(root_, name, MDB_OPEN_MODE::READ_WRITE);
+        MDB_RECORD record = TypeOf({{"n", INT}, {"x", DOUBLE}, {"utc", UTC}, {"met", MET}});
+        db.SetRecordType(record);
+        record["x"].Set(c.real);
+        record["utc"].Set(c.utc);
+        record["met"].Set(c.met);
+        std::string thrown;
+        const std::string log = LoggedBy([&] { thrown = TextThrownBy([&] { db.Write(record); }); });
+        EXPECT_EQ(thrown, c.written ? "nothing thrown" : "MDB::Write(): value can not be read again") << log;
+        EXPECT_EQ(log.empty(), c.written);
+        EXPECT_EQ(ReadFile(name).empty(), !c.written);
+        EXPECT_EQ(db.Read(), c.written);
+    }
+}
+
 TEST_F(MdbTest, EachOperationTellsWhyItCanNotBe) {
     MDB db;
     const auto expect = [&](const char* text, const auto& call) { EXPECT_EQ(TextThrownBy(call), text); };

@@ -19,6 +19,8 @@ struct GOOD {
 TEST(UtcScanner, ReadsEveryForm) {
     constexpr GOOD kGood[] = {
         {"05-MAR-2012/14:03:07.123456", "05-MAR-2012/14:03:07.123456"},
+        {"05-MAR-2012 14:03:07.123456", "05-MAR-2012/14:03:07.123456"},
+        {"2012-03-05/14:03:07.123456", "05-MAR-2012/14:03:07.123456"},
         {"2012-03-05T14:03:07.123456", "05-MAR-2012/14:03:07.123456"},
         {"20120305T140307", "05-MAR-2012/14:03:07.000000"},
         {"mar  5 14:03:07 2012", "05-MAR-2012/14:03:07.000000"},  // upper-cased first
@@ -76,6 +78,10 @@ TEST(UtcScanner, RefusesWithTheReason) {
         {"05-MAR-2012/14:03:07.:", "unexpected token in GetMilliAndMicroSeconds()"},
         {"05-:::-2012/14:03:07", "unexpected token in GetMonth()"},
         {"MAR-05 14:03:07 2012", "invalid or unsupported format"},
+        {"2012-MAR-05/14:03:07", "invalid or unsupported format"},
+        {"2012-03-05/14.03:07", "invalid or unsupported format"},
+        {"2012-03-05 14:03:07", "invalid or unsupported format"},
+        {"05-MAR-2012T14:03:07", "invalid or unsupported format"},
         {"05-MAR-2012/:14:03:07", "found token: token_separator\n"},
         {"2012-03-05T14:03:07." + digits_129, "TIME: scanner: token too long"},
         {"2012-03-05T14:03:07\xc3\xa4", "TIME: scanner: unhandled character"},
@@ -98,7 +104,8 @@ TEST(MetScanner, ReadsAndRefuses) {
         {"0001/00:00:60", "MET_SCANNER: seconds are outside 0..59"},
         {"0001/00:00:00.5 5", "unexpected token after the time"},
         {"++1/00:00:00", "found token: token_sign_plus\n"},
-        {"MARS/00:00:00", "TIME_SCANNER: can not convert >> MARS << to month\n"},
+        {"MARS/00:00:00", "MET_SCANNER: unexpected letters in a mission elapsed time: MARS/00:00:00\n"},
+        {"0001/MAR:00:00", "MET_SCANNER: unexpected token in GetNumber(): 0001/MAR:00:00\n"},
     };
     ExpectRefused<MET_SCANNER>(kBad);
 

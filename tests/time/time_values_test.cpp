@@ -154,15 +154,31 @@ TEST(MissionElapsedTime, EndsWithDay9999) {
               "can not represent MET value");
     EXPECT_EQ(Met("-0000/00:00:00"), Met("+0000/00:00:00"));
     EXPECT_LT(Met("-0001/00:00:00"), Met("-0000/23:59:59"));
-    EXPECT_DOUBLE_EQ(TIME_AXIS<MISSION_ELAPSED_TIME>::SecondsSince(Met("-0001/00:00:00"), Met("+0001/00:00:00.5")),
-                     172800.5);
+    const std::tuple<const char*, const char*, double> differences[] = {
+        {"-0001/00:00:00", "+0001/00:00:00.5", 172800.5},
+        {"+0002/00:00:00", "+0001/23:59:59.999999", -1e-6},  // borrows through every field
+        {"+0000/00:59:59.5", "+0000/01:00:00.25", 0.75},
+        {"-0001/00:00:00", "-0000/23:59:59.999999", 1e-6},
+        {"+9999/23:59:59", "-9999/23:59:59", -2 * (9999 * 86400.0 + 86399)},
+    };
+    for (const auto& [from, to, seconds] : differences)
+        EXPECT_DOUBLE_EQ(TIME_AXIS<MISSION_ELAPSED_TIME>::SecondsSince(Met(from), Met(to)), seconds) << from;
     EXPECT_EQ(TIME_AXIS<MISSION_ELAPSED_TIME>::Plus(Met("+0000/00:00:01"), -2.5).ToText(), "-0000/00:00:01.500000");
 }
 
-TEST(Duration, CarriesToOneSign) {
-    const DURATION d = DURATION::Normalised(1, -90'000'000, 2500);
-    EXPECT_EQ(std::tie(d.days, d.milliseconds, d.microseconds), std::make_tuple(0, -3'599'997, -500));
-    EXPECT_DOUBLE_EQ(d.Seconds(), -3599.9975);
+TEST(Duration, CarriesAndCountsForwardFromNegativeDays) {
+    const std::tuple<long long, long long, long long, DURATION, double> sums[] = {
+        {0, -1500, 0, {-1, 86'398'500, 0}, -1.5}, {1, -90'000'000, 2500, {-1, 82'800'002, 500}, -3599.9975},
+        {0, 0, -1, {-1, 86'399'999, 999}, -1e-6}, {0, 86'400'000, -1000, {0, 86'399'999, 0}, 86'399.999},
+        {-1, 86'399'999, 1000, {0, 0, 0}, 0.0},   {-2, 0, 0, {-2, 0, 0}, -172'800.0},
+    };
+    for (const auto& [days, milliseconds, microseconds, expected, seconds] : sums) {
+        const DURATION d = DURATION::Normalised(days, milliseconds, microseconds);
+        EXPECT_EQ(d, expected) << seconds;
+        EXPECT_DOUBLE_EQ(d.Seconds(), seconds);
+        EXPECT_EQ(-(-d), d);
+        EXPECT_EQ(d < DURATION(), seconds < 0.0);
+    }
     EXPECT_EQ((DURATION{1, 0, 0} - DURATION{0, 0, 1}), (DURATION{0, 86'399'999, 999}));
     const int most = std::numeric_limits<int>::max();
     std::string text;

@@ -1,56 +1,90 @@
 #include "lib/baselib/controller/control_file.h"
 
+#include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 
 namespace {
 
 constexpr int kLongestLine = 1024;
 
-/// Copies at most 1 MiB: a device such as /dev/zero has no end.
-FILE* TemporaryCopy(FILE* source) {
-    constexpr int kLongestCopy = 1 << 20;
-    FILE* const copy = std::tmpfile();
-    if (copy == nullptr) return nullptr;
-    int c = 0;
-    for (int count = 0; count < kLongestCopy && (c = std::fgetc(source)) != EOF; ++count) std::fputc(c, copy);
-    std::rewind(copy);
-    return copy;
+/// Waits until a pipe has something to say. @return 0, or the reason why it has not
+int WaitForInput(int descriptor, int longest_silence_s) {
+    pollfd input = {descriptor, POLLIN, 0};
+    int count = 0;
+    do {
+        count = poll(&input, 1, longest_silence_s * 1000);
+    } while (count < 0 && errno == EINTR);
+    return count > 0 ? 0 : count == 0 ? ETIMEDOUT : errno;
+}
+
+/// Reads to the end, at most kLongestFile. @return 0, or the error's number
+int ReadAll(int descriptor, int longest_silence_s, std::string& content) {
+    char block[65536];
+    for (;;) {
+        if (const int error = WaitForInput(descriptor, longest_silence_s); error != 0) return error;
+        const ssize_t count = read(descriptor, block, sizeof block);
+        if (count == 0) return 0;
+        if (count < 0 && errno != EINTR && errno != EAGAIN) return errno;
+        if (count < 0) continue;
+        content.append(block, static_cast<std::size_t>(count));
+        if (content.size() > CONTROL_FILE::kLongestFile) return EFBIG;
+    }
+}
+
+std::string ProblemText(int error, int longest_silence_s) {
+    if (error == ETIMEDOUT) return "nobody wrote into it for " + std::to_string(longest_silence_s) + " s";
+    if (error == EFBIG) return "it has more than " + std::to_string(CONTROL_FILE::kLongestFile) + " bytes";
+    return std::strerror(error);
 }
 
 }  // namespace
 
-bool CONTROL_FILE::Open(const std::string& path) {
-    stream_.reset(std::fopen(path.c_str(), "re"));
-    if (stream_ == nullptr) return false;
+bool CONTROL_FILE::Open(const std::string& path, int longest_silence_s) {
+    Close();
+    problem_.clear();
+    // O_NONBLOCK: opening a named pipe must not wait for its writer; reading waits, for a bounded time.
+    const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0) return false;
     struct stat status = {};
-    if (fstat(fileno(stream_.get()), &status) != 0 || S_ISDIR(status.st_mode))
-        stream_.reset();
-    else if (!S_ISREG(status.st_mode))
-        stream_.reset(TemporaryCopy(stream_.get()));
-    return IsOpen();
+    if (fstat(descriptor, &status) == 0 && !S_ISDIR(status.st_mode)) {
+        const int error = ReadAll(descriptor, longest_silence_s, content_);
+        is_open_ = error == 0;
+        if (!is_open_) problem_ = ProblemText(error, longest_silence_s);
+    }
+    close(descriptor);
+    return is_open_;
+}
+
+void CONTROL_FILE::Close() {
+    is_open_ = false;
+    content_.clear();
+    position_ = 0;
 }
 
 std::optional<CONTROL_FILE::ENTRY> CONTROL_FILE::NextEntry() {
-    char line[kLongestLine + 1];
-    if (std::fgets(line, sizeof line, stream_.get()) == nullptr) return std::nullopt;
+    if (position_ >= content_.size()) return std::nullopt;
+    std::string line = content_.substr(position_, kLongestLine);
+    if (const std::size_t end = line.find('\n'); end != std::string::npos) line.resize(end + 1);
+    position_ += line.size();
     char key[kLongestLine + 1] = "";
     char value[kLongestLine + 1] = "";
     static_assert(kLongestLine == 1024, "the widths below");
-    (void)std::sscanf(line, "%1024s %1024s", key, value);
+    (void)std::sscanf(line.c_str(), "%1024s %1024s", key, value);
     return ENTRY{key, value};
-}
-
-void CONTROL_FILE::Rewind() {
-    std::rewind(stream_.get());
 }
 
 std::vector<std::string> CONTROL_FILE::Keys() {
     std::vector<std::string> keys;
-    if (!IsOpen()) return keys;
-    const long position = std::ftell(stream_.get());
+    const std::size_t position = position_;
     Rewind();
     while (const std::optional<ENTRY> entry = NextEntry())
         if (!entry->key.empty()) keys.push_back(entry->key);
-    std::fseek(stream_.get(), position, SEEK_SET);
+    position_ = position;
     return keys;
 }

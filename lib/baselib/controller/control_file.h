@@ -6,12 +6,11 @@
 ///     and
 ///                                                                     its rest is the next line
 ///
-/// Reading goes on where it stopped: keys asked in the order of the file cost one pass in total.
+/// Reading goes on where it stopped: keys asked in the order of the file cost one pass in total. The file is read whole
+/// when it is opened: a shell's "<(...)" can be read once only, and a read error must not pass for the end of the file.
 
 #pragma once
 
-#include <cstdio>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -22,23 +21,27 @@ class CONTROL_FILE {
         std::string key;    ///< empty for a blank line
         std::string value;  ///< empty for a key that stands alone
     };
+    static constexpr std::size_t kLongestFile = std::size_t{16} << 20;
+    static constexpr int kLongestSilenceSeconds = 60;
 
-    /// A pipe (a shell's "<(...)") is taken over into a temporary file, up to 1 MiB, since reading has to wrap round.
-    /// @return false when there is no such file or it cannot be read
-    [[nodiscard]] bool Open(const std::string& path);
-    void Close() { stream_.reset(); }
-    [[nodiscard]] bool IsOpen() const { return stream_ != nullptr; }
+    /// @param longest_silence_s a pipe into which nobody writes for so long is given up
+    /// @return false when there is no such file, or it cannot be read to its end: then Problem() tells why
+    [[nodiscard]] bool Open(const std::string& path, int longest_silence_s = kLongestSilenceSeconds);
+    void Close();
+    [[nodiscard]] bool IsOpen() const { return is_open_; }
+    /// Empty unless there is a file that could be opened but not read.
+    [[nodiscard]] const std::string& Problem() const { return problem_; }
 
     /// The next line, or nothing at the end of the file.
     [[nodiscard]] std::optional<ENTRY> NextEntry();
-    void Rewind();
+    void Rewind() { position_ = 0; }
 
     /// All keys of the file; the reading position stays.
     [[nodiscard]] std::vector<std::string> Keys();
 
   private:
-    struct CLOSER {
-        void operator()(FILE* stream) const { std::fclose(stream); }
-    };
-    std::unique_ptr<FILE, CLOSER> stream_;
+    bool is_open_ = false;
+    std::string problem_;
+    std::string content_;
+    std::size_t position_ = 0;
 };

@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 #include "lib/baselib/controller/key_suggestions.h"
 #include "lib/baselib/controller/status_files.h"
@@ -63,12 +65,31 @@ void CONTROLLER_IFC::init(int argc, char** argv, bool controller_messages) {
     ResolveStatusPaths();
     OpenConfigurationFile();
     NameLogFile(pid_given);
+    RequireReadableConfiguration();
     if (!configuration_file_.IsOpen())
         Log() << LOGGING_LEVEL::WARNING << "Configuration file " << configuration_file_path_ << " does not exist!\n";
     SetLogThresholds();
     EndWhenStopped();
-    RemoveStatusFile(ok_file_path_.c_str());
+    TakeStatusFilesOver();
+}
+
+/// An OK file that stayed would say of a failed run that it succeeded, an ERROR file the opposite.
+void CONTROLLER_IFC::TakeStatusFilesOver() {
+    for (const std::string* path : {&ok_file_path_, &error_file_path_}) {
+        if (CanBeRemoved(path->c_str())) continue;
+        EndWithError("status file " + *path +
+                     " of another run can not be removed: its owner, folder or kind forbids it");
+    }
+    if (!RemoveStatusFile(ok_file_path_.c_str()))
+        EndWithError("status file " + ok_file_path_ + " can not be removed: " + std::strerror(errno));
     WriteStatus(error_file_path_, '1');
+}
+
+/// A control file that can not be read to its end is not one that ends earlier.
+void CONTROLLER_IFC::RequireReadableConfiguration() {
+    const std::string& problem = configuration_file_.Problem();
+    if (!problem.empty())
+        EndWithError("configuration file " + configuration_file_path_ + " can not be read: " + problem);
 }
 
 void CONTROLLER_IFC::ResolveStatusPaths() {
@@ -76,7 +97,9 @@ void CONTROLLER_IFC::ResolveStatusPaths() {
     get_optional_parameter("status", status_path_);
     if (!status_path_.empty() && status_path_.back() != '/') status_path_ += "/";
     Log() << LOGGING_LEVEL::TRACE << "status path is [" << status_path_ << "]\n";
-    const std::string error_file_path = status_path_ + "ERROR." + binary_name_;  // the longest of the three
+    const std::string error_file_name = "ERROR." + binary_name_;  // the longest of the three
+    const std::string error_file_path = status_path_ + error_file_name;
+    RequireFitting("pid", error_file_name);
     RequireFitting("status", error_file_path);
     ok_file_path_ = status_path_ + "OK." + binary_name_;
     stop_file_path_ = status_path_ + "STOP." + binary_name_;
@@ -253,7 +276,11 @@ void CONTROLLER_IFC::WriteStatus(const std::string& path, char digit) {
 
 int CONTROLLER_IFC::set_status_success() {
     close_configuration_file();
-    RemoveStatusFile(error_file_path_.c_str());
+    if (!RemoveStatusFile(error_file_path_.c_str())) {
+        Log().Message(LOGGING_LEVEL::WARNING, "Can not remove file %s: %s!", error_file_path_.c_str(),
+                      std::strerror(errno));
+        WriteStatus(error_file_path_, '0');
+    }
     WriteStatus(ok_file_path_, '0');
     return kStatusSuccess;
 }

@@ -71,6 +71,8 @@ class CONTROLLER_IFC {
     void NameLogFile(bool pid_given);
     void SetLogThresholds();
     void EndWhenStopped();
+    void RequireReadableConfiguration();
+    void TakeStatusFilesOver();
     void PublishForSignals();
     void WriteStatus(const std::string& path, char digit);
 

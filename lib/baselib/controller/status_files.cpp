@@ -1,8 +1,13 @@
 #include "lib/baselib/controller/status_files.h"
 
 #include <fcntl.h>
+#include <libgen.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstring>
 
 namespace {
 
@@ -32,8 +37,25 @@ bool WriteStatusFile(const char* path, char digit) noexcept {
     return close(descriptor) == 0 && written;
 }
 
-void RemoveStatusFile(const char* path) noexcept {
-    unlink(path);
+bool RemoveStatusFile(const char* path) noexcept {
+    int result = -1;
+    do {
+        result = unlink(path);
+    } while (result != 0 && errno == EINTR);
+    return result == 0 || errno == ENOENT || errno == ENOTDIR;
+}
+
+bool CanBeRemoved(const char* path) noexcept {
+    struct stat file = {};
+    struct stat folder = {};
+    char name[PATH_MAX] = "";
+    if (lstat(path, &file) != 0 || S_ISDIR(file.st_mode)) return !S_ISDIR(file.st_mode);
+    std::strncpy(name, path, sizeof name - 1);
+    const char* const folder_name = dirname(name);
+    if (faccessat(AT_FDCWD, folder_name, W_OK | X_OK, AT_EACCESS) != 0 || stat(folder_name, &folder) != 0) return false;
+    const uid_t user = geteuid();
+    const bool is_sticky = (folder.st_mode & S_ISVTX) != 0;
+    return !is_sticky || user == 0 || user == file.st_uid || user == folder.st_uid;
 }
 
 bool CanBeRead(const char* path) noexcept {

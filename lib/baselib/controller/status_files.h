@@ -1,7 +1,7 @@
 /// \file status_files.h
 /// The small files that tell a processing chain how a run ended. Their folder may be writable for others, so a link (or
 /// a named pipe, or a file that has a second name elsewhere) planted under the name is replaced, never followed. All
-/// functions are async-signal-safe.
+/// functions but CanBeRemoved are async-signal-safe.
 
 #pragma once
 
@@ -10,8 +10,12 @@
 /// @return false when it cannot be written
 [[nodiscard]] bool WriteStatusFile(const char* path, char digit) noexcept;
 
-/// Removes the name, whatever it stands for; nothing happens when there is none.
-void RemoveStatusFile(const char* path) noexcept;
+/// Removes the name, whatever it stands for. @return whether there is none now; else errno tells why
+bool RemoveStatusFile(const char* path) noexcept;
+
+/// Whether the name could be removed, and there is one: false in a folder that is not ours to write into, and for
+/// another owner's file in a sticky folder. @return true as well when there is no such file
+[[nodiscard]] bool CanBeRemoved(const char* path) noexcept;
 
 /// Whether the path can be opened for reading.
 [[nodiscard]] bool CanBeRead(const char* path) noexcept;

@@ -8,9 +8,17 @@
 
 namespace {
 
+/// Whoever shares our standard output may have made it non-blocking: a full pipe is then waited for, as by other
+/// writes.
+bool WaitForRoom(int descriptor) {
+    pollfd output = {descriptor, POLLOUT, 0};
+    return poll(&output, 1, -1) > 0 || errno == EINTR;
+}
+
 bool WriteAll(int descriptor, std::string_view text) {
     while (!text.empty()) {
         const ssize_t count = write(descriptor, text.data(), text.size());
+        if (count < 0 && errno == EAGAIN && WaitForRoom(descriptor)) continue;
         if (count < 0 && errno != EINTR) return false;
         if (count > 0) text.remove_prefix(static_cast<size_t>(count));
     }

@@ -18,6 +18,7 @@ class LOG_OUTPUT {
     /// another thread that is about to write cannot hit a closed or foreign descriptor.
     void MoveTo(int descriptor);
     void Close();
+    [[nodiscard]] bool IsOpen() const { return descriptor_ >= 0; }
 
     /// Writes everything. An output that fails (disk full, terminal gone) is no reason to stop the program, so callers
     /// may ignore the result: whether all bytes went out.

@@ -61,6 +61,14 @@ std::string Formatted(const char* format, std::va_list arguments) {
     return formatted;
 }
 
+/// A named pipe that nobody reads is refused instead of waited for; with a reader it is written as any file.
+int OpenForAppending(const std::string& path) {
+    const int descriptor = open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC, 0666);
+    const int flags = descriptor < 0 ? -1 : fcntl(descriptor, F_GETFL);
+    if (flags >= 0) fcntl(descriptor, F_SETFL, flags & ~O_NONBLOCK);
+    return descriptor;
+}
+
 std::string HostName() {
     char name[257] = "";
     gethostname(name, sizeof name - 1);
@@ -223,17 +231,20 @@ void LOGGING::SetFileThreshold(int level) {
 
 void LOGGING::SetLogFile(const std::string& file_name) {
     const std::lock_guard lock(mutex_);
-    if (file_name == file_name_) return;
-    const int next = open(file_name.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
+    const bool is_present_name = file_name == file_name_;
+    if (is_present_name && file_.IsOpen()) return;
+    const int next = OpenForAppending(file_name);
     if (next < 0) {
         screen_.Write("ALARM : " + *prefix_ + " :   can not open logging file: " + Printable(file_name) + "\n");
         file_.Close();
         return;
     }
-    const std::string problem = file_is_temporary_ ? CopyTemporaryFile(next) : "";
+    const bool moves = file_is_temporary_ && !is_present_name;
+    const std::string problem = moves ? CopyTemporaryFile(next) : "";
     file_.MoveTo(next);
     const std::string previous = std::exchange(file_name_, file_name);
-    if (!std::exchange(file_is_temporary_, false)) return;
+    if (!moves) return;
+    file_is_temporary_ = false;
     if (problem.empty())
         RemoveTemporaryFile(previous);
     else

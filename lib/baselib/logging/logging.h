@@ -80,7 +80,8 @@ class LOGGING {
     void SetFileThreshold(int level);
 
     /// Moves the log to this file, which is appended to. What went into a temporary file so far is copied, and the
-    /// temporary file removed. When the file cannot be opened, the screen says so and stays the only output.
+    /// temporary file removed. When the file cannot be opened (a named pipe that nobody reads is none), the screen says
+    /// so and stays the only output until a file is named again, the former one included.
     void SetLogFile(const std::string& file_name);
     [[nodiscard]] std::string LogFileName() const;
     /// Whether the log still goes into the temporary file of its creation.

@@ -135,6 +135,9 @@ void MDB::Write(const MDB_RECORD& record) {
     if (record_type_.IsEmpty()) throw "MDB::Write(): no valid record type";
     if (mode_ == MDB_OPEN_MODE::READ_ONLY) throw "MDB is opened read only: can not write data record";
     if (!record_type_.SameType(record)) throw "MDB::Write(): record has not the record type";
+    for (int i = 0; i < record.Count(); ++i)
+        if (const RECORD_ITEM& item = record.Item(i); !item.IsReadable())
+            Fail("MDB::Write(): value can not be read again", file_name_, item.KeyName() + ": " + item.ValueText());
     const long long next = file_.Position();
     CheckCanFollowLast(record);
     file_.Seek(next);

@@ -74,6 +74,7 @@ class MDB {
     /// Appends a record of the record type. The current record and the place of the next Read stay.
     /// @throws const char* "MDB::Write(): no file open", "MDB::Write(): no valid record type",
     /// "MDB is opened read only: can not write data record", "MDB::Write(): record has not the record type",
+    /// "MDB::Write(): value can not be read again" (NaN, a time that is none),
     /// "MDB::Write(): key lies before the last record", "MDB: invalid data record" (the file ends within a record),
     /// "can not write MDB_RECORD into mdb-file"; the file then is as it was
     void Write(const MDB_RECORD& record);

@@ -163,6 +163,16 @@ void RECORD_ITEM::SetFromText(const std::string& text) {
     throw kUnknownType;
 }
 
+bool RECORD_ITEM::IsReadable() const {
+    RECORD_ITEM again = *this;
+    try {
+        again.SetFromText(ValueText());
+        return std::is_eq(CompareValues(again, *this));
+    } catch (const char*) {
+        return false;
+    }
+}
+
 std::weak_ordering CompareValues(const RECORD_ITEM& a, const RECORD_ITEM& b) {
     b.CheckType(a.type_);
     switch (a.type_) {

@@ -52,6 +52,9 @@ class RECORD_ITEM {
     /// @throws const char* "MDB: RECORD_ITEM: unknown type", "MDB: RECORD_ITEM: can not read value"
     void SetFromText(const std::string& text);
 
+    /// Whether ValueText() reads back to this value: a NaN does not, nor a time outside its fields' ranges.
+    bool IsReadable() const;
+
     bool SameNameAndType(const RECORD_ITEM& other) const {
         return key_name_ == other.key_name_ && type_ == other.type_;
     }

@@ -1,0 +1,265 @@
+#!/usr/bin/python3
+"""Makes one thing after the other go wrong in small runs of velmora and judges what they leave behind.
+
+Usage: fault_sweep.py [calls|kills|allocations|signals ...] [--binary PATH] [--shim PATH] [--every N] [--verbose]
+
+calls        every system call of a run fails in turn, once and for good (strace -e inject)
+kills        SIGKILL at every system call
+allocations  every allocation fails in turn, once and for good (needs the shim, failing_allocation.c)
+signals      the fatal signals at random moments; the seed is printed
+
+EXPECTATIONS below say what has to hold. --every N tries each N-th place only. Exit status 1 when something did not hold.
+"""
+
+import argparse
+import collections
+import concurrent.futures
+import os
+import pathlib
+import random
+import re
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+
+REPOSITORY = pathlib.Path(__file__).resolve().parents[2]
+PRODUCTS = [name + ".ras" for name in ("simu_phase", "rg_coreg", "az_coreg", "x_earth", "y_earth", "z_earth", "h_earth")]
+CHANGED_POOLS = ["insar.pool", "log.pool"]
+INPUTS = ["master.pool", "slave.pool", "dem.pool", "dem.ras", "scene.pcf"]
+LONGEST_S = 5.0  # from the fault to the end; the whole run takes less than a second
+OUTPUT_CALLS = "openat write pwrite64 ftruncate fallocate fsync fdatasync msync close rename renameat renameat2 unlink unlinkat " \
+    "fchmod flock fcntl link linkat symlink mkdir statfs fstatfs"
+ALL_CALLS = OUTPUT_CALLS + " read pread64 lseek newfstatat fstat getdents64 readlink readlinkat poll faccessat faccessat2 dup3 " \
+    "mmap munmap clone3 sysinfo getcwd rt_sigaction"
+# What fails how: error, the calls, once or for good. An EINTR for good is no fault that exists.
+FAULTS = [("ENOSPC", OUTPUT_CALLS, ("", "+")), ("EIO", ALL_CALLS, ("", "+")), ("EMFILE", "openat fcntl dup3", ("", "+")),
+          ("ENOMEM", "mmap clone3", ("", "+")), ("EAGAIN", "clone3", ("", "+")),
+          ("EINTR", "openat read write pread64 pwrite64 close fsync ftruncate fallocate flock poll", ("",))]
+SIGNALS = {1: "hangup", 2: "interrupt (rubout)", 3: "quit (ASCII FS)", 15: "software termination signal from kill",
+           23: "urgent socket condition", 24: "exceeded cpu limit"}
+
+
+class CASE:
+    """One run with one fault, in a folder of its own that holds older products."""
+
+    def __init__(self, sweep, name, trace=(), environment=None, number=None):
+        self.sweep, self.name, self.trace, self.number = sweep, name, list(trace), number
+        self.environment = {"PATH": os.environ["PATH"], "PARALLEL": "2", "SECONDS_ON_PARAMETER_INPUT": "1", **(environment or {})}
+
+    def run(self):
+        with tempfile.TemporaryDirectory(prefix="faults_", dir=self.sweep.room) as folder:
+            self.folder = pathlib.Path(folder) / "run"
+            shutil.copytree(self.sweep.scene, self.folder)
+            command = self.trace + [self.sweep.binary, "-pcf", "scene.pcf"]
+            begin = time.monotonic()
+            process = subprocess.Popen(command, cwd=self.folder, env=self.environment, stdin=subprocess.DEVNULL,
+                                       stdout=subprocess.PIPE, stderr=subprocess.STDOUT, start_new_session=True)
+            try:
+                if self.number is not None:
+                    time.sleep(self.sweep.moments.pop())
+                    process.send_signal(self.number)
+                screen = process.communicate(timeout=self.sweep.usual_s + LONGEST_S)[0]
+            except subprocess.TimeoutExpired:
+                os.killpg(process.pid, signal.SIGKILL)
+                screen = process.communicate()[0]
+            self.seconds = time.monotonic() - begin
+            self.status = process.returncode
+            self.log = screen.decode(errors="replace") + text_of(self.folder / "log.velmora")
+            return [what for what, holds in EXPECTATIONS if not holds(self)]
+
+    def killed(self):
+        return self.status in (-signal.SIGKILL, 128 + signal.SIGKILL) and self.seconds < self.sweep.usual_s + LONGEST_S
+
+    def content(self, name):
+        path = self.folder / name
+        return normal(path.read_bytes()) if path.exists() else None
+
+
+def text_of(path):
+    return path.read_text(errors="replace") if path.exists() else ""
+
+
+def normal(content):
+    """Pools tell times; nothing else may differ from run to run."""
+    return re.sub(rb"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d", b"TIME", re.sub(rb"(execution_times[^}]*{)[^}]*", rb"\1 ", content))
+
+
+def ends_in_time(case):
+    return case.seconds < case.sweep.usual_s + LONGEST_S
+
+
+def status_is_known(case):
+    return case.status in (0, 1) or case.killed()
+
+
+def success_is_whole(case):
+    return case.status != 0 or all(case.content(name) == case.sweep.new[name] for name in PRODUCTS + CHANGED_POOLS)
+
+
+def status_files_are_right(case):
+    """A status file that can not be written is told; a run that did not come so far leaves none."""
+    ok, error = text_of(case.folder / "OK.velmora"), text_of(case.folder / "ERROR.velmora")
+    told = "status file" in case.log or "Can not" in case.log or "using configuration file" not in case.log
+    return (ok == "0" and error != "1") if case.status == 0 and not told else told or case.killed() or (not ok and error == "1")
+
+
+def failure_has_a_cause(case):
+    """An ALARM line other than those that only say that there was a failure."""
+    alarms = [line for line in case.log.splitlines() if "ALARM : global : " in line]
+    vague = ("terminated with error!", "program aborted due to FATAL ERROR", "ORQ_MSG")
+    return case.status == 0 or case.killed() or any(not any(text in line for text in vague) for line in alarms)
+
+
+def memory_is_named(case):
+    return case.status != 1 or not case.environment.get("FAIL_ALLOCATION") or "memory" in case.log
+
+
+def signal_is_named(case):
+    return case.number is None or case.status == 0 or SIGNALS[case.number] in case.log
+
+
+def no_false_product(case):
+    return all(case.content(name) in (case.sweep.old[name], case.sweep.new[name]) for name in PRODUCTS)
+
+
+def inputs_unchanged(case):
+    return all(case.content(name) == case.sweep.old[name] for name in INPUTS)
+
+
+def pools_unchanged_by_failure(case):
+    """A kill may come between; an end with status 1 leaves both pools as they were or says which one needs recovery."""
+    return case.status != 1 or "Recovery" in case.log or \
+        all(case.content(name) == case.sweep.old[name] for name in CHANGED_POOLS) or "got fatal signal" in case.log
+
+
+def next_run_is_whole(case):
+    """Pools old or new, or refused with the command that makes them so; then everything comes out as it should."""
+    for _ in range(4):
+        again = subprocess.run([case.sweep.binary, "-pcf", "scene.pcf", "-lfn", "again"], cwd=case.folder, capture_output=True,
+                               env={"PATH": os.environ["PATH"], "PARALLEL": "2"}, stdin=subprocess.DEVNULL, check=False)
+        advice = re.findall(r"to recover, while no other run works in this folder: (.*)", again.stdout.decode(errors="replace"))
+        if again.returncode == 0 or not advice:
+            break
+        subprocess.run(["sh", "-c", advice[-1]], cwd=case.folder, check=True)
+    left = [path.name for path in case.folder.iterdir() if path.name.startswith(".") or path.name.endswith("~")]
+    whole = all(case.content(name) == case.sweep.new[name] for name in PRODUCTS + CHANGED_POOLS)
+    return again.returncode == 0 and whole and not left
+
+
+EXPECTATIONS = [
+    ("ends within %g s" % LONGEST_S, ends_in_time),
+    ("ends with status 0 or 1", status_is_known),
+    ("status 0: every product and pool complete", success_is_whole),
+    ("status files tell the end", status_files_are_right),
+    ("a failure has a cause in the log", failure_has_a_cause),
+    ("no memory: said so", memory_is_named),
+    ("a signal is named", signal_is_named),
+    ("each product old or complete", no_false_product),
+    ("inputs unchanged", inputs_unchanged),
+    ("status 1: no pool changed, or recovery told", pools_unchanged_by_failure),
+    ("the next run is whole", next_run_is_whole),  # changes the folder: the last one
+]
+
+
+class SWEEP:
+    def __init__(self, binary, shim, every, room):
+        self.binary, self.shim, self.every, self.room = str(pathlib.Path(binary).resolve()), shim, every, pathlib.Path(room)
+        self.scene = self.room / "scene"
+        subprocess.run([REPOSITORY / "demo" / "make_scene.py", self.scene, "--samples", "24", "--lines", "20", "--terrain", "flat",
+                        "--low-m", "100", "--cover-low-m", "0", "--cover-high-m", "1000"], check=True, stdout=subprocess.DEVNULL)
+        for name in PRODUCTS:
+            (self.scene / name).write_bytes(b"an older product " + name.encode())
+        (self.scene / "OK.velmora").write_text("0")
+        self.old = {name: normal((self.scene / name).read_bytes()) for name in PRODUCTS + CHANGED_POOLS + INPUTS}
+        reference = CASE(self, "reference")
+        reference.seconds, self.usual_s, self.new = 0.0, 60.0, self.old
+        whole = shutil.copytree(self.scene, self.room / "whole")
+        subprocess.run([self.binary, "-pcf", "scene.pcf"], cwd=whole, env=reference.environment, stdin=subprocess.DEVNULL,
+                       stdout=subprocess.DEVNULL, check=True)
+        self.new = {name: normal((whole / name).read_bytes()) for name in PRODUCTS + CHANGED_POOLS}
+        begin = time.monotonic()
+        self.places = self.count_calls(reference)
+        self.usual_s = 2.0 + 4.0 * (time.monotonic() - begin)
+
+    def count_calls(self, reference):
+        """(call, number) of the calls from main() on. What the loader does before is not ours."""
+        folder = shutil.copytree(self.scene, self.room / "counted")
+        trace = self.room / "trace"
+        subprocess.run(["strace", "-f", "-o", str(trace), self.binary, "-pcf", "scene.pcf"], cwd=folder, env=reference.environment,
+                       stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, check=True)
+        names = [match.group(1) for match in re.finditer(r"^\d+ +(\w+)\(.*", trace.read_text(errors="replace"), re.M)]
+        lines = [line for line in trace.read_text(errors="replace").splitlines() if re.match(r"\d+ +\w+\(", line)]
+        start = next(i for i, line in enumerate(lines) if '"/dev/null"' in line)
+        seen, places = collections.Counter(), []
+        for i, name in enumerate(names):
+            seen[name] += 1
+            if i >= start:
+                places.append((name, seen[name]))
+        return places
+
+    def strace(self, injection):
+        return ["strace", "-f", "-o", "/dev/null", "-e", "trace=" + injection.split(":")[0], "-e", "inject=" + injection]
+
+    def calls(self):
+        for error, names, times in FAULTS:
+            for name, n in [place for place in self.places if place[0] in names.split()][::self.every]:
+                for more in times:
+                    fault = "%s:error=%s:when=%d%s" % (name, error, n, more)
+                    yield CASE(self, fault, self.strace(fault))
+
+    def kills(self):
+        for name, n in self.places[::self.every]:
+            fault = "%s:signal=KILL:when=%d" % (name, n)
+            yield CASE(self, fault, self.strace(fault))
+
+    def allocations(self):
+        count = self.room / "count"
+        environment = {"LD_PRELOAD": self.shim, "PATH": os.environ["PATH"], "PARALLEL": "2", "COUNT_ALLOCATIONS": str(count)}
+        folder = shutil.copytree(self.scene, self.room / "allocations")
+        subprocess.run([self.binary, "-pcf", "scene.pcf"], cwd=folder, env=environment, stdin=subprocess.DEVNULL,
+                       stdout=subprocess.DEVNULL, check=True)
+        for n in range(1, int(count.read_text()) + 1, self.every):
+            for more in ("", "+"):
+                yield CASE(self, "allocation %d%s" % (n, more), (), {"LD_PRELOAD": self.shim, "FAIL_ALLOCATION": "%d%s" % (n, more)})
+
+    def signals(self):
+        seed = random.SystemRandom().randrange(1 << 32)
+        print("seed", seed)
+        chance = random.Random(seed)
+        count = max(1, 200 // self.every)
+        self.moments = [chance.uniform(0.0, 0.3) for _ in range(count)]
+        return [CASE(self, "signal", number=chance.choice(list(SIGNALS))) for _ in range(count)]
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("kinds", nargs="*", default=["calls", "kills", "allocations", "signals"])
+    parser.add_argument("--binary", default=os.environ.get("VELMORA_BINARY", REPOSITORY / "build/release/app/velmora"))
+    parser.add_argument("--shim", default=os.environ.get("FAILING_ALLOCATION", ""))
+    parser.add_argument("--every", type=int, default=1)
+    parser.add_argument("--verbose", action="store_true")
+    options = parser.parse_args()
+    bad = 0
+    with tempfile.TemporaryDirectory(prefix="fault_sweep_", dir="/dev/shm" if os.access("/dev/shm", os.W_OK) else None) as room:
+        sweep = SWEEP(options.binary, options.shim, options.every, room)
+        for kind in options.kinds:
+            cases = list(getattr(sweep, kind)())
+            with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+                verdicts = list(pool.map(CASE.run, cases))
+            broken = collections.defaultdict(list)
+            for case, failed in zip(cases, verdicts):
+                for what in failed:
+                    broken[what].append("%s (status %s)" % (case.name, case.status))
+            print("%s: %d runs, %d with status 0, %d not as expected" % (
+                kind, len(cases), sum(case.status == 0 for case in cases), sum(bool(failed) for failed in verdicts)), flush=True)
+            for what, names in broken.items():
+                print("  NOT: %s: %d, for example %s" % (what, len(names), "; ".join(names if options.verbose else names[:6])))
+            bad += len(broken)
+    return 1 if bad else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
