@@ -8,7 +8,9 @@ int main(int argc, char** argv) {
                               "  velmora-import sentinel1 MASTER.xml -o master.pool\n"
                               "  velmora-import sentinel1 SLAVE.xml -o slave.pool\n"
                               "  velmora-import pair master.pool slave.pool dem.pool -o run\n");
+    AddDemCommand(program);
     AddSentinel1Command(program);
     AddOrbitCommand(program);
+    AddPairCommand(program);
     return program.Run(argc, argv);
 }

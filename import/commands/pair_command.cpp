@@ -1,0 +1,120 @@
+#include <cmath>
+#include <memory>
+
+#include "companions/companion_error.h"
+#include "companions/input_file.h"
+#include "companions/results.h"
+#include "import/commands/commands.h"
+#include "import/pair/pair_folder.h"
+
+namespace {
+
+struct PAIR_OPTIONS {
+    std::string master;
+    std::string slave;
+    std::string dem_pool;
+    std::string folder;
+    std::string lines;
+    std::string samples;
+    std::vector<int> shift_factors{1, 1};
+    std::vector<int> earth_factors{1, 1};
+    std::string interpolation;
+    bool force = false;
+};
+
+constexpr const char* kExample =
+    "  velmora-import pair master.pool slave.pool dem.pool -o run --lines 240:660 --samples 21480:22980 \\\n"
+    "      --shift-factors 4 2 --earth-factors 3 3\n";
+
+std::string RasterBeside(const std::string& dem_pool) {
+    constexpr const char* kSuffix = ".pool";
+    if (!dem_pool.ends_with(kSuffix))
+        throw COMPANION_ERROR(dem_pool + ": expected the NAME.pool of a DEM, with NAME.ras beside it");
+    std::string raster = dem_pool.substr(0, dem_pool.size() - 5) + ".ras";
+    RequireRegularFile(raster);
+    return raster;
+}
+
+/// Both images are to be of one kind: the same side, the same carrier (to 1 %: no other band).
+void RequireOneKind(const ACQUISITION_OF_POOL& master, const ACQUISITION_OF_POOL& slave) {
+    const double ratio = slave.radar_frequency_hz / master.radar_frequency_hz;
+    if (std::abs(ratio - 1.0) > 0.01)
+        throw COMPANION_ERROR(slave.pool + ": key radar_frequency: value " + std::to_string(slave.radar_frequency_hz) +
+                              ": expected that of the master, " + std::to_string(master.radar_frequency_hz));
+    if (master.look_direction && slave.look_direction && *master.look_direction != *slave.look_direction)
+        throw COMPANION_ERROR(slave.pool + ": key antenna_look_direction: the master looks to the other side");
+}
+
+/// @return how the user is told; the value goes into interpolation
+std::string Choose(const std::string& pool, const std::string& wanted, std::string& interpolation) {
+    if (!wanted.empty()) {
+        interpolation = wanted;
+        return wanted + ", as asked for";
+    }
+    const auto choice = InterpolationForPool(pool);
+    if (!choice) return "as in the pool: its orbit stands in a record database";
+    interpolation = choice->text;
+    return choice->text + " (" + choice->reason + ")";
+}
+
+void PrintPart(const PAIR_SETUP& setup, const SLAVE_LINES& seen) {
+    const IMAGE_PART& part = setup.part;
+    PrintResult("  master image . lines %lld:%lld of %lld, samples %lld:%lld of %lld\n", part.lines.first,
+                part.lines.end, setup.master.lines, part.samples.first, part.samples.end, setup.master.samples);
+    PrintResult("  slave image .. passes this ground on its lines %.0f to %.0f\n", seen.first, seen.last);
+    const double last_line = static_cast<double>(setup.slave.lines - 1);
+    if (seen.last < 0.0 || seen.first > last_line)
+        PrintResult("  note ......... the slave's image of %lld lines does not show this ground; its orbit does\n",
+                    setup.slave.lines);
+}
+
+void Run(const PAIR_OPTIONS& options) {
+    OUTPUT_SET outputs(options.force);
+    PAIR_SETUP setup;
+    setup.dem_pool = options.dem_pool;
+    RequireRegularFile(setup.dem_pool);
+    setup.dem_raster = RasterBeside(setup.dem_pool);
+    for (const std::string& input : {options.master, options.slave, setup.dem_pool, setup.dem_raster})
+        outputs.Protect(input);
+    setup.master = ReadAcquisition(options.master);
+    setup.slave = ReadAcquisition(options.slave);
+    RequireOneKind(setup.master, setup.slave);
+    const double side = LookDirection(setup.master, options.slave);
+    setup.look_direction = side > 0.0 ? "right" : "left";
+    setup.part = {ParseRange("--lines", options.lines, setup.master.lines),
+                  ParseRange("--samples", options.samples, setup.master.samples)};
+    setup.shift_factors = {options.shift_factors[0], options.shift_factors[1]};
+    setup.earth_factors = {options.earth_factors[0], options.earth_factors[1]};
+    const std::string master_orbit = Choose(options.master, options.interpolation, setup.master_interpolation);
+    const std::string slave_orbit = Choose(options.slave, options.interpolation, setup.slave_interpolation);
+    const SLAVE_LINES seen = LinesSeenBySlave(setup.master, setup.slave, side, setup.part);
+    WritePairFolder(outputs, options.folder, setup);
+    outputs.Commit();
+    PrintResult("%s: scene.pcf, master.pool, slave.pool, insar.pool, log.pool\n", options.folder.c_str());
+    PrintPart(setup, seen);
+    PrintResult("  master orbit . %s\n", master_orbit.c_str());
+    PrintResult("  slave orbit .. %s\n", slave_orbit.c_str());
+    PrintResult("To run it:\n  cd %s && velmora -pcf scene.pcf\n", options.folder.c_str());
+}
+
+}  // namespace
+
+void AddPairCommand(COMPANION_PROGRAM& program) {
+    const auto options = std::make_shared<PAIR_OPTIONS>();
+    CLI::App& command = program.AddCommand("pair", "Make the folder of a run from two acquisitions and a DEM", kExample,
+                                           [options] { Run(*options); });
+    command.add_option("MASTER", options->master, "pool of the master, as sentinel1 makes it")->required();
+    command.add_option("SLAVE", options->slave, "pool of the slave")->required();
+    command.add_option("DEM", options->dem_pool, "NAME.pool of the terrain model, with NAME.ras beside it")->required();
+    command.add_option("-o,--output", options->folder, "folder to be filled")->required();
+    command.add_option("--lines", options->lines, "A:B, the master's lines from A up to B (not included), from 0");
+    command.add_option("--samples", options->samples, "C:D, the master's samples, in the same way");
+    command.add_option("--shift-factors", options->shift_factors, "RANGE AZIMUTH: subsampling of the shift maps")
+        ->expected(2)
+        ->check(CLI::Range(1, 10000));
+    command.add_option("--earth-factors", options->earth_factors, "X Y: subsampling of Earth coordinates and height")
+        ->expected(2)
+        ->check(CLI::Range(1, 10000));
+    command.add_option("--interpolation", options->interpolation, "orbit interpolation in place of the one chosen");
+    command.add_flag("--force", options->force, "replace existing files of the folder");
+}
