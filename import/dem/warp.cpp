@@ -79,7 +79,8 @@ std::unique_ptr<DEM_SOURCE> WarpedOnto(const SAMPLE_GRID& grid, const DEM_SOURCE
     const auto add = [&arguments](std::initializer_list<std::string> words) {
         for (const std::string& word : words) arguments.AddString(word.c_str());
     };
-    add({"-of", "VRT", "-r", "cubic", "-novshift", "-ot", "Float64", "-dstnodata", "nan", "-to", "ALLOW_BALLPARK=NO"});
+    add({"-of", "VRT", "-r", "cubic", "-et", "0", "-novshift", "-ot", "Float64", "-dstnodata", "nan", "-to",
+         "ALLOW_BALLPARK=NO"});
     add({"-s_srs", SystemText(source.System()), "-t_srs", kWgs84});
     add({"-te", number(grid.X(first_column)), number(grid.Y(last_row)), number(grid.X(last_column)),
          number(grid.Y(first_row))});

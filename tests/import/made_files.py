@@ -1,7 +1,10 @@
 """Small orbit files and annotations, made from a Kepler orbit of 700 km height."""
 
+import dataclasses
 import datetime
 import math
+
+import numpy as np
 
 import import_run  # noqa: F401  (puts the scene maker on the path)
 from scene_maker.kepler import KEPLER_ORBIT
@@ -12,10 +15,15 @@ LINE_INTERVAL_S = 0.0021
 BURST_LINES, BURST_STEP_LINES, SAMPLES = 12, 9, 40
 
 
-def vectors(count=16, step_s=10.0):
+def moved(orbit, metres):
+    """The same orbit, higher by some metres: the slave of a pair."""
+    return dataclasses.replace(orbit, semi_major_axis_m=orbit.semi_major_axis_m + metres)
+
+
+def vectors(count=16, step_s=10.0, orbit=ORBIT, start_s=0.0):
     """(seconds since EPOCH, position, velocity) of each vector."""
-    times = [step_s * i for i in range(count)]
-    states = [ORBIT.state(t) for t in times]
+    times = [start_s + step_s * i for i in range(count)]
+    states = [orbit.state(t) for t in times]
     return [(t, s.position_m, s.velocity_m_s) for t, s in zip(times, states)]
 
 
@@ -48,7 +56,7 @@ def oem(rows, frame="ITRF2014", time="UTC", ahead_s=0):
     return "\n".join(lines + ["COVARIANCE_START", "EPOCH = x", "1.0", "COVARIANCE_STOP"]) + "\n"
 
 
-def annotation(rows, bursts=3, first_line_s=70.0, product="SLC", swath="IW2"):
+def annotation(rows, bursts=3, first_line_s=70.0, product="SLC", swath="IW2", samples=SAMPLES):
     """Bursts every BURST_STEP_LINES lines, each with a line of no valid sample at both ends."""
     starts = [first_line_s + BURST_STEP_LINES * LINE_INTERVAL_S * i for i in range(bursts)]
     last = starts[-1] + (BURST_LINES - 1) * LINE_INTERVAL_S
@@ -76,5 +84,23 @@ def annotation(rows, bursts=3, first_line_s=70.0, product="SLC", swath="IW2"):
             "<ellipsoidSemiMinorAxis>6.356752314245e+06</ellipsoidSemiMinorAxis></processingInformation>"
             "</imageAnnotation><swathTiming><linesPerBurst>%d</linesPerBurst><samplesPerBurst>%d</samplesPerBurst>"
             "<burstList>%s</burstList></swathTiming></product>" %
-            (product, swath, orbit, iso(starts[0]), iso(last), LINE_INTERVAL_S, SAMPLES, bursts * BURST_LINES, swath,
-             BURST_LINES, SAMPLES, burst))
+            (product, swath, orbit, iso(starts[0]), iso(last), LINE_INTERVAL_S, samples, bursts * BURST_LINES, swath,
+             BURST_LINES, samples, burst))
+
+
+def ground(time_s, range_m, height_m):
+    """Newton's method on zero Doppler, range and height above the ellipsoid of the point, right of the track."""
+    a, b = 6378137.0 + height_m, 6356752.314245 + height_m
+    state = ORBIT.state(time_s)
+    position, velocity = state.position_m, state.velocity_m_s
+    right = np.cross(velocity, position)
+    right /= np.linalg.norm(right)
+    point = position * (a / np.linalg.norm(position)) + right * math.sqrt(range_m ** 2 - 7e5 ** 2)
+    for _ in range(50):
+        sight = point - position
+        residual = np.array([velocity @ sight, sight @ sight - range_m ** 2,
+                             (point[0] ** 2 + point[1] ** 2) / a ** 2 + point[2] ** 2 / b ** 2 - 1.0])
+        slopes = np.array([velocity, 2.0 * sight, 2.0 * point / np.array([a * a, a * a, b * b])])
+        point = point - np.linalg.solve(slopes, residual)
+    latitude = math.atan2(point[2], math.hypot(point[0], point[1]) * (b / a) ** 2)
+    return math.degrees(math.atan2(point[1], point[0])), math.degrees(latitude)

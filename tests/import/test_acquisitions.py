@@ -196,7 +196,7 @@ def test_outputs_are_whole_or_not_there(tmp_path):
 
 
 def test_every_help_begins_with_an_example():
-    for command in ([], ["sentinel1"], ["orbit"]):
+    for command in ([], ["dem"], ["sentinel1"], ["orbit"], ["pair"]):
         assert good(*command, "--help").startswith("Example:\n  velmora-import")
 
 
