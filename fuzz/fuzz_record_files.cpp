@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "fuzz/fuzz_target.h"
-#include "orbit/local_interpolation.h"
-#include "orbit/mdb_orbit.h"
-#include "orbit/polynom.h"
+#include "orbit/interpolation/local_interpolation.h"
+#include "orbit/interpolation/polynom.h"
+#include "orbit/source/mdb_orbit.h"
 
 namespace {
 

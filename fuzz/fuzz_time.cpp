@@ -6,8 +6,8 @@
 #include <type_traits>
 
 #include "fuzz/fuzz_target.h"
-#include "orbit/interpolation_request.h"
-#include "orbit/reference_time.h"
+#include "orbit/interpolation/interpolation_request.h"
+#include "orbit/samples/reference_time.h"
 #include "time/time_axis.h"
 
 namespace {

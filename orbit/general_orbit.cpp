@@ -1,7 +1,5 @@
 #include "orbit/general_orbit.h"
 
-#include "lib/baselib/logging/logging.h"
-#include "lib/baselib/pool/parameter_pool.h"
 #include "orbit/orbit_factory.h"
 
 namespace {
@@ -17,18 +15,6 @@ VECTOR_3D<double> MakeVector(const VECTOR_3D<double>& v) {
 template <>
 VECTOR<double> MakeVector(const VECTOR_3D<double>& v) {
     return {v.x, v.y, v.z};
-}
-
-/// Runs one step of the set-up; when it fails, adds which entry of the pool it was about.
-template <class STEP>
-auto NamingEntry(const ORBIT_CONFIGURATION& configuration, const char* key, const std::string& value, STEP step) {
-    try {
-        return step();
-    } catch (...) {
-        Log().Message(LOGGING_LEVEL::ALARM, "%s: key \"%s\": value \"%s\" is refused", configuration.pool_file.c_str(),
-                      key, value.c_str());
-        throw;
-    }
 }
 
 }  // namespace
@@ -56,18 +42,7 @@ GENERAL_ORBIT<T, V>& GENERAL_ORBIT<T, V>::operator=(const GENERAL_ORBIT& agen_or
 
 template <class T, class V>
 void GENERAL_ORBIT<T, V>::ReadFromParameterPool(PARAMETER_POOL& pool) {
-    const ORBIT_CONFIGURATION configuration = ReadOrbitConfiguration(pool);
-    const INTERPOLATION_REQUEST request =
-        NamingEntry(configuration, "orbit_interpolation", configuration.interpolation,
-                    [&] { return ParseInterpolationText(configuration.interpolation); });
-    GENERAL_ORBIT orbit;
-    orbit.core_ = NamingEntry(configuration, "orbit_representation", configuration.representation,
-                              [&] { return CreateOrbit(OrbitTypeIdFromText(configuration.representation), request); });
-    orbit.core_->SetConfiguration(configuration);
-    NamingEntry(configuration, "orbit_reference_time", configuration.reference_time,
-                [&] { orbit.SetReferenceTime(configuration.reference_time); });
-    orbit.core_->ReadFromParameterPool(pool);
-    core_ = std::move(orbit.core_);
+    core_ = ReadOrbit(pool);
 }
 
 template <class T, class V>

@@ -11,11 +11,11 @@
 #include <string>
 #include <vector>
 
-#include "orbit/interpolation_request.h"
-#include "orbit/orbit_configuration.h"
+#include "orbit/interpolation/interpolation_request.h"
 #include "orbit/orbit_ids.h"
-#include "orbit/reference_time.h"
-#include "orbit/state_vector.h"
+#include "orbit/orbit_state.h"
+#include "orbit/samples/reference_time.h"
+#include "orbit/source/orbit_configuration.h"
 
 class ORBIT_BASE {
   public:

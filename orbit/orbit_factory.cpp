@@ -1,10 +1,18 @@
 #include "orbit/orbit_factory.h"
 
 #include "lib/baselib/logging/logging.h"
-#include "orbit/mdb_orbit.h"
-#include "orbit/pool_orbit.h"
+#include "orbit/interpolation/everett.h"
+#include "orbit/interpolation/local_interpolation.h"
+#include "orbit/interpolation/spline.h"
+#include "orbit/source/mdb_orbit.h"
+#include "orbit/source/pool_orbit.h"
 
 namespace {
+
+template <class T, class I>
+using LOCAL = LOCAL_INTERPOLATION<T, I, POINT<T>>;
+template <class T>
+using LOCAL_HERMITE = LOCAL_INTERPOLATION<T, HERMITE_POLY<T>, DPOINT<T>>;
 
 using CREATE = std::unique_ptr<ORBIT_BASE> (*)();
 using ROWS_OF_TYPE = std::array<CREATE, kInterpolations>;
@@ -74,6 +82,18 @@ const ORBIT_FACTORY_ROW& RowOf(ORBIT_TYPE_ID type_id, INTERPOLATION_ID interpola
     RefuseCoreObject();
 }
 
+/// Runs one step of the set-up; when it fails, adds which entry of the pool it was about.
+template <class STEP>
+auto NamingEntry(const ORBIT_CONFIGURATION& configuration, const char* key, const std::string& value, STEP step) {
+    try {
+        return step();
+    } catch (...) {
+        Log().Message(LOGGING_LEVEL::ALARM, "%s: key \"%s\": value \"%s\" is refused", configuration.pool_file.c_str(),
+                      key, value.c_str());
+        throw;
+    }
+}
+
 }  // namespace
 
 const ORBIT_FACTORY_TABLE& OrbitFactoryTable() {
@@ -90,5 +110,20 @@ std::unique_ptr<ORBIT_BASE> CreateOrbit(ORBIT_TYPE_ID type_id, const INTERPOLATI
     }
     orbit->SetTypeId(type_id);
     orbit->SetInterpolation(request);
+    return orbit;
+}
+
+std::unique_ptr<ORBIT_BASE> ReadOrbit(PARAMETER_POOL& pool) {
+    const ORBIT_CONFIGURATION configuration = ReadOrbitConfiguration(pool);
+    const INTERPOLATION_REQUEST request =
+        NamingEntry(configuration, "orbit_interpolation", configuration.interpolation,
+                    [&] { return ParseInterpolationText(configuration.interpolation); });
+    std::unique_ptr<ORBIT_BASE> orbit =
+        NamingEntry(configuration, "orbit_representation", configuration.representation,
+                    [&] { return CreateOrbit(OrbitTypeIdFromText(configuration.representation), request); });
+    orbit->SetConfiguration(configuration);
+    NamingEntry(configuration, "orbit_reference_time", configuration.reference_time,
+                [&] { orbit->SetReferenceTime(ReferenceTimeFromText(configuration.reference_time)); });
+    orbit->ReadFromParameterPool(pool);
     return orbit;
 }

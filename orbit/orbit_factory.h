@@ -25,3 +25,7 @@ using ORBIT_FACTORY_TABLE = std::array<ORBIT_FACTORY_ROW, size_t{kOrbitTypes} * 
 /// The orbit of a pair, ready for its configuration. @throws ERROR_ARGUMENT, after logging, for a pair that creates
 /// none
 [[nodiscard]] std::unique_ptr<ORBIT_BASE> CreateOrbit(ORBIT_TYPE_ID type_id, const INTERPOLATION_REQUEST& request);
+
+/// The orbit that the pool describes: type, interpolation, reference time, state vectors.
+/// @throws ERROR_EXCEPTION after lines that name file, key and value
+[[nodiscard]] std::unique_ptr<ORBIT_BASE> ReadOrbit(PARAMETER_POOL& pool);

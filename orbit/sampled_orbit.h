@@ -1,25 +1,34 @@
 /// \file sampled_orbit.h
-/// What an orbit of state vectors does without knowing its interpolation: it keeps the vectors and their reference
-/// time.
+/// The work of every orbit of state vectors, whatever its types: it keeps the samples and their reference time, has one
+/// interpolator per axis made from them, and answers from those.
+/// Life: samples and interpolators are constant once made; copies of an orbit share them.
 
 #pragma once
 
-#include <vector>
+#include <array>
+#include <memory>
 
+#include "orbit/interpolation/interpolator.h"
 #include "orbit/orbit_base.h"
-#include "orbit/state_vectors.h"
+#include "orbit/samples/orbit_samples.h"
 
-/// @tparam T  type of the coordinates  @tparam S  time type of the state vectors
-template <class T, class S>
+/// What the types of ORBIT<T,S,I,P> say.
+struct ORBIT_TRAITS {
+    ORBIT_NUMBERS numbers;                                 ///< T and S
+    std::unique_ptr<INTERPOLATOR> (*make_interpolator)();  ///< I, without points yet
+};
+
 class SAMPLED_ORBIT : public ORBIT_BASE {
   public:
     ~SAMPLED_ORBIT() override;
     using ORBIT_BASE::operator=;
 
-    [[nodiscard]] double FirstTime() const override;
-    [[nodiscard]] double LastTime() const override;
-    [[nodiscard]] int StateVectorCount() const override { return static_cast<int>(samples_.size()); }
-    [[nodiscard]] std::vector<double> PieceBounds() const override;
+    [[nodiscard]] ORBIT_STATE State(double t_s) const override;
+
+    [[nodiscard]] double FirstTime() const override { return Samples().t_s.front(); }
+    [[nodiscard]] double LastTime() const override { return Samples().t_s.back(); }
+    [[nodiscard]] int StateVectorCount() const override;
+    [[nodiscard]] std::vector<double> PieceBounds() const override { return PieceBoundsOf(Samples()); }
 
     void SetReferenceTime(const ANY_TIME& time) override;
     [[nodiscard]] ANY_TIME ReferenceTime() const override { return reference_; }
@@ -27,27 +36,27 @@ class SAMPLED_ORBIT : public ORBIT_BASE {
     void SavePolynomial(const std::string& file_name) const override;
 
   protected:
-    using SAMPLES = std::vector<ORBIT_SAMPLE<T>>;
-
-    SAMPLED_ORBIT();
+    explicit SAMPLED_ORBIT(const ORBIT_TRAITS& traits);
     SAMPLED_ORBIT(const SAMPLED_ORBIT&);
 
-    void CopySamplesFrom(const SAMPLED_ORBIT& other);
-    /// The vectors on the orbit's axis. @throws ERROR_DATA, see state_vectors.h
-    [[nodiscard]] SAMPLES Checked(const STATE_VECTORS<T, S>& vectors, const STATE_VECTOR_SOURCE& source) const;
-    void SetSamples(SAMPLES samples) { samples_ = std::move(samples); }
-    [[nodiscard]] bool HasSamples() const { return !samples_.empty(); }
-    /// Logs that these vectors and the orbit's interpolation do not go together.
-    void ReportUnsuitable(const SAMPLES& samples, const STATE_VECTOR_SOURCE& source) const;
+    /// From an orbit of the same concrete type. @throws ERROR_ARGUMENT, after the signature in the log, from any other
+    void CopyFrom(const ORBIT_BASE& other, const char* signature);
+    [[nodiscard]] const ORBIT_NUMBERS& Numbers() const { return traits_.numbers; }
+
+    /// Checks the vectors, creates the interpolation and only then takes both over.
+    /// @throws ERROR_EXCEPTION after a line that names file and key
+    void TakeOver(const STATE_VECTOR_LISTS& lists);
 
   private:
-    S reference_{};
-    SAMPLES samples_;
-};
+    using AXES = std::array<std::unique_ptr<INTERPOLATOR>, 3>;
 
-extern template class SAMPLED_ORBIT<float, double>;
-extern template class SAMPLED_ORBIT<float, UNIVERSAL_TIME>;
-extern template class SAMPLED_ORBIT<float, MISSION_ELAPSED_TIME>;
-extern template class SAMPLED_ORBIT<double, double>;
-extern template class SAMPLED_ORBIT<double, UNIVERSAL_TIME>;
-extern template class SAMPLED_ORBIT<double, MISSION_ELAPSED_TIME>;
+    /// @throws ERROR_ARGUMENT, after logging, while there are none
+    [[nodiscard]] const ORBIT_SAMPLES& Samples() const;
+    [[nodiscard]] AXES MakeAxes(const ORBIT_SAMPLES& samples) const;
+    [[nodiscard]] JET AxisAt(size_t axis, double t_s) const;
+
+    ORBIT_TRAITS traits_;
+    ANY_TIME reference_;
+    std::shared_ptr<const ORBIT_SAMPLES> samples_;
+    std::shared_ptr<const AXES> axes_;
+};

@@ -9,7 +9,7 @@
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/logging/logging.h"
 #include "orbit/general_orbit.h"
-#include "orbit/svdfit.h"
+#include "orbit/fit/svdfit.h"
 #include "simulation/azimuth_shift_correction.h"
 
 namespace {

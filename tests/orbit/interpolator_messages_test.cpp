@@ -6,9 +6,9 @@
 #include <limits>
 
 #include "lib/baselib/errors/error_exception.h"
-#include "orbit/everett.h"
-#include "orbit/local_interpolation.h"
-#include "orbit/spline.h"
+#include "orbit/interpolation/everett.h"
+#include "orbit/interpolation/local_interpolation.h"
+#include "orbit/interpolation/spline.h"
 #include "tests/kit/log_capture.h"
 #include "tests/orbit/closed_forms.h"
 

@@ -4,9 +4,9 @@
 
 #include <thread>
 
-#include "orbit/everett.h"
-#include "orbit/local_interpolation.h"
-#include "orbit/spline.h"
+#include "orbit/interpolation/everett.h"
+#include "orbit/interpolation/local_interpolation.h"
+#include "orbit/interpolation/spline.h"
 #include "tests/orbit/closed_forms.h"
 
 namespace {
@@ -120,7 +120,7 @@ CLOSED_FORM NaturalSpline(double x0, int knots) {  // knots from 5
 }
 
 TEST(Interpolators, SplineIsTheNaturalOneWithFullAndWithTridiagonalSystem) {
-    for (const int knots : {5, SPLINE<double>::kMaxFullSystem + 2, SPLINE<double>::kMaxFullSystem + 3}) {
+    for (const int knots : {5, SPLINE_CORE::kMaxFullSystem + 2, SPLINE_CORE::kMaxFullSystem + 3}) {
         SCOPED_TRACE(knots);
         const double end = 1000 + knots - 1;
         const double size = std::pow(knots, 3);

@@ -4,11 +4,11 @@
 
 #include <numeric>
 
-#include "orbit/cheby_poly.h"
-#include "orbit/gaussj.h"
-#include "orbit/nr_allocators.h"
-#include "orbit/polynom_fit.h"
-#include "orbit/svdfit.h"
+#include "orbit/fit/gaussj.h"
+#include "orbit/fit/nr_allocators.h"
+#include "orbit/fit/svdfit.h"
+#include "orbit/interpolation/cheby_poly.h"
+#include "orbit/interpolation/polynom_fit.h"
 #include "tests/orbit/closed_forms.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "orbit/mdb_orbit.h"
+#include "orbit/source/mdb_orbit.h"
 
 #include <gmock/gmock.h>
 
@@ -6,8 +6,8 @@
 
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/pool/parameter_pool.h"
-#include "orbit/local_interpolation.h"
-#include "orbit/polynom.h"
+#include "orbit/interpolation/local_interpolation.h"
+#include "orbit/interpolation/polynom.h"
 #include "tests/kit/log_capture.h"
 #include "tests/kit/orbit_pools.h"
 
