@@ -6,10 +6,14 @@
 #include <string>
 #include <vector>
 
-#include "orbit/state_vector.h"
+#include "lib/baselib/containers/records.h"
 #include "time/universal_time.h"
 
-using UTC_STATE_VECTOR = STATE_VECTOR<double, UNIVERSAL_TIME>;
+struct UTC_STATE_VECTOR {
+    UNIVERSAL_TIME time{};
+    VECTOR_3D<double> position_m{};
+    VECTOR_3D<double> velocity_m_s{};
+};
 
 struct ORBIT_TABLE {
     std::string file;
