@@ -3,79 +3,67 @@
 #include <ctime>
 #include <string>
 
-#include "app/keys/configuration_keys.h"
-#include "app/phase_simulation.h"
-#include "app/pools_and_area.h"
+#include "app/keys/control_key.h"
 #include "app/products/output_products.h"
 #include "app/products/pool_write_back.h"
 #include "app/products/software_history.h"
-#include "app/request/run_configuration.h"
+#include "app/say.h"
 #include "app/simulation_state.h"
 #include "app/velmora_version.h"
 #include "lib/baselib/controller/controller_ifc.h"
 #include "lib/baselib/errors/enum_base.h"
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/logging/logging.h"
-#include "lib/baselib/pool/parameter_pool.h"
-#include "lib/baselib/pool/parameter_pool_read_write_change.h"
 #include "lib/baselib/vectors/vector_level.h"
+#include "simulation/dem2phase.h"
 
 namespace {
 
 void LogStage(const char* banner) {
-    Log().Message(LOGGING_LEVEL::INFO, " ");
-    Log().Message(LOGGING_LEVEL::INFO, "%s", banner);
-    Log().Message(LOGGING_LEVEL::INFO, " ");
+    Say(" ");
+    Say("%s", banner);
+    Say(" ");
 }
 
 HISTORY_ENTRY EntryOfThisRun(const VERSION_RECORD& version) {
     return EntryOfRun(version, Log().OpeningTime(), std::time(nullptr));
 }
 
-/// The stages in their order. The pools live in here: they are closed before the footer is written.
-void RunStages(SIMULATION_STATE& state, CONTROLLER_IFC& controller, const VERSION_RECORD& version) {
-    PARAMETER_POOL master_pool;
-    PARAMETER_POOL slave_pool;
-    PARAMETER_POOL_READ_WRITE_CHANGE insar_pool;
-    LOG_POOL log_pool;
+/// The stages in their order. State and pools live in here: the pools are closed before the footer is written.
+void RunStages(CONTROLLER_IFC& controller, const VERSION_RECORD& version) {
+    RUN_POOLS pools;
 
     LogStage("A. READ CONFIGURATION *************************************");
     (void)ChosenVectorLevel();  // stage B's affair, but refused before the work of stage A
-    ReadConfiguration(state, controller, master_pool, slave_pool, insar_pool, log_pool);
-    TryHistory(*log_pool.pool, EntryOfThisRun(version));
-    ReadPoolsAndArea(state, master_pool, slave_pool, insar_pool);
+    const REQUEST request = ReadRequest(controller, pools);
+    TryHistory(pools.HistoryPool(), EntryOfThisRun(version));
+    const SIMULATION_STATE state(request, pools);
 
     LogStage("B. PHASE SIMULATION ***************************************");
-    SimulatePhase(state);
+    SimulateScene(state.scene);
 
     LogStage("C. OUTPUT TO FILE SAVING **********************************");
-    SaveProducts(state);
+    SaveProducts(state, pools.insar);
 
-    Log().Message(LOGGING_LEVEL::INFO, " ");
-    Log().Message(LOGGING_LEVEL::INFO, "***********************************************************");
-    WriteBackPools(log_pool, insar_pool, EntryOfThisRun(version));
+    Say(" ");
+    Say("***********************************************************");
+    WriteBackPools(pools, EntryOfThisRun(version));
 }
 
 void LogReason(const std::string& reason) {
     Log() << LOGGING_LEVEL::ALARM << reason << "\n";
 }
 
-/// The one object that all stages share.
-SIMULATION_STATE& State() {
-    static SIMULATION_STATE state;
-    return state;
-}
-
 }  // namespace
 
 void RunVelmora(int argc, char** argv) {
     CONTROLLER_IFC controller;
-    controller.SetKnownKeys(ConfigurationKeyNames());
+    controller.SetKnownKeys(ControlKeyNames());
     try {
         controller.init(argc, argv, true);
         const VERSION_RECORD version = VelmoraVersion(controller.get_binary_name());
         Log().Header(version, controller.get_configuration_file_name());
-        RunStages(State(), controller, version);
+        RunStages(controller, version);
         Log().Footer();
         controller.exit_success();
     } catch (const BASIC::TYPES::ERROR_ENUM_BASE_INVALID_VALUE& error) {

@@ -1,19 +1,22 @@
 #include "app/usage.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <initializer_list>
 #include <string>
 
-#include "app/keys/configuration_keys.h"
+#include "app/keys/control_key.h"
 #include "app/velmora_version.h"
 
 namespace {
 
-void PrintKeys(KEY_NEED need, const char* title) {
+void PrintKeys(std::initializer_list<KEY_NEED> needs, const char* title) {
     std::printf("\n%s\n", title);
-    for (const CONFIGURATION_KEY& key : ConfigurationKeys()) {
-        if (key.need != need) continue;
+    for (const CONTROL_KEY_ROW& key : kControlKeys) {
+        if (std::find(needs.begin(), needs.end(), key.need) == needs.end()) continue;
+        const std::string value = std::string(key.type) + (*key.unit == '\0' ? "" : ", ") + key.unit;
         const std::string fallback = *key.fallback == '\0' ? "" : " [" + std::string(key.fallback) + "]";
-        std::printf("  %-29s  %-11s  %s%s\n", key.name, key.value, key.help, fallback.c_str());
+        std::printf("  %-29s  %-11s  %s%s\n", key.name, value.c_str(), key.help, fallback.c_str());
     }
 }
 
@@ -27,18 +30,14 @@ void PrintUsage() {
         "A key is looked up as -KEY among the arguments, as a line KEY VALUE in the control file,\n"
         "then in the environment; a mandatory key is finally asked at the keyboard.\n"
         "Without a key, what stands in [] holds.\n");
-    PrintKeys(KEY_NEED::MANDATORY, "mandatory keys");
-    PrintKeys(KEY_NEED::OPTIONAL, "optional keys");
-    PrintKeys(KEY_NEED::FORCES_POOL, "optional keys that win over the InSAR pool and are written into it");
-    PrintKeys(KEY_NEED::CONTROLLER, "keys for files and logging");
+    PrintKeys({KEY_NEED::MANDATORY}, "mandatory keys");
+    PrintKeys({KEY_NEED::OPTIONAL, KEY_NEED::FLAG}, "optional keys");
+    PrintKeys({KEY_NEED::FORCES_POOL}, "optional keys that win over the InSAR pool and are written into it");
+    PrintKeys({KEY_NEED::STEERING}, "keys for files and logging");
+    PrintKeys({KEY_NEED::ENVIRONMENT}, "environment");
     std::printf(
         "\n"
         "levels: TRACE DEBUG PARAMETER INFO QA_WARNING WARNING EXCEPTION ALARM NO_MESSAGE\n"
-        "\n"
-        "environment\n"
-        "  PARALLEL                       number of threads [all processors]\n"
-        "  SECONDS_ON_PARAMETER_INPUT     time for an answer at the keyboard, 0: no limit [120]\n"
-        "  PROC_NAME                      who starts the run, for the log's header\n"
         "\n"
         "exit status: 0 success, 1 error, 2 STOP file found, 255 signal before the start\n");
 }

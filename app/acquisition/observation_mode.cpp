@@ -2,14 +2,15 @@
 
 #include <array>
 
+#include "app/say.h"
 #include "lib/baselib/errors/error_exception.h"
-#include "lib/baselib/logging/logging.h"
 
-OBSERVATION_MODE ObservationModeOf(const std::string& text) {
+OBSERVATION_MODE ObservationModeOf(const SOURCED_TEXT& mode) {
     static const std::array<OBSERVATION_MODE, 2> modes = {{{1, "single_pass", 1.0}, {2, "dual_pass", 2.0}}};
-    for (const OBSERVATION_MODE& mode : modes) {
-        if (mode.text == text) return mode;
+    for (const OBSERVATION_MODE& known : modes) {
+        if (known.text == mode.text) return known;
     }
-    Log().Message(LOGGING_LEVEL::ALARM, "can not convert >%s< to observation mode", text.c_str());
+    Explain("can not convert >%s< to observation mode", mode.Text());
+    LogRefusedText(mode.source, mode.text, CONTROL_KEY("OBSERVATION_MODE").row.range);
     throw ERROR_ARGUMENT();
 }

@@ -3,9 +3,13 @@
 
 #pragma once
 
-#include "app/simulation_state.h"
+#include <string>
 
-/// One WARNING per acquisition whose azimuth interval its state vectors do not cover, with both intervals in seconds on
+#include "app/keys/refusal.h"
+#include "simulation/scene.h"
+
+/// A WARNING when the state vectors do not cover the acquisition's azimuth interval, with both intervals in seconds on
 /// the orbit's axis: interpolators extrapolate there, and the products lose accuracy.
+/// @param start  where the first azimuth time came from
 /// @throws ERROR_PARAMETER for an interval farther outside than the state vectors' own span: nothing there is an orbit
-void CheckOrbitCoverage(const SIMULATION_STATE& state);
+void CheckOrbitCoverage(const ACQUISITION_SCENE& scene, const std::string& pool, const VALUE_SOURCE& start);

@@ -11,22 +11,27 @@
 
 namespace {
 
-void LogRefusal(const VALUE_SOURCE& source, const std::string& value, const std::string& explanation) {
-    Log().Message(LOGGING_LEVEL::ALARM, "%s: key \"%s\": value %s %s", source.file.c_str(), source.key.c_str(),
-                  value.c_str(), explanation.c_str());
-}
-
-bool IsUsable(double value) {
-    return std::isfinite(value) && std::fabs(value) <= kLargestQuantity;
-}
-
 std::string Shown(double value) {
     std::array<char, 40> text{};
     std::snprintf(text.data(), text.size(), "%.17g", value);
     return text.data();
 }
 
+/// Comparing a NaN would be an invalid operation, which ends the program.
+bool IsInRange(double value, const VALUE_RANGE& range) {
+    return std::isfinite(value) && value >= range.lowest && value <= range.highest;
+}
+
 }  // namespace
+
+void LogRefusal(const VALUE_SOURCE& source, const std::string& value, const std::string& explanation) {
+    Log().Message(LOGGING_LEVEL::ALARM, "%s: key \"%s\": value %s %s", source.file.c_str(), source.key.c_str(),
+                  value.c_str(), explanation.c_str());
+}
+
+void LogRefusedText(const VALUE_SOURCE& source, const std::string& text, const VALUE_RANGE& range) {
+    LogRefusal(source, "\"" + text + "\"", "is not " + std::string(range.text));
+}
 
 void RefuseValue(const VALUE_SOURCE& source, const std::string& value, const std::string& explanation) {
     LogRefusal(source, value, explanation);
@@ -37,25 +42,21 @@ void RefuseValue(const VALUE_SOURCE& source, double value, const std::string& ex
     RefuseValue(source, Shown(value), explanation);
 }
 
-void RequirePositive(const VALUE_SOURCE& source, double value) {
-    RequireFinite(source, value);
-    if (value < 1.0 / kLargestQuantity) RefuseValue(source, value, "is not above 0");
+void RequireInRange(const VALUE_SOURCE& source, double value, const VALUE_RANGE& range) {
+    if (*range.text == '\0' || IsInRange(value, range)) return;
+    const bool usable = IsInRange(value, kFinite);
+    RefuseValue(source, value, std::string("is not ") + (usable ? range : kFinite).text);
 }
 
-void RequireFinite(const VALUE_SOURCE& source, double value) {
-    if (!IsUsable(value)) RefuseValue(source, value, "is not a finite number of usable size");
+void RequireInRange(const VALUE_SOURCE& source, int value, const VALUE_RANGE& range) {
+    if (!IsInRange(value, range)) RefuseValue(source, std::to_string(value), std::string("is not ") + range.text);
 }
 
 double RequiredReal(const VALUE_SOURCE& source, const std::string& text) {
     double value = 0.0;
-    if (ParseReal(text, value) == PARSE_RESULT::OK && IsUsable(value)) return value;
+    if (ParseReal(text, value) == PARSE_RESULT::OK && IsInRange(value, kFinite)) return value;
     LogRefusal(source, "\"" + text + "\"", "is not a finite real number");
     throw ERROR_ARGUMENT();
-}
-
-void RequireText(const std::string& text) {
-    constexpr std::size_t kLastCharacter = 1;  // an empty STRING holds its terminating zero only
-    static_cast<void>(STRING(text)[kLastCharacter]);
 }
 
 float RequiredFloat(const VALUE_SOURCE& source, const std::string& text) {
@@ -63,4 +64,10 @@ float RequiredFloat(const VALUE_SOURCE& source, const std::string& text) {
     if (ParseFloat(text, value) == PARSE_RESULT::OK) return value;
     LogRefusal(source, "\"" + text + "\"", "is not a real number of single precision");
     throw ERROR_ARGUMENT();
+}
+
+void RequireText(const VALUE_SOURCE& source, const std::string& text, const VALUE_RANGE& range) {
+    if (text.empty()) LogRefusedText(source, text, range);
+    constexpr std::size_t kLastCharacter = 1;  // an empty STRING holds its terminating zero only
+    static_cast<void>(STRING(text)[kLastCharacter]);
 }

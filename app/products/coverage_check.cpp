@@ -5,7 +5,6 @@
 #include <cstring>
 
 #include "app/scene/image_to_dem.h"
-#include "app/terrain/dem_void_report.h"
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/logging/logging.h"
 
@@ -40,37 +39,16 @@ GAP FindGap(const MASTER_GRIDS& image) {
     return gap;
 }
 
-/// Lowest and highest terrain of the simulated rows and columns, invalid samples left out.
-struct TERRAIN {
-    double lowest_m = kHighestTerrain_m;
-    double highest_m = kLowestTerrain_m;
-};
-
-TERRAIN TerrainOf(const SIMULATION_STATE& state) {
-    const DEM_RANGE& simulated = state.scene.simulated;
-    TERRAIN terrain;
-    for (int row = simulated.first_row; row <= simulated.last_row; ++row) {
-        for (int column = simulated.first_column; column <= simulated.last_column; ++column) {
-            const short sample_m = state.scene.dem.heights[row][column];
-            if (IsInvalidDemSample(state, sample_m)) continue;
-            const double height_m =
-                std::clamp(sample_m + state.scene.dem.height_offset_m, kLowestTerrain_m, kHighestTerrain_m);
-            terrain.lowest_m = std::min(terrain.lowest_m, height_m);
-            terrain.highest_m = std::max(terrain.highest_m, height_m);
-        }
-    }
-    return terrain;
-}
-
 /// Where a pixel may lie in the DEM: between the places of the lowest and of the highest terrain.
 class PIXEL_IN_DEM {
   public:
-    PIXEL_IN_DEM(const SIMULATION_STATE& state, const TERRAIN& terrain, double sample, double line)
-        : state_(state), locate_(state) {
-        azimuth_s_ = state.master.first_azimuth_time_s + line / state.master.prf_hz;
-        range_s_ = state.master.first_range_time_s + sample / state.master.range_sampling_frequency_hz;
-        lowest_ = locate_(azimuth_s_, range_s_, terrain.lowest_m).grid;
-        highest_ = locate_(azimuth_s_, range_s_, terrain.highest_m).grid;
+    PIXEL_IN_DEM(const SIMULATION_STATE& state, double sample, double line)
+        : state_(state), locate_(state.acquisitions, state.scene.dem) {
+        const ACQUISITION_SCENE& master = state.scene.master;
+        azimuth_s_ = master.first_azimuth_time_s + line / master.prf_hz;
+        range_s_ = master.near_range_time_s + sample / master.rsf_hz;
+        lowest_ = locate_(azimuth_s_, range_s_, state.survey.lowest_m).grid;
+        highest_ = locate_(azimuth_s_, range_s_, state.survey.highest_m).grid;
     }
 
     bool LeavesDem() const { return !IsInDem(lowest_) || !IsInDem(highest_); }
@@ -88,7 +66,7 @@ class PIXEL_IN_DEM {
         for (int row = top; row <= bottom; ++row) {
             const short* heights = dem.heights[row];
             if (std::any_of(heights + left, heights + right + 1,
-                            [this](short height_m) { return IsInvalidDemSample(state_, height_m); }))
+                            [this](short height_m) { return state_.valid_heights.Excludes(height_m); }))
                 return true;
         }
         return false;
@@ -96,7 +74,7 @@ class PIXEL_IN_DEM {
 
     bool HasLargeCells() const {
         constexpr double kSamples = 1000.0;
-        const double farther_s = range_s_ + kSamples / state_.master.range_sampling_frequency_hz;
+        const double farther_s = range_s_ + kSamples / state_.scene.master.rsf_hz;
         const POINT<double> here = locate_(azimuth_s_, range_s_, 0.0).grid;
         const POINT<double> beside = locate_(azimuth_s_, farther_s, 0.0).grid;
         return std::hypot(beside.x - here.x, beside.y - here.y) < 1.0;
@@ -117,13 +95,12 @@ class PIXEL_IN_DEM {
 };
 
 const char* Cause(const SIMULATION_STATE& state, const GAP& gap) {
-    const TERRAIN terrain = TerrainOf(state);
     bool leaves = false;
     bool crosses_void = false;
     bool large_cells = false;
     for (const int sample : {gap.first_sample, gap.last_sample}) {
         for (const int line : {gap.first_line, gap.last_line}) {
-            const PIXEL_IN_DEM pixel(state, terrain, sample, line);
+            const PIXEL_IN_DEM pixel(state, sample, line);
             leaves = leaves || pixel.LeavesDem();
             crosses_void = crosses_void || pixel.CrossesVoid();
             large_cells = large_cells || pixel.HasLargeCells();
@@ -142,6 +119,6 @@ void CheckCoverage(const SIMULATION_STATE& state) {
     if (gap.count == 0) return;
     Log().Message(LOGGING_LEVEL::WARNING, "%lld points are missing, rg=%d..%d, az=%d..%d: %s (DEM %s)", gap.count,
                   gap.first_sample, gap.last_sample, gap.first_line, gap.last_line, Cause(state, gap),
-                  state.configuration.dem_file.c_str());
+                  state.request.terrain.dem_file.Text());
     throw ERROR_PARAMETER();
 }

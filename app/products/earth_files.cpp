@@ -1,30 +1,31 @@
 #include "app/products/earth_files.h"
 
-#include "lib/baselib/logging/logging.h"
+#include "app/say.h"
 #include "simulation/perturbation_file.h"
 
 namespace {
 
 constexpr double kRequiredPrecision_m = 0.1;
 
-void SaveOne(SIMULATION_STATE& state, const std::string& path, const GRID_VIEW<const double>& matrix,
-             const char* offset_key) {
-    Log().Message(LOGGING_LEVEL::INFO, "       save: %s", path.c_str());
+/// Writes one file and notes its offset in the InSAR pool.
+void SaveOne(const SOURCED_TEXT& file, const GRID_VIEW<const double>& matrix, const char* offset_key,
+             PARAMETER_POOL_READ_WRITE_CHANGE& insar_pool) {
+    Say("       save: %s", file.Text());
     const double offset_m = PerturbationOffset(matrix);
-    WritePerturbationFile(path, matrix, offset_m, kRequiredPrecision_m);
-    state.insar_pool->Change(offset_key, offset_m);
+    WritePerturbationFile(file.text, matrix, offset_m, kRequiredPrecision_m);
+    insar_pool.Change(offset_key, offset_m);
 }
 
 }  // namespace
 
-void SaveEarthFiles(SIMULATION_STATE& state) {
-    const RUN_CONFIGURATION& configuration = state.configuration;
-    Log().Message(LOGGING_LEVEL::INFO, "    center_x : %d", state.earth_output.samples / 2);
-    Log().Message(LOGGING_LEVEL::INFO, "    center_y : %d", state.earth_output.lines / 2);
-    Log().Message(LOGGING_LEVEL::INFO, "    a. x Earth file ");
-    SaveOne(state, configuration.x_earth_file, state.scene.earth.x, "x_earth_offset");
-    Log().Message(LOGGING_LEVEL::INFO, "    b. y Earth file ");
-    SaveOne(state, configuration.y_earth_file, state.scene.earth.y, "y_earth_offset");
-    Log().Message(LOGGING_LEVEL::INFO, "    c. z Earth file ");
-    SaveOne(state, configuration.z_earth_file, state.scene.earth.z, "z_earth_offset");
+void SaveEarthFiles(const EARTH_REQUEST& files, const EARTH_GRIDS& grids,
+                    PARAMETER_POOL_READ_WRITE_CHANGE& insar_pool) {
+    Say("    center_x : %d", grids.x.columns / 2);
+    Say("    center_y : %d", grids.x.rows / 2);
+    Say("    a. x Earth file ");
+    SaveOne(files.x_file, grids.x, "x_earth_offset", insar_pool);
+    Say("    b. y Earth file ");
+    SaveOne(files.y_file, grids.y, "y_earth_offset", insar_pool);
+    Say("    c. z Earth file ");
+    SaveOne(files.z_file, grids.z, "z_earth_offset", insar_pool);
 }

@@ -3,9 +3,10 @@
 
 #pragma once
 
-#include "app/simulation_state.h"
+#include "app/request/request.h"
+#include "simulation/scene.h"
 
 /// Writes the three files and puts their offsets (metres) into the InSAR pool as x_earth_offset, y_earth_offset and
 /// z_earth_offset: whoever reads a file must add its offset.
 /// @throws the image errors
-void SaveEarthFiles(SIMULATION_STATE& state);
+void SaveEarthFiles(const EARTH_REQUEST& files, const EARTH_GRIDS& grids, PARAMETER_POOL_READ_WRITE_CHANGE& insar_pool);

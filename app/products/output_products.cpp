@@ -3,66 +3,62 @@
 #include "app/products/coverage_check.h"
 #include "app/products/earth_files.h"
 #include "app/products/shift_maps.h"
-#include "lib/baselib/logging/logging.h"
+#include "app/say.h"
 #include "simulation/copy_mem_mgr.h"
 
 namespace {
 
 constexpr mode_t kPermissions = 0666;  // before the process's file-creation mask
 
-void Say(const char* line) {
-    Log().Message(LOGGING_LEVEL::INFO, "%s", line);
-}
-
 /// Columns 0 to N - X - 1 and lines 0 to L - Y - 1: the extension lies at the far and late side.
-void SaveCroppedPhase(SIMULATION_STATE& state) {
+void SaveCroppedPhase(const SIMULATION_STATE& state) {
     Say("    - Modality : Border elimination due to subsampling");
     Say("      a. Memory initialization (GetMemory)");
     MEM_MGR cropped;
-    cropped.Allocate(0, 0, state.simulation.samples - state.configuration.extension_x - 1LL,
-                     state.simulation.lines - state.configuration.extension_y - 1LL, PIXEL_TYPE::FLT_6);
+    cropped.Allocate(0, 0, state.acquisitions.image.samples - 1LL, state.acquisitions.image.lines - 1LL,
+                     PIXEL_TYPE::FLT_6);
     Say("      b. Output copy with crop (Multithreaded)");
-    CopyMemMgr(state.phase, cropped);
+    CopyMemMgr(state.images.phase, cropped);
     Say("      c. Output to file        (SaveSunRasterFile)");
-    cropped.SaveSunRasterFile(state.configuration.phase_file, kPermissions);
+    cropped.SaveSunRasterFile(state.request.phase.file.text, kPermissions);
 }
 
-void SavePhase(SIMULATION_STATE& state) {
+void SavePhase(const SIMULATION_STATE& state) {
     Say(" 1. Output of simulated phase");
-    if (!state.configuration.WantsPhase()) {
+    if (!state.request.WantsPhase()) {
         Say("    not required");
-    } else if (state.configuration.area_extended) {
+    } else if (state.request.extension.extended) {
         SaveCroppedPhase(state);
     } else {
         Say("    - Modality : Direct output to file save ");
         Say("      a. Output to file        (SaveSunRasterFile)");
-        state.phase.SaveSunRasterFile(state.configuration.phase_file, kPermissions);
+        state.images.phase.SaveSunRasterFile(state.request.phase.file.text, kPermissions);
     }
 }
 
-void SaveShifts(SIMULATION_STATE& state) {
+void SaveShifts(const SIMULATION_STATE& state) {
     Say(" 2. Output of range and azimuth shift maps");
-    if (state.configuration.WantsShifts()) {
-        SaveShiftMaps(state);
+    if (state.request.WantsShifts()) {
+        SaveShiftMaps(state.request, state.sizes.shift, state.scene.shifts);
     } else {
         Say("    not required");
     }
 }
 
-void SaveHeight(SIMULATION_STATE& state) {
+void SaveHeight(const SIMULATION_STATE& state) {
     Say(" 3. Output of radar DEM");
-    if (!state.configuration.WantsHeight()) {
+    if (!state.request.WantsHeight()) {
         Say("    not required");
         return;
     }
-    Log().Message(LOGGING_LEVEL::INFO, "    save: %s", state.configuration.height_file.c_str());
-    state.height.SaveSunRasterFile(state.configuration.height_file, kPermissions);
+    Say("    save: %s", state.request.earth.height_file.Text());
+    state.images.height.SaveSunRasterFile(state.request.earth.height_file.text, kPermissions);
 }
 
-void SaveEarth(SIMULATION_STATE& state) {
+void SaveEarth(const SIMULATION_STATE& state, PARAMETER_POOL_READ_WRITE_CHANGE& insar_pool) {
     Say(" 4. Output of Earth files");
-    if (state.configuration.WantsEarth()) {
-        SaveEarthFiles(state);
+    if (state.request.WantsEarth()) {
+        SaveEarthFiles(state.request.earth, state.scene.earth, insar_pool);
     } else {
         Say("    not required");
     }
@@ -70,10 +66,10 @@ void SaveEarth(SIMULATION_STATE& state) {
 
 }  // namespace
 
-void SaveProducts(SIMULATION_STATE& state) {
+void SaveProducts(const SIMULATION_STATE& state, PARAMETER_POOL_READ_WRITE_CHANGE& insar_pool) {
     CheckCoverage(state);
     SavePhase(state);
     SaveShifts(state);
     SaveHeight(state);
-    SaveEarth(state);
+    SaveEarth(state, insar_pool);
 }

@@ -9,8 +9,8 @@ void TryHistory(PARAMETER_POOL_READ_WRITE_CHANGE& log_pool, const HISTORY_ENTRY&
     history.WriteInto(log_pool);
 }
 
-void WriteBackPools(LOG_POOL& log_pool, PARAMETER_POOL_READ_WRITE_CHANGE& insar_pool, const HISTORY_ENTRY& entry) {
-    POOL_TRANSACTION transaction({log_pool.pool, &insar_pool});
-    TryHistory(*log_pool.pool, entry);
+void WriteBackPools(RUN_POOLS& pools, const HISTORY_ENTRY& entry) {
+    POOL_TRANSACTION transaction({&pools.HistoryPool(), &pools.insar});
+    TryHistory(pools.HistoryPool(), entry);
     transaction.Commit();
 }

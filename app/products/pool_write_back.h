@@ -4,12 +4,12 @@
 #pragma once
 
 #include "app/products/software_history.h"
-#include "app/request/run_configuration.h"
+#include "app/run_pools.h"
 
 /// Enters the run into the software history and writes the pending changes of both pools into their files. The history
 /// is read under the pools' lock: what another run entered meanwhile stays.
 /// @throws the pool's errors; the pools then are as they were before the run, or the log says how to recover
-void WriteBackPools(LOG_POOL& log_pool, PARAMETER_POOL_READ_WRITE_CHANGE& insar_pool, const HISTORY_ENTRY& entry);
+void WriteBackPools(RUN_POOLS& pools, const HISTORY_ENTRY& entry);
 
 /// What WriteBackPools will do to the history, tried on the pool as it is now: lists that are missing, of another type
 /// or length, values that a pool can not hold. @throws the pool's errors

@@ -3,10 +3,29 @@
 
 #pragma once
 
-#include "app/simulation_state.h"
+#include "app/request/request.h"
+#include "app/scene/output_sizes.h"
+#include "lib/baselib/image/mem_mgr.h"
 
-/// Allocates and initialises, in this order: mask, phase, shift matrices, Earth coordinates, radar DEM; each only when
-/// its product is wanted. The phase starts with the value of IFGRM_INVALID or 0, everything else with 0.
+/// Only those exist whose product is wanted, and the mask.
+struct RESULT_IMAGES {
+    MEM_MGR mask;
+    MEM_MGR phase;
+    MEM_MGR range_shift;
+    MEM_MGR azimuth_shift;
+    MEM_MGR x_earth;
+    MEM_MGR y_earth;
+    MEM_MGR z_earth;
+    MEM_MGR height;
+};
+
+/// IFGRM_INVALID, the value that the phase starts with; 0 without it.
+/// @throws ERROR_ARGUMENT for a text that is no number
+[[nodiscard]] float ReadInitialPhase(const REQUEST& request);
+
+/// Allocates and initialises, in this order: mask, phase, shift matrices, Earth coordinates, radar DEM. The phase
+/// starts with the initial value, everything else with 0.
 /// @throws ERROR_NO_MEMORY, also when the grids exceed the machine's memory and swap space together; or the text "error
-/// in thread execution" when a filling thread failed
-void AllocateResultImages(SIMULATION_STATE& state);
+///         in thread execution" when a filling thread failed
+[[nodiscard]] RESULT_IMAGES AllocateResultImages(const REQUEST& request, const OUTPUT_SIZES& sizes,
+                                                 float initial_phase);

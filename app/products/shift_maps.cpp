@@ -2,12 +2,13 @@
 
 #include <sys/mman.h>
 
-#include "lib/baselib/logging/logging.h"
+#include "app/say.h"
+#include "lib/baselib/image/mem_mgr.h"
 
 namespace {
 
 MEM_MGR CreateMap(const std::string& path, const IMAGE_SIZE& size) {
-    Log().Message(LOGGING_LEVEL::INFO, "    save: %s", path.c_str());
+    Say("    save: %s", path.c_str());
     MEM_MGR file;
     file.CreateFile(path, size.samples, size.lines, PIXEL_TYPE::FLT_6);
     return file;
@@ -28,11 +29,10 @@ void Fill(MEM_MGR& file, const GRID_VIEW<const double>& positions, int x_step, i
 
 }  // namespace
 
-void SaveShiftMaps(SIMULATION_STATE& state) {
-    const RUN_CONFIGURATION& configuration = state.configuration;
-    const int relative = configuration.relative_shifts ? 1 : 0;
-    MEM_MGR range = CreateMap(configuration.range_shift_file, state.shift_output);
-    MEM_MGR azimuth = CreateMap(configuration.azimuth_shift_file, state.shift_output);
-    Fill(range, state.scene.shifts.range, relative * configuration.shift.x, 0);
-    Fill(azimuth, state.scene.shifts.azimuth, 0, relative * configuration.shift.y);
+void SaveShiftMaps(const REQUEST& request, const IMAGE_SIZE& size, const SHIFT_GRIDS& shifts) {
+    const int relative = request.shifts.relative ? 1 : 0;
+    MEM_MGR range = CreateMap(request.shifts.range_file.text, size);
+    MEM_MGR azimuth = CreateMap(request.shifts.azimuth_file.text, size);
+    Fill(range, shifts.range, relative * shifts.range_factor, 0);
+    Fill(azimuth, shifts.azimuth, 0, relative * shifts.azimuth_factor);
 }

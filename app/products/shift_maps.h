@@ -3,8 +3,10 @@
 
 #pragma once
 
-#include "app/simulation_state.h"
+#include "app/acquisition/acquisitions.h"
+#include "app/request/request.h"
+#include "simulation/scene.h"
 
 /// Writes both maps: absolute slave positions or, with relative shifts, slave minus master position (pixels).
 /// @throws the image errors
-void SaveShiftMaps(SIMULATION_STATE& state);
+void SaveShiftMaps(const REQUEST& request, const IMAGE_SIZE& size, const SHIFT_GRIDS& shifts);

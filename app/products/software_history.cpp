@@ -5,7 +5,8 @@
 
 #include "lib/baselib/containers/array.h"
 #include "lib/baselib/containers/string.h"
-#include "lib/baselib/logging/logging.h"
+#include "lib/baselib/errors/log_and_throw.h"
+#include "lib/baselib/logging/log_texts.h"
 #include "lib/baselib/pool/pool_errors.h"
 
 namespace {
@@ -33,17 +34,12 @@ std::vector<T> ReadList(PARAMETER_POOL& pool, const char* key) {
 
 void RequireLength(const PARAMETER_POOL& pool, const char* key, size_t length, size_t names) {
     if (length == names) return;
-    Log().Message(LOGGING_LEVEL::ALARM, "%s: key \"%s\": %zu elements, but \"%s\" has %zu", pool.FileName().c_str(),
-                  key, length, kNames, names);
-    throw CORRUPTED_PARAMETER_POOL();
+    LogAndThrow<CORRUPTED_PARAMETER_POOL>("%s: key \"%s\": %zu elements, but \"%s\" has %zu", pool.FileName().c_str(),
+                                          key, length, kNames, names);
 }
 
 std::string TimeText(std::time_t seconds_since_epoch) {
-    std::tm local = {};
-    localtime_r(&seconds_since_epoch, &local);
-    char text[64] = "";
-    std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &local);
-    return text;
+    return LocalTimeText(seconds_since_epoch, "%Y-%m-%dT%H:%M:%S");
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 #include <limits>
 
 #include "lib/baselib/errors/error_exception.h"
-#include "lib/baselib/logging/logging.h"
+#include "lib/baselib/errors/log_and_throw.h"
 
 namespace {
 
@@ -19,35 +19,21 @@ bool Adds(const SUBSAMPLING& reach) {
 
 int CheckedSum(int shift, int earth, int geocoding) {
     const long long sum = static_cast<long long>(shift) + earth + geocoding;
-    if (sum > std::numeric_limits<int>::max()) {
-        Log().Message(LOGGING_LEVEL::ALARM, "sub-sampling factors %d, %d and %d are too large: their sum exceeds %d",
-                      shift, earth, geocoding, std::numeric_limits<int>::max());
-        throw ERROR_PARAMETER();
-    }
+    constexpr int kMost = std::numeric_limits<int>::max();
+    if (sum > kMost)
+        LogAndThrow<ERROR_PARAMETER>("sub-sampling factors %d, %d and %d are too large: their sum exceeds %d", shift,
+                                     earth, geocoding, kMost);
     return static_cast<int>(sum);
-}
-
-void ZeroToOne(SUBSAMPLING& factors) {
-    if (factors.x == 0) factors.x = 1;
-    if (factors.y == 0) factors.y = 1;
 }
 
 }  // namespace
 
-void ComputeAreaExtension(RUN_CONFIGURATION& configuration) {
-    const SUBSAMPLING shift = Reach(configuration.shift);
-    const SUBSAMPLING earth = Reach(configuration.earth);
-    const SUBSAMPLING geocoding = Reach(configuration.geocoding);
-    configuration.area_extended = Adds(shift) || Adds(earth) || Adds(geocoding);
+AREA_EXTENSION ExtensionOf(const SUBSAMPLING_FACTORS& factors) {
+    const SUBSAMPLING shift = Reach(factors.shift);
+    const SUBSAMPLING earth = Reach(factors.earth);
+    const SUBSAMPLING geocoding = Reach(factors.geocoding);
     // The sum in the one case and the maximum in the other are both meant: a geocoding grid interpolates in the others.
-    if (Adds(geocoding)) {
-        configuration.extension_x = CheckedSum(shift.x, earth.x, geocoding.x);
-        configuration.extension_y = CheckedSum(shift.y, earth.y, geocoding.y);
-    } else {
-        configuration.extension_x = std::max(shift.x, earth.x);
-        configuration.extension_y = std::max(shift.y, earth.y);
-    }
-    ZeroToOne(configuration.shift);
-    ZeroToOne(configuration.earth);
-    ZeroToOne(configuration.geocoding);
+    if (Adds(geocoding))
+        return {true, CheckedSum(shift.x, earth.x, geocoding.x), CheckedSum(shift.y, earth.y, geocoding.y)};
+    return {Adds(shift) || Adds(earth), std::max(shift.x, earth.x), std::max(shift.y, earth.y)};
 }

@@ -12,14 +12,9 @@
 #include <vector>
 
 #include "lib/baselib/errors/error_exception.h"
-#include "lib/baselib/logging/logging.h"
+#include "lib/baselib/errors/log_and_throw.h"
 
 namespace {
-
-struct NAMED_FILE {
-    std::string key;
-    std::string path;
-};
 
 /// What tells two paths to one file: device and inode of the file or, while it does not exist, of its folder plus its
 /// name.
@@ -44,40 +39,19 @@ std::optional<FILE_IDENTITY> IdentityOf(const std::string& path) {
     return FILE_IDENTITY{status.st_dev, status.st_ino, path.substr(path.rfind('/') + 1)};
 }
 
-std::vector<NAMED_FILE> Products(const RUN_CONFIGURATION& configuration) {
-    const std::vector<NAMED_FILE> all = {
-        {"SIMU_PHASE", configuration.phase_file},       {"RG_COREG", configuration.range_shift_file},
-        {"AZ_COREG", configuration.azimuth_shift_file}, {"X_EARTH", configuration.x_earth_file},
-        {"Y_EARTH", configuration.y_earth_file},        {"Z_EARTH", configuration.z_earth_file},
-        {"H_EARTH", configuration.height_file}};
-    std::vector<NAMED_FILE> wanted;
-    for (const NAMED_FILE& file : all) {
-        if (!file.path.empty()) wanted.push_back(file);
+void RefuseSharedFiles(const REQUEST& request) {
+    std::vector<std::pair<SOURCED_TEXT, FILE_IDENTITY>> taken;
+    for (const SOURCED_TEXT& file : request.OtherFiles()) {
+        if (const auto identity = IdentityOf(file.text)) taken.emplace_back(file, *identity);
     }
-    return wanted;
-}
-
-std::vector<NAMED_FILE> OtherFiles(const RUN_CONFIGURATION& configuration) {
-    return {{"MASTER_POOL", configuration.master_pool}, {"SLAVE_POOL", configuration.slave_pool},
-            {"INSAR_POOL", configuration.insar_pool},   {"log_pp", configuration.log_pool},
-            {"DEM_POOL", configuration.dem_pool},       {"DEM", configuration.dem_file},
-            {"pcf", configuration.configuration_file},  {"lfn", Log().LogFileName()}};
-}
-
-void RefuseSharedFiles(const RUN_CONFIGURATION& configuration) {
-    std::vector<std::pair<NAMED_FILE, FILE_IDENTITY>> taken;
-    for (const NAMED_FILE& file : OtherFiles(configuration)) {
-        if (const auto identity = IdentityOf(file.path)) taken.emplace_back(file, *identity);
-    }
-    for (const NAMED_FILE& product : Products(configuration)) {
-        const auto identity = IdentityOf(product.path);
+    for (const SOURCED_TEXT& product : request.ProductFiles()) {
+        const auto identity = IdentityOf(product.text);
         if (!identity) continue;
         for (const auto& [file, other] : taken) {
-            if (other != *identity) continue;
-            Log().Message(LOGGING_LEVEL::ALARM,
-                          "configuration: key \"%s\": the product %s is the file %s of key \"%s\"", product.key.c_str(),
-                          product.path.c_str(), file.path.c_str(), file.key.c_str());
-            throw ERROR_PARAMETER();
+            if (other == *identity)
+                LogAndThrow<ERROR_PARAMETER>("configuration: key \"%s\": the product %s is the file %s of key \"%s\"",
+                                             product.source.key.c_str(), product.Text(), file.Text(),
+                                             file.source.key.c_str());
         }
         taken.emplace_back(product, *identity);
     }
@@ -96,20 +70,17 @@ int TryToWrite(const std::string& path) {
     return descriptor;
 }
 
-void RequireWritable(const NAMED_FILE& product) {
-    const int descriptor = product.path.back() == '/' ? (errno = EISDIR, -1) : TryToWrite(product.path);
-    if (descriptor >= 0) {
-        close(descriptor);
-        return;
-    }
-    Log().Message(LOGGING_LEVEL::ALARM, "configuration: key \"%s\": the product %s can not be written: %s",
-                  product.key.c_str(), product.path.c_str(), std::strerror(errno));
-    throw ERROR_CAN_NOT_CREATE_FILE();
+void RequireWritable(const SOURCED_TEXT& product) {
+    const int descriptor = product.text.back() == '/' ? (errno = EISDIR, -1) : TryToWrite(product.text);
+    if (descriptor < 0)
+        LogAndThrow<ERROR_CAN_NOT_CREATE_FILE>("configuration: key \"%s\": the product %s can not be written: %s",
+                                               product.source.key.c_str(), product.Text(), std::strerror(errno));
+    close(descriptor);
 }
 
 }  // namespace
 
-void CheckProductPaths(const SIMULATION_STATE& state) {
-    RefuseSharedFiles(state.configuration);
-    for (const NAMED_FILE& product : Products(state.configuration)) RequireWritable(product);
+void CheckProductPaths(const REQUEST& request) {
+    RefuseSharedFiles(request);
+    for (const SOURCED_TEXT& product : request.ProductFiles()) RequireWritable(product);
 }

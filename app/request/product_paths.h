@@ -4,10 +4,10 @@
 
 #pragma once
 
-#include "app/simulation_state.h"
+#include "app/request/request.h"
 
 /// Tries whether every wanted product can be created, without leaving anything behind, and refuses a product that is an
 /// input, a pool, the log or another product (same device and inode, links included).
 /// @throws ERROR_CAN_NOT_CREATE_FILE after a line that names key, path and reason; ERROR_PARAMETER for a path used
 /// twice
-void CheckProductPaths(const SIMULATION_STATE& state);
+void CheckProductPaths(const REQUEST& request);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "app/terrain/terrain_bounds.h"
+
 namespace {
 
 constexpr double kMarginLines = 10.0;
@@ -37,6 +39,9 @@ class BORDER_LINE {
     double GroundSpeed_m_s() const { return Distance(moved_.point_m, start_.point_m) / std::fabs(trial_s_); }
 
     /// The longest time by which the line must be moved until its straight chord passes the true line's points.
+    /// A point's distance from the chord, as a cross product with it, over the distance by which the chord moves in a
+    /// second, as the same product: the chord's length and the DEM's unequal cells cancel in the ratio, so no unit of
+    /// length is needed. A chord that moves along itself can not reach the points: its margin is the fixed one.
     double Bend_s() const {
         const POINT<double> chord = Minus(end_.grid, start_.grid);
         const double motion_per_s = Cross(Minus(moved_.grid, start_.grid), chord) / trial_s_;
@@ -74,32 +79,33 @@ double BORDER_LINE::CellDiagonal_m() const {
     return std::sqrt(2.0) * Distance(moved_.point_m, start_.point_m) / moved_cells;
 }
 
-double TileMargin_s(const SIMULATION_STATE& state, const BORDER_LINE& line) {
+double TileMargin_s(const ACQUISITION_SCENE& master, const BORDER_LINE& line) {
     const double along_track_m = kMarginAlongTrack_m + line.CellDiagonal_m();
-    return std::max(kMarginLines / state.master.prf_hz, along_track_m / line.GroundSpeed_m_s()) + line.Bend_s();
+    return std::max(kMarginLines / master.prf_hz, along_track_m / line.GroundSpeed_m_s()) + line.Bend_s();
 }
 
 /// The margin of the first or last line: that of the tile that needs most.
-double Margin_s(const SIMULATION_STATE& state, const IMAGE_TO_DEM& locate, double time_s, int tiles) {
-    const bool room_ahead = time_s + kTrialStep_s <= state.master.orbit.LastTime();
-    const double near_s = state.master.first_range_time_s;
-    const double step_s = (state.master.range_stop_time_s - near_s) / tiles;
+double Margin_s(const ACQUISITION_SCENE& master, const IMAGE_TO_DEM& locate, double time_s, int tiles) {
+    // The trial step goes where the orbit has data: some interpolations end the process outside them.
+    const bool room_ahead = time_s + kTrialStep_s <= master.orbit.orbit->LastTime();
+    const double near_s = master.near_range_time_s;
+    const double step_s = (master.far_range_time_s - near_s) / tiles;
     double margin_s = 0.0;
     for (int j = 0; j < tiles; ++j) {
         const BORDER_LINE line(locate, time_s, room_ahead ? kTrialStep_s : -kTrialStep_s, near_s + j * step_s,
                                near_s + (j + 1) * step_s);
-        margin_s = std::max(margin_s, TileMargin_s(state, line));
+        margin_s = std::max(margin_s, TileMargin_s(master, line));
     }
     return margin_s;
 }
 
 }  // namespace
 
-AZIMUTH_INTERVAL ExtendedAzimuthInterval(const SIMULATION_STATE& state, const IMAGE_TO_DEM& locate, int tiles) {
-    const double first_s = state.master.first_azimuth_time_s;
-    const double last_s = state.master.azimuth_stop_time_s;
-    const double earliest_s = std::min(first_s, state.master.orbit.FirstTime());
-    const double latest_s = std::max(last_s, state.master.orbit.LastTime());
-    return {std::max(first_s - Margin_s(state, locate, first_s, tiles), earliest_s),
-            std::min(last_s + Margin_s(state, locate, last_s, tiles), latest_s)};
+AZIMUTH_INTERVAL ExtendedAzimuthInterval(const ACQUISITION_SCENE& master, const IMAGE_TO_DEM& locate, int tiles) {
+    const double first_s = master.first_azimuth_time_s;
+    const double last_s = master.last_azimuth_time_s;
+    const double earliest_s = std::min(first_s, master.orbit.orbit->FirstTime());
+    const double latest_s = std::max(last_s, master.orbit.orbit->LastTime());
+    return {std::max(first_s - Margin_s(master, locate, first_s, tiles), earliest_s),
+            std::min(last_s + Margin_s(master, locate, last_s, tiles), latest_s)};
 }

@@ -8,7 +8,7 @@
 #pragma once
 
 #include "app/scene/image_to_dem.h"
-#include "app/simulation_state.h"
+#include "simulation/scene.h"
 
 /// Seconds on the master orbit's axis.
 struct AZIMUTH_INTERVAL {
@@ -19,4 +19,4 @@ struct AZIMUTH_INTERVAL {
 /// The image's azimuth interval, extended on both sides by 10 lines, or 40 m along track if that is more, plus one cell
 /// diagonal and the bend of the border line; kept inside the orbit's data.
 /// @param tiles  number of straight edges that a border line consists of
-AZIMUTH_INTERVAL ExtendedAzimuthInterval(const SIMULATION_STATE& state, const IMAGE_TO_DEM& locate, int tiles);
+AZIMUTH_INTERVAL ExtendedAzimuthInterval(const ACQUISITION_SCENE& master, const IMAGE_TO_DEM& locate, int tiles);

@@ -2,8 +2,10 @@
 
 DEM_POSITION IMAGE_TO_DEM::operator()(double azimuth_time_s, double range_time_s, double height_m) const {
     constexpr double kZeroDoppler = 0.0;
-    const GEOLOCATION ground = geolocation_fast(
-        state_.master.orbit.Position(azimuth_time_s), state_.master.orbit.Velocity(azimuth_time_s),
-        state_.look_direction, height_m, state_.polar_radius_m, state_.equatorial_radius_m, range_time_s, kZeroDoppler);
-    return {ground.longitude_deg, ground.latitude_deg, ground.point_m, LocateInDem(state_.scene.dem, ground.point_m)};
+    const ORBIT_OF_POOL& orbit = acquisitions_.master.orbit;
+    const ELLIPSOID_RADII& radii = acquisitions_.ellipsoid;
+    const GEOLOCATION ground =
+        geolocation_fast(orbit.Position(azimuth_time_s), orbit.Velocity(azimuth_time_s), acquisitions_.look_sign,
+                         height_m, radii.polar_m, radii.equatorial_m, range_time_s, kZeroDoppler);
+    return {ground.longitude_deg, ground.latitude_deg, ground.point_m, LocateInDem(dem_, ground.point_m)};
 }

@@ -3,13 +3,9 @@
 
 #pragma once
 
-#include "app/simulation_state.h"
+#include "app/acquisition/acquisitions.h"
 #include "geometry/geolocation_fast.h"
-
-/// Terrain heights (metres above the ellipsoid) between which the Earth's surface lies: for one slant range the lowest
-/// terrain is nearest to the satellite's track on the ground, the highest farthest.
-inline constexpr double kLowestTerrain_m = -1000.0;
-inline constexpr double kHighestTerrain_m = 9000.0;
+#include "simulation/dem_grid.h"
 
 struct DEM_POSITION {
     double longitude_deg = 0.0;
@@ -20,8 +16,8 @@ struct DEM_POSITION {
 
 class IMAGE_TO_DEM {
   public:
-    /// Keeps a reference to the state: orbits, radii, look direction and DEM grid must be set.
-    explicit IMAGE_TO_DEM(const SIMULATION_STATE& state) : state_(state) {}
+    /// Keeps references to both.
+    IMAGE_TO_DEM(const ACQUISITIONS& acquisitions, const DEM_GRID& dem) : acquisitions_(acquisitions), dem_(dem) {}
 
     /// @param azimuth_time_s  seconds on the master orbit's axis
     /// @param range_time_s    two-way
@@ -29,5 +25,6 @@ class IMAGE_TO_DEM {
     DEM_POSITION operator()(double azimuth_time_s, double range_time_s, double height_m) const;
 
   private:
-    const SIMULATION_STATE& state_;
+    const ACQUISITIONS& acquisitions_;
+    const DEM_GRID& dem_;
 };

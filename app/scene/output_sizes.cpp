@@ -2,8 +2,9 @@
 
 #include <cmath>
 
+#include "app/say.h"
 #include "lib/baselib/errors/error_exception.h"
-#include "lib/baselib/logging/logging.h"
+#include "lib/baselib/errors/log_and_throw.h"
 
 namespace {
 
@@ -12,111 +13,129 @@ long long SteppedExtent(int extent, int factor) {
     return static_cast<long long>(std::ceil(static_cast<float>(extent) / static_cast<float>(factor)));
 }
 
-/// The master image: the simulated area less the extension.
-IMAGE_SIZE Cropped(const SIMULATION_STATE& state) {
-    return {state.simulation.samples - state.configuration.extension_x,
-            state.simulation.lines - state.configuration.extension_y};
-}
-
 /// An extension is the largest factor of its direction, so a direction whose factors are all 1 has none, and one step
 /// more than the image does not fit: the user can only change the factors.
-void AdviseOnFactors(const RUN_CONFIGURATION& configuration) {
-    Log().Message(LOGGING_LEVEL::ALARM,
-                  "the extension is %d samples and %d lines: factors above 1 are needed in both directions or in none "
-                  "(shift %d x %d, earth %d x %d, geocoding %d x %d)",
-                  configuration.extension_x, configuration.extension_y, configuration.shift.x, configuration.shift.y,
-                  configuration.earth.x, configuration.earth.y, configuration.geocoding.x, configuration.geocoding.y);
+void AdviseOnFactors(const AREA_EXTENSION& extension, const SUBSAMPLING_FACTORS& factors) {
+    Explain(
+        "the extension is %d samples and %d lines: factors above 1 are needed in both directions or in none "
+        "(shift %d x %d, earth %d x %d, geocoding %d x %d)",
+        extension.x, extension.y, factors.shift.x, factors.shift.y, factors.earth.x, factors.earth.y,
+        factors.geocoding.x, factors.geocoding.y);
 }
 
-void CheckShiftSize(const SIMULATION_STATE& state, long long a, long long b) {
-    const RUN_CONFIGURATION& configuration = state.configuration;
-    const long long reach_x = a * configuration.shift.x;
-    const long long reach_y = b * configuration.shift.y;
-    const IMAGE_SIZE image = Cropped(state);
-    if (!(state.simulation.samples > reach_x && state.simulation.lines > reach_y)) {
-        Log().Message(LOGGING_LEVEL::ALARM,
-                      "Error: simulated area extension is not enough for subsampled shift matrices");
-        AdviseOnFactors(configuration);
-        throw ERROR_ALGORITHM();
-    }
-    if (reach_x < image.samples - 1 || reach_y < image.lines - 1) {
-        Log().Message(LOGGING_LEVEL::ALARM, "Error: subsampled shift matrices do not cover full area");
-        throw ERROR_ALGORITHM();
-    }
+/// Columns and rows of a sub-sampled grid before they are known to fit.
+struct GRID_SIZE {
+    long long columns;
+    long long rows;
+};
+
+/// Master pixels from the first to the last column and row.
+GRID_SIZE Reach(const GRID_SIZE& grid, const SUBSAMPLING& factors) {
+    return {(grid.columns - 1) * factors.x, (grid.rows - 1) * factors.y};
 }
 
-void CheckGeocodingGrid(const SIMULATION_STATE& state, long long p, long long q) {
-    const SUBSAMPLING& earth = state.configuration.earth;
-    const SUBSAMPLING& geocoding = state.configuration.geocoding;
-    const IMAGE_SIZE image = Cropped(state);
-    const long long u = SteppedExtent(image.samples, geocoding.x);
-    const long long v = SteppedExtent(image.lines, geocoding.y);
-    if ((p - 1) * earth.x >= geocoding.x * u && (q - 1) * earth.y >= geocoding.y * v) return;
-    Log().Message(LOGGING_LEVEL::ALARM, " h_earth coverage not enough for interpolation in geco grid");
-    Log().Message(LOGGING_LEVEL::ALARM, "       h_earth: %lld x %lld (sub %d x %d )", p, q, earth.x, earth.y);
-    Log().Message(LOGGING_LEVEL::ALARM, "       geco:    %lld x %lld (sub %d x %d, eq %lld x %lld )", u + 1, v + 1,
-                  geocoding.x, geocoding.y, u * geocoding.x, v * geocoding.y);
-    AdviseOnFactors(state.configuration);
+bool LiesInside(const GRID_SIZE& reach, const IMAGE_SIZE& area) {
+    return reach.columns < area.samples && reach.rows < area.lines;
+}
+
+bool Covers(const GRID_SIZE& reach, const IMAGE_SIZE& image) {
+    return reach.columns >= image.samples - 1 && reach.rows >= image.lines - 1;
+}
+
+/// One step more than needed to cover the image.
+GRID_SIZE SteppedGrid(const IMAGE_SIZE& image, const SUBSAMPLING& factors) {
+    return {SteppedExtent(image.samples, factors.x) + 1, SteppedExtent(image.lines, factors.y) + 1};
+}
+
+void CheckShiftGrid(const REQUEST& request, const IMAGE_SIZE& image, const IMAGE_SIZE& simulated,
+                    const GRID_SIZE& grid) {
+    const GRID_SIZE reach = Reach(grid, request.factors.shift);
+    if (!LiesInside(reach, simulated)) {
+        Explain("Error: simulated area extension is not enough for subsampled shift matrices");
+        AdviseOnFactors(request.extension, request.factors);
+        throw ERROR_ALGORITHM();
+    }
+    if (!Covers(reach, image)) LogAndThrow<ERROR_ALGORITHM>("Error: subsampled shift matrices do not cover full area");
+}
+
+void CheckGeocodingGrid(const REQUEST& request, const IMAGE_SIZE& image, const GRID_SIZE& earth_grid) {
+    const SUBSAMPLING& earth = request.factors.earth;
+    const SUBSAMPLING& geocoding = request.factors.geocoding;
+    const GRID_SIZE grid = SteppedGrid(image, geocoding);
+    const GRID_SIZE needed = Reach(grid, geocoding);
+    const GRID_SIZE reach = Reach(earth_grid, earth);
+    if (reach.columns >= needed.columns && reach.rows >= needed.rows) return;
+    Explain(" h_earth coverage not enough for interpolation in geco grid");
+    Explain("       h_earth: %lld x %lld (sub %d x %d )", earth_grid.columns, earth_grid.rows, earth.x, earth.y);
+    Explain("       geco:    %lld x %lld (sub %d x %d, eq %lld x %lld )", grid.columns, grid.rows, geocoding.x,
+            geocoding.y, needed.columns, needed.rows);
+    AdviseOnFactors(request.extension, request.factors);
     throw ERROR_ALGORITHM();
 }
 
-void CheckEarthSize(const SIMULATION_STATE& state, long long p, long long q) {
-    const SUBSAMPLING& earth = state.configuration.earth;
-    const IMAGE_SIZE image = Cropped(state);
-    const long long reach_x = (p - 1) * earth.x;
-    const long long reach_y = (q - 1) * earth.y;
-    if (!(reach_x < state.simulation.samples && reach_y < state.simulation.lines)) {
-        Log().Message(LOGGING_LEVEL::ALARM,
-                      "Error: simulated area extension is not enough for subsampled shift matrixes");
-        AdviseOnFactors(state.configuration);
+void CheckEarthGrid(const REQUEST& request, const IMAGE_SIZE& image, const IMAGE_SIZE& simulated,
+                    const GRID_SIZE& grid) {
+    const SUBSAMPLING& factors = request.factors.earth;
+    const GRID_SIZE reach = Reach(grid, factors);
+    if (!LiesInside(reach, simulated)) {
+        Explain("Error: simulated area extension is not enough for subsampled shift matrixes");
+        AdviseOnFactors(request.extension, request.factors);
         throw ERROR_ALGORITHM();
     }
-    if (reach_x < image.samples - 1 || reach_y < image.lines - 1) {
-        Log().Message(LOGGING_LEVEL::ALARM, "Error: h_earth coverage not enough for interpolation in full scene");
-        Log().Message(LOGGING_LEVEL::ALARM, "       h_earth %lld x %lld (sub %d x %d )", p, q, earth.x, earth.y);
+    if (!Covers(reach, image)) {
+        Explain("Error: h_earth coverage not enough for interpolation in full scene");
+        Explain("       h_earth %lld x %lld (sub %d x %d )", grid.columns, grid.rows, factors.x, factors.y);
         throw ERROR_ALGORITHM();
     }
-    CheckGeocodingGrid(state, p, q);
+    CheckGeocodingGrid(request, image, grid);
+}
+
+/// A geocoding grid is interpolated in the Earth grid: that one then takes every step that the simulated area holds.
+GRID_SIZE EarthGrid(const SUBSAMPLING_FACTORS& factors, const IMAGE_SIZE& image, const IMAGE_SIZE& simulated) {
+    const bool geocoded = factors.geocoding.x != 1 || factors.geocoding.y != 1;
+    if (!geocoded) return SteppedGrid(image, factors.earth);
+    return {(simulated.samples - 1) / factors.earth.x + 1, (simulated.lines - 1) / factors.earth.y + 1};
+}
+
+IMAGE_SIZE Narrowed(const GRID_SIZE& grid) {
+    return {static_cast<int>(grid.columns), static_cast<int>(grid.rows)};
 }
 
 }  // namespace
 
-void SizeShiftMatrices(SIMULATION_STATE& state) {
-    const RUN_CONFIGURATION& configuration = state.configuration;
-    Log().Message(LOGGING_LEVEL::INFO, " - Setting size of output shift matrices");
-    state.shift_output = state.simulation;
-    if (configuration.area_extended) {
-        const IMAGE_SIZE image = Cropped(state);
-        const long long a = SteppedExtent(image.samples, configuration.shift.x);
-        const long long b = SteppedExtent(image.lines, configuration.shift.y);
-        CheckShiftSize(state, a, b);
-        state.shift_output = {static_cast<int>(a + 1), static_cast<int>(b + 1)};
+IMAGE_SIZE SizeShiftMatrices(const REQUEST& request, const IMAGE_SIZE& image, const IMAGE_SIZE& simulated) {
+    const SUBSAMPLING& factors = request.factors.shift;
+    Say(" - Setting size of output shift matrices");
+    IMAGE_SIZE output = simulated;
+    if (request.extension.extended) {
+        const GRID_SIZE grid = SteppedGrid(image, factors);
+        CheckShiftGrid(request, image, simulated, grid);
+        output = Narrowed(grid);
     }
-    Log().Message(LOGGING_LEVEL::INFO, " - Set size of output shift matrices");
-    Log().Message(LOGGING_LEVEL::INFO, "   nr_samples_coreg_out:...... %d (sub factor %d)", state.shift_output.samples,
-                  configuration.shift.x);
-    Log().Message(LOGGING_LEVEL::INFO, "   nr_lines_coreg_out:........ %d (sub factor %d)", state.shift_output.lines,
-                  configuration.shift.y);
+    Say(" - Set size of output shift matrices");
+    Say("   nr_samples_coreg_out:...... %d (sub factor %d)", output.samples, factors.x);
+    Say("   nr_lines_coreg_out:........ %d (sub factor %d)", output.lines, factors.y);
+    return output;
 }
 
-void SizeEarthMatrices(SIMULATION_STATE& state) {
-    const RUN_CONFIGURATION& configuration = state.configuration;
-    const SUBSAMPLING& earth = configuration.earth;
-    Log().Message(LOGGING_LEVEL::INFO, " - Setting size of output earth matrices");
-    state.earth_output = state.simulation;
-    if (configuration.area_extended) {
-        const bool geocoded = configuration.geocoding.x != 1 || configuration.geocoding.y != 1;
-        const IMAGE_SIZE image = Cropped(state);
-        const long long p =
-            geocoded ? (state.simulation.samples - 1) / earth.x + 1 : SteppedExtent(image.samples, earth.x) + 1;
-        const long long q =
-            geocoded ? (state.simulation.lines - 1) / earth.y + 1 : SteppedExtent(image.lines, earth.y) + 1;
-        CheckEarthSize(state, p, q);
-        state.earth_output = {static_cast<int>(p), static_cast<int>(q)};
+IMAGE_SIZE SizeEarthMatrices(const REQUEST& request, const IMAGE_SIZE& image, const IMAGE_SIZE& simulated) {
+    const SUBSAMPLING& factors = request.factors.earth;
+    Say(" - Setting size of output earth matrices");
+    IMAGE_SIZE output = simulated;
+    if (request.extension.extended) {
+        const GRID_SIZE grid = EarthGrid(request.factors, image, simulated);
+        CheckEarthGrid(request, image, simulated, grid);
+        output = Narrowed(grid);
     }
-    Log().Message(LOGGING_LEVEL::INFO, " - Set size of output earth matrices");
-    Log().Message(LOGGING_LEVEL::INFO, "   nr_samples_earth_out:...... %d (sub factor %d)", state.earth_output.samples,
-                  earth.x);
-    Log().Message(LOGGING_LEVEL::INFO, "   nr_lines_earth_out:........ %d (sub factor %d)", state.earth_output.lines,
-                  earth.y);
+    Say(" - Set size of output earth matrices");
+    Say("   nr_samples_earth_out:...... %d (sub factor %d)", output.samples, factors.x);
+    Say("   nr_lines_earth_out:........ %d (sub factor %d)", output.lines, factors.y);
+    return output;
+}
+
+OUTPUT_SIZES SizeOutputs(const REQUEST& request, const IMAGE_SIZE& image, const IMAGE_SIZE& simulated) {
+    OUTPUT_SIZES sizes{.simulated = simulated};
+    if (request.WantsShifts()) sizes.shift = SizeShiftMatrices(request, image, simulated);
+    if (request.WantsEarth() || request.WantsHeight()) sizes.earth = SizeEarthMatrices(request, image, simulated);
+    return sizes;
 }

@@ -1,14 +1,25 @@
 /// \file output_sizes.h
-/// Stage A: the sizes of the sub-sampled outputs, with their checks. Nothing is allocated before they pass.
+/// The sizes of the outputs, with their checks. Nothing is allocated before they pass.
 
 #pragma once
 
-#include "app/simulation_state.h"
+#include "app/acquisition/acquisitions.h"
+#include "app/request/request.h"
 
-/// Fills state.shift_output. Every s-th sample and t-th line, one more than needed to cover the master image.
-/// @throws ERROR_ALGORITHM when the extension is not enough or the grid does not cover the image
-void SizeShiftMatrices(SIMULATION_STATE& state);
+struct OUTPUT_SIZES {
+    IMAGE_SIZE simulated{};  ///< the master image plus the extension
+    IMAGE_SIZE shift{};      ///< of the shift maps, when wanted
+    IMAGE_SIZE earth{};      ///< of the Earth files and of the radar DEM, when wanted
+};
 
-/// Fills state.earth_output; the Earth coordinate files and the radar DEM share it.
-/// @throws ERROR_ALGORITHM when the extension is not enough, or the grid does not cover the image or the geocoding grid
-void SizeEarthMatrices(SIMULATION_STATE& state);
+/// @param image      the master image
+/// @param simulated  the same plus the extension
+/// @throws ERROR_ALGORITHM when the extension is not enough, or a grid does not cover the image or the geocoding grid
+[[nodiscard]] OUTPUT_SIZES SizeOutputs(const REQUEST& request, const IMAGE_SIZE& image, const IMAGE_SIZE& simulated);
+
+/// Every s-th sample and t-th line, one more than needed to cover the master image. @throws as SizeOutputs
+[[nodiscard]] IMAGE_SIZE SizeShiftMatrices(const REQUEST& request, const IMAGE_SIZE& image,
+                                           const IMAGE_SIZE& simulated);
+/// The Earth coordinate files and the radar DEM share this size. @throws as SizeOutputs
+[[nodiscard]] IMAGE_SIZE SizeEarthMatrices(const REQUEST& request, const IMAGE_SIZE& image,
+                                           const IMAGE_SIZE& simulated);

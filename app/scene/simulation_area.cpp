@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "app/scene/azimuth_margin.h"
-#include "app/scene/image_to_dem.h"
+#include "app/terrain/terrain_bounds.h"
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/logging/logging.h"
 
 namespace {
@@ -14,13 +16,12 @@ namespace {
 constexpr int kTilesAzimuth = 10;
 constexpr int kTilesRange = 10;
 
-void LogCorners(const SIMULATION_STATE& state, const IMAGE_TO_DEM& locate) {
-    const ACQUISITION& master = state.master;
+void LogCorners(const ACQUISITION_SCENE& master, const IMAGE_TO_DEM& locate) {
     const DEM_POSITION corners[] = {
-        locate(master.first_azimuth_time_s, master.first_range_time_s, kLowestTerrain_m),
-        locate(master.azimuth_stop_time_s, master.first_range_time_s, kLowestTerrain_m),
-        locate(master.first_azimuth_time_s, master.range_stop_time_s, kHighestTerrain_m),
-        locate(master.azimuth_stop_time_s, master.range_stop_time_s, kHighestTerrain_m),
+        locate(master.first_azimuth_time_s, master.near_range_time_s, kLowestTerrain_m),
+        locate(master.last_azimuth_time_s, master.near_range_time_s, kLowestTerrain_m),
+        locate(master.first_azimuth_time_s, master.far_range_time_s, kHighestTerrain_m),
+        locate(master.last_azimuth_time_s, master.far_range_time_s, kHighestTerrain_m),
     };
     Log().Message(LOGGING_LEVEL::DEBUG, " - Approximate coordinates of master in dem");
     int number = 0;
@@ -34,26 +35,25 @@ double Step(double first, double last, int i, int n) {
     return first + (last - first) * i / n;
 }
 
-void BuildTiles(SIMULATION_STATE& state, const IMAGE_TO_DEM& locate) {
-    const ACQUISITION& master = state.master;
-    const AZIMUTH_INTERVAL extended = ExtendedAzimuthInterval(state, locate, kTilesRange);
-    SIMULATION_AREA& area = state.scene.area;
-    area = {};
+/// The tiles cover the image's own times; only the outermost edges in azimuth are moved outward (azimuth_margin.h).
+SIMULATION_AREA BuildTiles(const ACQUISITION_SCENE& master, const IMAGE_TO_DEM& locate) {
+    const AZIMUTH_INTERVAL extended = ExtendedAzimuthInterval(master, locate, kTilesRange);
+    const auto azimuth_s = [&](int i) {
+        return Step(master.first_azimuth_time_s, master.last_azimuth_time_s, i, kTilesAzimuth);
+    };
+    const auto range_s = [&](int j) { return Step(master.near_range_time_s, master.far_range_time_s, j, kTilesRange); };
+    SIMULATION_AREA area;
     for (int i = 0; i < kTilesAzimuth; ++i) {
-        const double upper_s =
-            i == 0 ? extended.first_s : Step(master.first_azimuth_time_s, master.azimuth_stop_time_s, i, kTilesAzimuth);
-        const double lower_s = i + 1 == kTilesAzimuth ? extended.last_s
-                                                      : Step(master.first_azimuth_time_s, master.azimuth_stop_time_s,
-                                                             i + 1, kTilesAzimuth);
+        const double upper_s = i == 0 ? extended.first_s : azimuth_s(i);
+        const double lower_s = i + 1 == kTilesAzimuth ? extended.last_s : azimuth_s(i + 1);
         for (int j = 0; j < kTilesRange; ++j) {
-            const double near_s = Step(master.first_range_time_s, master.range_stop_time_s, j, kTilesRange);
-            const double far_s = Step(master.first_range_time_s, master.range_stop_time_s, j + 1, kTilesRange);
-            area.q1.push_back(locate(upper_s, near_s, kLowestTerrain_m).grid);
-            area.q2.push_back(locate(lower_s, near_s, kLowestTerrain_m).grid);
-            area.q3.push_back(locate(upper_s, far_s, kHighestTerrain_m).grid);
-            area.q4.push_back(locate(lower_s, far_s, kHighestTerrain_m).grid);
+            area.q1.push_back(locate(upper_s, range_s(j), kLowestTerrain_m).grid);
+            area.q2.push_back(locate(lower_s, range_s(j), kLowestTerrain_m).grid);
+            area.q3.push_back(locate(upper_s, range_s(j + 1), kHighestTerrain_m).grid);
+            area.q4.push_back(locate(lower_s, range_s(j + 1), kHighestTerrain_m).grid);
         }
     }
+    return area;
 }
 
 void LogAreaCorners(const SIMULATION_AREA& area) {
@@ -82,41 +82,39 @@ class CLAMPED_SPAN {
     double largest_ = std::numeric_limits<double>::lowest();
 };
 
-void SetSimulatedRange(SCENE& scene) {
+DEM_RANGE SimulatedRange(const SIMULATION_AREA& area, const DEM_GRID& dem) {
     CLAMPED_SPAN columns;
     CLAMPED_SPAN rows;
-    for (const auto* list : {&scene.area.q1, &scene.area.q2, &scene.area.q3, &scene.area.q4}) {
+    for (const auto* list : {&area.q1, &area.q2, &area.q3, &area.q4}) {
         for (const POINT<double>& point : *list) {
             columns.Add(point.x);
             rows.Add(point.y);
         }
     }
-    scene.simulated = {rows.First(scene.dem.rows), rows.Last(scene.dem.rows), columns.First(scene.dem.columns),
-                       columns.Last(scene.dem.columns)};
+    const DEM_RANGE range{rows.First(dem.rows), rows.Last(dem.rows), columns.First(dem.columns),
+                          columns.Last(dem.columns)};
     Log().Message(LOGGING_LEVEL::DEBUG, " - Corners in DEM for evaluation");
-    Log().Message(LOGGING_LEVEL::DEBUG, "   x: %i -> %i", scene.simulated.first_column, scene.simulated.last_column);
-    Log().Message(LOGGING_LEVEL::DEBUG, "   y: %i -> %i", scene.simulated.first_row, scene.simulated.last_row);
-}
-
-void RequireCommonCells(const SIMULATION_STATE& state) {
-    const DEM_RANGE& simulated = state.scene.simulated;
-    if (simulated.first_row < simulated.last_row && simulated.first_column < simulated.last_column) return;
-    const POINT<double>& corner = state.scene.area.q1.front();
-    Log().Message(LOGGING_LEVEL::ALARM,
-                  "the DEM %s (%d columns, %d rows) does not cover the master scene: "
-                  "its first line at near range lies at column %.1f, row %.1f (edges in %s)",
-                  state.configuration.dem_file.c_str(), state.scene.dem.columns, state.scene.dem.rows, corner.x,
-                  corner.y, state.configuration.dem_pool.c_str());
-    throw ERROR_PARAMETER();
+    Log().Message(LOGGING_LEVEL::DEBUG, "   x: %i -> %i", range.first_column, range.last_column);
+    Log().Message(LOGGING_LEVEL::DEBUG, "   y: %i -> %i", range.first_row, range.last_row);
+    return range;
 }
 
 }  // namespace
 
-void LocateSimulationArea(SIMULATION_STATE& state) {
-    const IMAGE_TO_DEM locate(state);
-    LogCorners(state, locate);
-    BuildTiles(state, locate);
-    LogAreaCorners(state.scene.area);
-    SetSimulatedRange(state.scene);
-    RequireCommonCells(state);
+SCENE_IN_DEM LocateSimulationArea(const ACQUISITION_SCENE& master, const IMAGE_TO_DEM& locate, const DEM_GRID& dem) {
+    LogCorners(master, locate);
+    SIMULATION_AREA area = BuildTiles(master, locate);
+    LogAreaCorners(area);
+    const DEM_RANGE simulated = SimulatedRange(area, dem);
+    return {std::move(area), simulated};
+}
+
+void RequireCommonCells(const SCENE_IN_DEM& place, const DEM_GRID& dem, const TERRAIN_REQUEST& request) {
+    const DEM_RANGE& simulated = place.simulated;
+    if (simulated.first_row < simulated.last_row && simulated.first_column < simulated.last_column) return;
+    const POINT<double>& corner = place.area.q1.front();
+    LogAndThrow<ERROR_PARAMETER>(
+        "the DEM %s (%d columns, %d rows) does not cover the master scene: "
+        "its first line at near range lies at column %.1f, row %.1f (edges in %s)",
+        request.dem_file.Text(), dem.columns, dem.rows, corner.x, corner.y, request.dem_pool.Text());
 }

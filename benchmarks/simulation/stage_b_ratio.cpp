@@ -13,13 +13,12 @@
 #include <map>
 #include <vector>
 
-#include "app/keys/configuration_keys.h"
-#include "app/phase_simulation.h"
-#include "app/pools_and_area.h"
-#include "app/request/run_configuration.h"
+#include "app/keys/control_key.h"
+#include "app/simulation_state.h"
 #include "lib/baselib/controller/controller_ifc.h"
 #include "lib/baselib/logging/logging.h"
 #include "lib/baselib/vectors/vector_level.h"
+#include "simulation/dem2phase.h"
 #include "tests/plain_kernel/plain_kernel.h"
 
 namespace {
@@ -59,16 +58,12 @@ void ClearMask(const MASTER_GRIDS& image) {
 int main(int argc, char** argv) {
     Log().SetScreenThreshold(static_cast<int>(LOGGING_LEVEL::ALARM));
     CONTROLLER_IFC controller;
-    controller.SetKnownKeys(ConfigurationKeyNames());
+    controller.SetKnownKeys(ControlKeyNames());
     controller.init(argc, argv, false);
-    SIMULATION_STATE state;
-    PARAMETER_POOL master_pool, slave_pool;
-    PARAMETER_POOL_READ_WRITE_CHANGE insar_pool;
-    LOG_POOL log_pool;
-    ReadConfiguration(state, controller, master_pool, slave_pool, insar_pool, log_pool);
-    ReadPoolsAndArea(state, master_pool, slave_pool, insar_pool);
+    RUN_POOLS pools;
+    const SIMULATION_STATE state(ReadRequest(controller, pools), pools);
 
-    const COST fresh = CostOf([&] { SimulatePhase(state); });
+    const COST fresh = CostOf([&] { SimulateScene(state.scene); });
     std::map<VECTOR_LEVEL, COST> best;
     constexpr int kRounds = 5;
     for (int round = 0; round < kRounds; ++round) {
@@ -76,7 +71,7 @@ int main(int argc, char** argv) {
             if (!MachineHas(level)) continue;
             setenv("VELMORA_VECTORS", TextOf(level), 1);
             ClearMask(state.scene.image);
-            best[level] = Better(best[level], CostOf([&] { SimulatePhase(state); }));
+            best[level] = Better(best[level], CostOf([&] { SimulateScene(state.scene); }));
         }
     }
     const COST& program = best.rbegin()->second;

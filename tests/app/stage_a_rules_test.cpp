@@ -7,10 +7,14 @@
 #include "app/acquisition/observation_mode.h"
 #include "app/request/area_extension.h"
 #include "app/scene/output_sizes.h"
-#include "app/terrain/dem_valid_range.h"
+#include "app/terrain/valid_heights.h"
 #include "lib/baselib/errors/error_exception.h"
 
 namespace {
+
+SOURCED_TEXT Given(const char* text) {
+    return {{"configuration", "KEY"}, text};
+}
 
 struct EXTENSION_CASE {
     const char* name;
@@ -25,7 +29,6 @@ struct EXTENSION_CASE {
 TEST(AreaExtension, IsMaximumOfShiftAndEarthOrSumWithGeocoding) {
     const EXTENSION_CASE cases[] = {
         {"all 1", {1, 1}, {1, 1}, {1, 1}, false, 0, 0},
-        {"all 0 mean 1", {0, 0}, {0, 0}, {0, 0}, false, 0, 0},
         {"maxima; a factor of 1 counts as 0", {2, 3}, {4, 1}, {1, 1}, true, 4, 3},
         {"sum with geocoding in one direction only", {2, 3}, {4, 1}, {2, 1}, true, 8, 3},
         {"geocoding alone", {1, 1}, {1, 1}, {3, 1}, true, 3, 0},
@@ -33,20 +36,12 @@ TEST(AreaExtension, IsMaximumOfShiftAndEarthOrSumWithGeocoding) {
     };
     for (const EXTENSION_CASE& c : cases) {
         SCOPED_TRACE(c.name);
-        RUN_CONFIGURATION configuration;
-        configuration.shift = c.shift;
-        configuration.earth = c.earth;
-        configuration.geocoding = c.geocoding;
-        ComputeAreaExtension(configuration);
-        EXPECT_EQ(configuration.area_extended, c.extended);
-        EXPECT_EQ(configuration.extension_x, c.x);
-        EXPECT_EQ(configuration.extension_y, c.y);
-        EXPECT_GE(configuration.shift.x * configuration.earth.y * configuration.geocoding.x, 1);
+        const AREA_EXTENSION extension = ExtensionOf({c.shift, c.earth, c.geocoding});
+        EXPECT_EQ(extension.extended, c.extended);
+        EXPECT_EQ(extension.x, c.x);
+        EXPECT_EQ(extension.y, c.y);
     }
-    RUN_CONFIGURATION huge;
-    huge.shift = {2147483647, 1};
-    huge.geocoding = {2, 1};
-    EXPECT_THROW(ComputeAreaExtension(huge), ERROR_PARAMETER);
+    EXPECT_THROW(static_cast<void>(ExtensionOf({{2147483647, 1}, {1, 1}, {2, 1}})), ERROR_PARAMETER);
 }
 
 TEST(DemValidRange, KeepsItsParsingRulesAndRefusesTheRest) {
@@ -64,93 +59,65 @@ TEST(DemValidRange, KeepsItsParsingRulesAndRefusesTheRest) {
     };
     for (const CASE& c : cases) {
         SCOPED_TRACE(c.text);
-        const DEM_VALID_RANGE range = ParseDemValidRange(c.text);
+        const VALID_HEIGHTS range = ParseValidHeights(Given(c.text));
         EXPECT_EQ(range.minimum_m, c.minimum_m);
         EXPECT_EQ(range.maximum_m, c.maximum_m);
     }
     for (const char* text : {"0;5000", "a", "0..1e3", "1E400..2", "0..1E39", "1 .. 2"}) {
         SCOPED_TRACE(text);
-        EXPECT_THROW(ParseDemValidRange(text), ERROR_ARGUMENT);
+        EXPECT_THROW(static_cast<void>(ParseValidHeights(Given(text))), ERROR_ARGUMENT);
     }
 }
 
 TEST(ObservationMode, IsExactAndCaseSensitive) {
-    EXPECT_EQ(ObservationModeOf("single_pass").identifier, 1);
-    EXPECT_EQ(ObservationModeOf("dual_pass").factor, 2.0);
-    EXPECT_THROW(ObservationModeOf("Dual_pass"), ERROR_ARGUMENT);
+    EXPECT_EQ(ObservationModeOf(Given("single_pass")).identifier, 1);
+    EXPECT_EQ(ObservationModeOf(Given("dual_pass")).factor, 2.0);
+    EXPECT_THROW(static_cast<void>(ObservationModeOf(Given("Dual_pass"))), ERROR_ARGUMENT);
 }
 
-/// A state with image size, factors and the extension that follows from them.
-void Prepare(SIMULATION_STATE& state, IMAGE_SIZE image, SUBSAMPLING shift, SUBSAMPLING earth, SUBSAMPLING geocoding) {
-    state.image = image;
-    state.configuration.shift = shift;
-    state.configuration.earth = earth;
-    state.configuration.geocoding = geocoding;
-    ComputeAreaExtension(state.configuration);
-    state.simulation = {image.samples + state.configuration.extension_x, image.lines + state.configuration.extension_y};
+/// No size: the run must stop.
+constexpr IMAGE_SIZE kRefused{0, 0};
+
+IMAGE_SIZE SizeOf(IMAGE_SIZE (*size)(const REQUEST&, const IMAGE_SIZE&, const IMAGE_SIZE&), const REQUEST& request,
+                  IMAGE_SIZE image) {
+    try {
+        return size(request, image, {image.samples + request.extension.x, image.lines + request.extension.y});
+    } catch (const ERROR_ALGORITHM&) {
+        return kRefused;
+    }
 }
 
-TEST(OutputSizes, OfShiftMatrices) {
-    SIMULATION_STATE state;
-    Prepare(state, {996, 796}, {4, 4}, {1, 1}, {1, 1});
-    SizeShiftMatrices(state);  // ceil(996 / 4) + 1, ceil(796 / 4) + 1
-    EXPECT_EQ(state.shift_output.samples, 250);
-    EXPECT_EQ(state.shift_output.lines, 200);
-
-    Prepare(state, {1000, 801}, {3, 2}, {1, 1}, {1, 1});
-    SizeShiftMatrices(state);
-    EXPECT_EQ(state.shift_output.samples, 335);
-    EXPECT_EQ(state.shift_output.lines, 402);
-
-    Prepare(state, {50, 40}, {1, 1}, {1, 1}, {1, 1});
-    SizeShiftMatrices(state);
-    EXPECT_EQ(state.shift_output.samples, 50);
-    EXPECT_EQ(state.shift_output.lines, 40);
-}
-
-TEST(OutputSizes, OfEarthMatrices) {
-    SIMULATION_STATE state;
-    Prepare(state, {100, 81}, {1, 1}, {3, 2}, {1, 1});
-    SizeEarthMatrices(state);  // ceil(100 / 3) + 1, ceil(81 / 2) + 1
-    EXPECT_EQ(state.earth_output.samples, 35);
-    EXPECT_EQ(state.earth_output.lines, 42);
-
-    Prepare(state, {1100, 460}, {3, 3}, {4, 4}, {2, 2});  // extension 9: (1109 - 1) / 4 + 1, (469 - 1) / 4 + 1
-    SizeEarthMatrices(state);
-    EXPECT_EQ(state.earth_output.samples, 278);
-    EXPECT_EQ(state.earth_output.lines, 118);
-}
-
-TEST(OutputSizes, FailWhereTheExtensionOfADirectionIsNotEnough) {
+TEST(OutputSizes, CoverTheImageOrAreRefused) {
     struct CASE {
         const char* name;
-        SUBSAMPLING shift;
-        SUBSAMPLING earth;
-        SUBSAMPLING geocoding;
-        bool shift_fails;
-        bool earth_fails;
+        IMAGE_SIZE image;
+        SUBSAMPLING_FACTORS factors;  // shift, earth, geocoding
+        IMAGE_SIZE shift;
+        IMAGE_SIZE earth;
     };
     const CASE cases[] = {
-        {"shift: no extension in azimuth", {4, 1}, {1, 1}, {1, 1}, true, true},
-        {"earth: no extension in range", {1, 1}, {1, 4}, {1, 1}, true, true},
-        {"both directions", {4, 2}, {3, 3}, {1, 1}, false, false},
-        {"geocoding grid alone: one line short of its last node", {1, 1}, {1, 1}, {2, 2}, false, false},
-        {"geocoding in range only: lines not covered", {1, 1}, {1, 1}, {5, 1}, true, true},
+        {"no factor", {50, 40}, {{1, 1}, {1, 1}, {1, 1}}, {50, 40}, {50, 40}},
+        {"ceil(996 / 4) + 1, ceil(796 / 4) + 1", {996, 796}, {{4, 4}, {1, 1}, {1, 1}}, {250, 200}, {997, 797}},
+        {"unequal factors", {1000, 801}, {{3, 2}, {1, 1}, {1, 1}}, {335, 402}, {1001, 802}},
+        {"ceil(100 / 3) + 1, ceil(81 / 2) + 1", {100, 81}, {{1, 1}, {3, 2}, {1, 1}}, {101, 82}, {35, 42}},
+        {"geocoding: (1109 - 1) / 4 + 1, (469 - 1) / 4 + 1",
+         {1100, 460},
+         {{3, 3}, {4, 4}, {2, 2}},
+         {368, 155},
+         {278, 118}},
+        {"shift: no extension in azimuth", {100, 80}, {{4, 1}, {1, 1}, {1, 1}}, kRefused, kRefused},
+        {"earth: no extension in range", {100, 80}, {{1, 1}, {1, 4}, {1, 1}}, kRefused, kRefused},
+        {"both directions", {100, 80}, {{4, 2}, {3, 3}, {1, 1}}, {26, 41}, {35, 28}},
+        {"geocoding grid alone", {100, 80}, {{1, 1}, {1, 1}, {2, 2}}, {101, 81}, {102, 82}},
+        {"geocoding in range only: lines not covered", {100, 80}, {{1, 1}, {1, 1}, {5, 1}}, kRefused, kRefused},
     };
     for (const CASE& c : cases) {
         SCOPED_TRACE(c.name);
-        SIMULATION_STATE state;
-        Prepare(state, {100, 80}, c.shift, c.earth, c.geocoding);
-        if (c.shift_fails) {
-            EXPECT_THROW(SizeShiftMatrices(state), ERROR_ALGORITHM);
-        } else {
-            EXPECT_NO_THROW(SizeShiftMatrices(state));
-        }
-        if (c.earth_fails) {
-            EXPECT_THROW(SizeEarthMatrices(state), ERROR_ALGORITHM);
-        } else {
-            EXPECT_NO_THROW(SizeEarthMatrices(state));
-        }
+        REQUEST request;
+        request.factors = c.factors;
+        request.extension = ExtensionOf(c.factors);
+        EXPECT_EQ(SizeOf(SizeShiftMatrices, request, c.image), c.shift);
+        EXPECT_EQ(SizeOf(SizeEarthMatrices, request, c.image), c.earth);
     }
 }
 

@@ -2,6 +2,8 @@
 
 #include <array>
 #include <cstdio>
+#include <iomanip>
+#include <sstream>
 
 std::string Printable(std::string_view text) {
     std::string shown;
@@ -38,12 +40,12 @@ std::string ExecutionTimeText(long long duration_s) {
     return text;
 }
 
-std::string LocalTimeText(std::time_t seconds_since_epoch) {
+std::string LocalTimeText(std::time_t seconds_since_epoch, const char* format) {
     std::tm local = {};
     localtime_r(&seconds_since_epoch, &local);
-    char text[64] = "";
-    std::strftime(text, sizeof text, "%a %b %e %H:%M:%S %Y", &local);
-    return text;
+    std::ostringstream text;
+    text << std::put_time(&local, format);
+    return text.str();
 }
 
 int LevelFromName(std::string_view name) {

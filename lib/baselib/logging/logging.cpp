@@ -127,13 +127,17 @@ void LOGGING::OpenTemporaryFile() {
 }
 
 void LOGGING::Message(LOGGING_LEVEL level, const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    MessageOf(level, format, arguments);
+    va_end(arguments);
+}
+
+void LOGGING::MessageOf(LOGGING_LEVEL level, const char* format, std::va_list arguments) {
     if (level > LOGGING_LEVEL::ALARM)
         throw "LOGGING::Message: logging not allowed in level NO_MESSAGE. "
               "This level is only provided to totally turn off screen logging.";
-    std::va_list arguments;
-    va_start(arguments, format);
     const std::string text = Printable(Formatted(format, arguments));
-    va_end(arguments);
     const std::lock_guard lock(mutex_);
     WriteLine(level, text);
 }

@@ -19,6 +19,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstdarg>
 #include <ctime>
 #include <deque>
 #include <mutex>
@@ -57,6 +58,9 @@ class LOGGING {
     /// One whole line in printf style.
     /// @throws const char* for a level above ALARM
     void Message(LOGGING_LEVEL level, const char* format, ...) __attribute__((format(printf, 3, 4)));
+    /// The same for a caller that has a variable list of its own.
+    void MessageOf(LOGGING_LEVEL level, const char* format, std::va_list arguments)
+        __attribute__((format(printf, 3, 0)));
 
     /// Begins a line of the stream form: tag and prefix.
     /// @throws const char* for a level above ALARM

@@ -14,6 +14,16 @@ void SAR_ENUM::FromText(const std::string& text) {
     AssignText(text, true);  // no text matches: fails with the value and the valid ones
 }
 
+void SAR_ENUM::FromFirstList(const std::string& text) {
+    AssignId(FirstId(), true);
+    int previous = FirstId();
+    for (const ALTERNATIVE_TEXT& alternative : Table().alternative_texts) {
+        if (alternative.id <= previous) return;  // each list names the enumerators in their order
+        if (text == alternative.text) return AssignId(alternative.id, true);
+        previous = alternative.id;
+    }
+}
+
 void SAR_ENUM::ReadFromParameterPool(PARAMETER_POOL& pool) {
     const auto text = pool.Get<std::string>(Table().pool_key);
     try {

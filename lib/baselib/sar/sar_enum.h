@@ -35,6 +35,9 @@ class SAR_ENUM : public BASIC::TYPES::ENUM_BASE {
     /// the alternative ones.
     /// @throws BASIC::TYPES::ERROR_ENUM_BASE_INVALID_VALUE
     void FromText(const std::string& text);
+    /// The enumerator that the first list of alternative texts names so, "not set" when none: for pools that hold the
+    /// words of one producer only.
+    void FromFirstList(const std::string& text);
     /// The enumerator whose text the pool holds under the pool key. @throws as PARAMETER_POOL::Get and FromText
     void ReadFromParameterPool(PARAMETER_POOL& pool);
 

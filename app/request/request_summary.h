@@ -1,9 +1,9 @@
-/// \file configuration_summary.h
+/// \file request_summary.h
 /// The summary of the run's configuration in the log.
 
 #pragma once
 
-#include "app/simulation_state.h"
+#include "app/request/request.h"
 
 /// @throws std::out_of_range when the observation mode is empty, just before its line
-void LogConfigurationSummary(const RUN_CONFIGURATION& configuration);
+void LogRequestSummary(const REQUEST& request);

@@ -1,0 +1,12 @@
+/// \file look_direction.h
+/// The side on which the antenna looks.
+
+#pragma once
+
+#include "lib/baselib/pool/parameter_pool.h"
+
+/// Of the words of SAR::AntennaLookDirection the acquisitions' pools hold those of its first list, and only "right" and
+/// "left" can be simulated; capitals and the enumeration's other texts are refused.
+/// @return +1 right, -1 left
+/// @throws the pool errors; std::out_of_range for an empty text; ERROR_PARAMETER for any other
+[[nodiscard]] double ReadLookSign(PARAMETER_POOL& slave_pool);

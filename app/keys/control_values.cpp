@@ -1,0 +1,23 @@
+#include "app/keys/control_values.h"
+
+namespace {
+
+VALUE_SOURCE SourceOf(const CONTROL_KEY& key) {
+    return {"configuration", key.row.name};
+}
+
+}  // namespace
+
+bool IsGiven(CONTROLLER_IFC& controller, CONTROL_KEY key) {
+    return controller.parameter_exists(key.row.name);
+}
+
+SOURCED_TEXT RequiredText(CONTROLLER_IFC& controller, CONTROL_KEY key) {
+    return {SourceOf(key), controller.get_parameter(key.row.name)};
+}
+
+std::optional<SOURCED_TEXT> OptionalText(CONTROLLER_IFC& controller, CONTROL_KEY key) {
+    SOURCED_TEXT value{SourceOf(key)};
+    if (!controller.get_optional_parameter(key.row.name, value.text)) return std::nullopt;
+    return value;
+}

@@ -1,0 +1,127 @@
+#include "app/request/request.h"
+
+#include "app/keys/pool_values.h"
+#include "app/request/request_summary.h"
+#include "app/request/subsampling_factors.h"
+#include "app/say.h"
+#include "lib/baselib/containers/string.h"
+#include "lib/baselib/logging/logging.h"
+
+namespace {
+
+PHASE_REQUEST ReadPhaseKeys(CONTROLLER_IFC& controller) {
+    const std::optional<SOURCED_TEXT> file = OptionalText(controller, "SIMU_PHASE");
+    if (!file) return {};
+    return {*file, OptionalText(controller, "IFGRM_INVALID").value_or(SOURCED_TEXT{})};
+}
+
+INPUT_FILES ReadPoolPaths(CONTROLLER_IFC& controller) {
+    // An initialiser list is evaluated from left to right: the keys are looked up in this order.
+    return {RequiredText(controller, "MASTER_POOL"), RequiredText(controller, "SLAVE_POOL"),
+            RequiredText(controller, "INSAR_POOL"), RequiredText(controller, "log_pp")};
+}
+
+void OpenPools(RUN_POOLS& pools, const INPUT_FILES& files) {
+    if (files.log_pool.text != files.insar_pool.text)
+        pools.own_log = std::make_unique<PARAMETER_POOL_READ_WRITE_CHANGE>(files.log_pool.text);
+    pools.master.Open(files.master_pool.text);
+    pools.slave.Open(files.slave_pool.text);
+    pools.insar.Open(files.insar_pool.text);
+}
+
+TERRAIN_REQUEST ReadTerrainKeys(CONTROLLER_IFC& controller) {
+    return {RequiredText(controller, "DEM_POOL"), RequiredText(controller, "DEM"),
+            OptionalText(controller, "DEM_VALID").value_or(SOURCED_TEXT{}),
+            RequiredText(controller, "RANGE_TIME_SHIFT")};
+}
+
+SOURCED_TEXT ReadObservationMode(CONTROLLER_IFC& controller, PARAMETER_POOL_READ_WRITE_CHANGE& insar_pool) {
+    constexpr POOL_KEY<STRING> kPoolKey = "observation_mode";
+    if (!IsGiven(controller, "OBSERVATION_MODE"))
+        return {SourceOf(insar_pool, kPoolKey), Read<STRING>(insar_pool, kPoolKey).ToStd()};
+    Log().Message(LOGGING_LEVEL::WARNING, " - Observation mode forced by PCF -> Read value from PCF, not from pool ");
+    const SOURCED_TEXT mode = RequiredText(controller, "OBSERVATION_MODE");
+    insar_pool.Change(kPoolKey.row.name, STRING(mode.text));
+    return mode;
+}
+
+bool ReadParameterMode(CONTROLLER_IFC& controller) {
+    const bool permanent_scatterer = IsGiven(controller, "PS_INSAR_MODE");
+    Say("%s", permanent_scatterer ? " - Parameter mode: permanent scatterer" : " - Parameter mode: std. InSAR");
+    return permanent_scatterer;
+}
+
+SHIFT_REQUEST ReadShiftKeys(CONTROLLER_IFC& controller) {
+    SHIFT_REQUEST shifts;
+    shifts.asked = IsGiven(controller, "RG_COREG") || IsGiven(controller, "AZ_COREG");
+    if (shifts.asked) {
+        shifts.range_file = RequiredText(controller, "RG_COREG");
+        shifts.azimuth_file = RequiredText(controller, "AZ_COREG");
+    }
+    shifts.relative = IsGiven(controller, "WRITE_SHIFTS");
+    Say("%s", shifts.relative ? " - Mapping matrices represent relative shifts"
+                              : " - Mapping matrices represent absolute positions");
+    return shifts;
+}
+
+EARTH_REQUEST ReadEarthKeys(CONTROLLER_IFC& controller) {
+    EARTH_REQUEST earth;
+    if (IsGiven(controller, "X_EARTH") || IsGiven(controller, "Y_EARTH") || IsGiven(controller, "Z_EARTH")) {
+        earth.x_file = RequiredText(controller, "X_EARTH");
+        earth.y_file = RequiredText(controller, "Y_EARTH");
+        earth.z_file = RequiredText(controller, "Z_EARTH");
+    }
+    earth.height_file = OptionalText(controller, "H_EARTH").value_or(SOURCED_TEXT{});
+    return earth;
+}
+
+/// What is forced takes effect in the InSAR pool at once, before anything else reads it.
+REQUEST ReadKeys(CONTROLLER_IFC& controller, RUN_POOLS& pools) {
+    REQUEST request;
+    request.control_file = controller.get_configuration_file_name();
+    request.phase = ReadPhaseKeys(controller);
+    request.pools = ReadPoolPaths(controller);
+    OpenPools(pools, request.pools);
+    request.terrain = ReadTerrainKeys(controller);
+    request.observation_mode = ReadObservationMode(controller, pools.insar);
+    request.looks_range = RequiredText(controller, "LOOKS_RG");
+    request.looks_azimuth = RequiredText(controller, "LOOKS_AZ");
+    request.permanent_scatterer = ReadParameterMode(controller);
+    request.shifts = ReadShiftKeys(controller);
+    request.factors.shift = ReadShiftSubsampling(request.shifts.asked, controller, pools.insar);
+    request.earth = ReadEarthKeys(controller);
+    request.factors.earth = ReadEarthSubsampling(controller, pools.insar);
+    request.factors.geocoding = ReadGeocodingSubsampling(pools.insar);
+    request.extension = ExtensionOf(request.factors);
+    return request;
+}
+
+std::vector<SOURCED_TEXT> GivenOnes(std::initializer_list<SOURCED_TEXT> files) {
+    std::vector<SOURCED_TEXT> given;
+    for (const SOURCED_TEXT& file : files)
+        if (file.Given()) given.push_back(file);
+    return given;
+}
+
+}  // namespace
+
+std::vector<SOURCED_TEXT> REQUEST::ProductFiles() const {
+    return GivenOnes({phase.file, shifts.range_file, shifts.azimuth_file, earth.x_file, earth.y_file, earth.z_file,
+                      earth.height_file});
+}
+
+std::vector<SOURCED_TEXT> REQUEST::OtherFiles() const {
+    constexpr CONTROL_KEY kControlFile = "pcf";
+    constexpr CONTROL_KEY kLogFile = "lfn";
+    return GivenOnes({pools.master_pool, pools.slave_pool, pools.insar_pool, pools.log_pool, terrain.dem_pool,
+                      terrain.dem_file, SOURCED_TEXT{{"configuration", kControlFile.row.name}, control_file},
+                      SOURCED_TEXT{{"configuration", kLogFile.row.name}, Log().LogFileName()}});
+}
+
+REQUEST ReadRequest(CONTROLLER_IFC& controller, RUN_POOLS& pools) {
+    Log().Message(LOGGING_LEVEL::TRACE, "reading configuration ..");
+    REQUEST request = ReadKeys(controller, pools);
+    LogRequestSummary(request);
+    controller.WarnAboutMistypedKeys();
+    return request;
+}

@@ -1,0 +1,36 @@
+#include "app/simulation_state.h"
+
+#include "app/request/product_paths.h"
+#include "app/scene/kernel_scene.h"
+
+namespace {
+
+SCENE_IN_DEM Locate(const REQUEST& request, const ACQUISITIONS& acquisitions, const ACQUISITION_SCENE& master,
+                    const DEM_GRID& dem) {
+    SCENE_IN_DEM place = LocateSimulationArea(master, IMAGE_TO_DEM(acquisitions, dem), dem);
+    RequireCommonCells(place, dem, request.terrain);
+    return place;
+}
+
+RESULT_IMAGES MakeImages(const REQUEST& request, const OUTPUT_SIZES& sizes, float initial_phase) {
+    CheckProductPaths(request);
+    return AllocateResultImages(request, sizes, initial_phase);
+}
+
+}  // namespace
+
+SIMULATION_STATE::SIMULATION_STATE(const REQUEST& what_was_asked, RUN_POOLS& pools)
+    : request(what_was_asked),
+      acquisitions(ReadAcquisitions(request, pools)),
+      simulated(SimulatedSize(request, acquisitions)),
+      dem_pool(OpenDemPool(request)),
+      own_axes(CorrectedPair(request, acquisitions, simulated)),
+      terrain(ReadTerrain(request, dem_pool)),
+      pair(OnCommonAxis(own_axes, acquisitions)),
+      place(Locate(request, acquisitions, pair.master, terrain.grid)),
+      valid_heights(ReadValidHeights(request.terrain.valid_heights)),
+      initial_phase(ReadInitialPhase(request)),
+      survey(SurveyDem(terrain.grid, place.simulated, valid_heights, request.terrain.dem_file.text)),
+      sizes(SizeOutputs(request, acquisitions.image, simulated)),
+      images(MakeImages(request, sizes, initial_phase)),
+      scene(MakeKernelScene(request, acquisitions, pair, terrain, place, images)) {}

@@ -1,0 +1,129 @@
+#include "app/terrain/terrain.h"
+
+#include <strings.h>
+
+#include <limits>
+#include <string>
+#include <utility>
+
+#include "app/keys/pool_values.h"
+#include "app/say.h"
+#include "app/terrain/dem_datum.h"
+#include "geometry/utm_projection.h"
+#include "lib/baselib/containers/string.h"
+#include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/log_and_throw.h"
+
+namespace {
+
+/// The edges of the grid: degrees for "GEO", metres otherwise.
+struct DEM_EDGES {
+    double north = 0.0;
+    double south = 0.0;
+    double west = 0.0;
+    double east = 0.0;
+};
+
+std::string ReadGridFormat(PARAMETER_POOL& pool) {
+    constexpr POOL_KEY<STRING> kKey = "grid_format";
+    const std::string format = Read<STRING>(pool, kKey).ToStd();
+    const VALUE_SOURCE source = SourceOf(pool, kKey);
+    RequireText(source, format, kKey.row.range);
+    Say("        Grid Format: %s ", format.c_str());
+    return format;
+}
+
+/// @param degrees  the grid may cross the 180 degree meridian: its eastern edge then is one turn farther
+double ReadEasternEdge(PARAMETER_POOL& pool, double west, bool degrees) {
+    constexpr double kWholeTurn_deg = 360.0;
+    const double east = Read<double>(pool, "right_easting");
+    if (!degrees) {
+        Say("            Left Easting: %f ", west);
+        Say("            Right Easting: %f ", east);
+        return east;
+    }
+    Say("        Left Easting: %f ", west);
+    if (west <= east) {
+        Say("        Right Easting: %f ", east);
+        return east;
+    }
+    Say("        Right Easting: %f; unwrapped to: %f ", east, east + kWholeTurn_deg);
+    return east + kWholeTurn_deg;
+}
+
+DEM_EDGES ReadEdges(PARAMETER_POOL& pool, bool degrees) {
+    DEM_EDGES edges;
+    edges.north = Read<double>(pool, "upper_northing");
+    edges.south = Read<double>(pool, "lower_northing");
+    Say("        Upper Northing: %f ", edges.north);
+    Say("        Lower Northing: %f ", edges.south);
+    edges.west = Read<double>(pool, "left_easting");
+    edges.east = ReadEasternEdge(pool, edges.west, degrees);
+    return edges;
+}
+
+void CheckEdges(const DEM_EDGES& edges, const PARAMETER_POOL& pool) {
+    if (edges.north <= edges.south)
+        RefuseValue(SourceOf<double>(pool, "upper_northing"), edges.north, "is not above lower_northing");
+    if (edges.east <= edges.west)
+        RefuseValue(SourceOf<double>(pool, "right_easting"), edges.east, "is not above left_easting");
+}
+
+UTM_PROJECTION ReadProjection(const GEODETIC_PARAMETERS& geodetic, PARAMETER_POOL& pool) {
+    constexpr POOL_KEY<STRING> kHemisphere = "utm_hemisphere";
+    const int zone = Read<int>(pool, "utm_zone");
+    const std::string hemisphere = ReadIfPresent<STRING>(pool, kHemisphere).value_or(STRING("N")).ToStd();
+    if (hemisphere != "N" && hemisphere != "S") {
+        LogRefusedText(SourceOf(pool, kHemisphere), hemisphere, kHemisphere.row.range);
+        throw ERROR_PARAMETER();
+    }
+    return UTM_PROJECTION(geodetic.a_m, geodetic.e2, zone, hemisphere == "S");
+}
+
+/// Row 0 of the raster is the northern edge; 16-bit signed heights in metres.
+MEM_MGR MapDem(const std::string& file) {
+    MEM_MGR image;
+    image.MapFileChecked(file, ACCESS_MODE::READ_ONLY, PIXEL_TYPE::INT_16);
+    constexpr long long kMostSamples = std::numeric_limits<int>::max();
+    if (image.Columns() > kMostSamples || image.Rows() > kMostSamples)
+        LogAndThrow<ERROR_IMAGE>("%s: a DEM of %lld columns and %lld rows is too large", file.c_str(), image.Columns(),
+                                 image.Rows());
+    return image;
+}
+
+void Place(DEM_GRID& grid, MEM_MGR& image, const DEM_EDGES& edges) {
+    grid.columns = static_cast<int>(image.Columns());
+    grid.rows = static_cast<int>(image.Rows());
+    grid.heights = ViewOf<short>(image);
+    grid.x0 = edges.west;
+    grid.y0 = edges.north;
+    grid.dx = (edges.east - edges.west) / grid.columns;
+    grid.dy = (edges.north - edges.south) / grid.rows;
+}
+
+}  // namespace
+
+PARAMETER_POOL OpenDemPool(const REQUEST& request) {
+    Say(" - Read map pool: ............ %s", request.terrain.dem_pool.Text());
+    return PARAMETER_POOL(request.terrain.dem_pool.text);
+}
+
+TERRAIN ReadTerrain(const REQUEST& request, PARAMETER_POOL& dem_pool) {
+    TERRAIN terrain;
+    DEM_GRID& grid = terrain.grid;
+    Say(" - Open dem parameter pool: .. %s", request.terrain.dem_pool.Text());
+    grid.height_offset_m = Read<double>(dem_pool, "dem_correction");
+    Say("        Dem Correction: %f ", grid.height_offset_m);
+    grid.kind = ReadGridFormat(dem_pool);
+    const DEM_EDGES edges = ReadEdges(dem_pool, grid.kind == "GEO");
+    CheckEdges(edges, dem_pool);
+    grid.geodetic = ReadGeodeticParameters(dem_pool);
+    if (strcasecmp(grid.kind.c_str(), "UTM") == 0) grid.utm = ReadProjection(grid.geodetic, dem_pool);
+    Say("   a. Map (readonly) dem: .... %s ", request.terrain.dem_file.Text());
+    terrain.image = MapDem(request.terrain.dem_file.text);
+    Place(grid, terrain.image, edges);
+    Say("   b. Dem resolution in x: ... %f", grid.dx);
+    Say("   c. Dem resolution in y: ... %f", grid.dy);
+    Say(" ");
+    return terrain;
+}
