@@ -2,13 +2,16 @@
 
 #include "app/request/product_paths.h"
 #include "app/scene/kernel_scene.h"
+#include "app/scene/scene_meets_dem.h"
 
 namespace {
 
 SCENE_IN_DEM Locate(const REQUEST& request, const ACQUISITIONS& acquisitions, const ACQUISITION_SCENE& master,
                     const DEM_GRID& dem) {
-    SCENE_IN_DEM place = LocateSimulationArea(master, IMAGE_TO_DEM(acquisitions, dem), dem);
-    RequireCommonCells(place, dem, request.terrain);
+    const IMAGE_TO_DEM locate(acquisitions, dem);
+    SCENE_IN_DEM place = LocateSimulationArea(master, locate, dem);
+    SayPlace(place, acquisitions);
+    RequireCommonCells(place, dem, request, CornersOf(master, locate.Mirrored()));
     return place;
 }
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "app/acquisition/look_direction.h"
+#include "app/keys/mistyped_pool_keys.h"
 #include "app/keys/pool_values.h"
 #include "app/say.h"
 #include "lib/baselib/errors/error_exception.h"
@@ -132,8 +133,10 @@ ACQUISITIONS ReadAcquisitions(const REQUEST& request, RUN_POOLS& pools) {
     SayRates(master, "master");
     SayRates(slave, "slave ");
     const AZIMUTH_SHIFT_CORRECTION correction = ReadCorrection(mode, pools.slave);
-    const double look_sign = ReadLookSign(pools.slave);
+    const double look_sign = ReadLookSign(pools.master, pools.slave);
     Say(" ");
     Log().Message(LOGGING_LEVEL::TRACE, "finished reading parameter pools");
+    WarnAboutMistypedKeys(pools.master, kMasterPool);
+    WarnAboutMistypedKeys(pools.slave, kSlavePool);
     return {mode, std::move(master), std::move(slave), image, ellipsoid, correction, look_sign};
 }

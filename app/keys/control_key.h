@@ -85,6 +85,8 @@ inline constexpr CONTROL_KEY_ROW kControlKeys[] = {
     {"lfl", KEY_NEED::STEERING, "level", "", kAnything, "DEBUG", "", "lowest level in the log file"},
     {"lsl", KEY_NEED::STEERING, "level", "", kAnything, "DEBUG", "", "lowest level on the screen"},
     {"PARALLEL", KEY_NEED::ENVIRONMENT, "integer", "", kAnything, "all processors", "", "number of threads"},
+    {"VELMORA_VECTORS", KEY_NEED::ENVIRONMENT, "text", "", OneOf("avx512, avx2 or plain"), "the best of the machine", "",
+     "vector instructions; those that the machine lacks are refused"},
     {"SECONDS_ON_PARAMETER_INPUT", KEY_NEED::ENVIRONMENT, "integer", "s", kAnything, "120", "",
      "time for an answer at the keyboard, 0: no limit"},
     {"PROC_NAME", KEY_NEED::ENVIRONMENT, "text", "", kAnything, "nobody", "",

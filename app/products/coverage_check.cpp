@@ -5,6 +5,8 @@
 #include <cstring>
 
 #include "app/scene/image_to_dem.h"
+#include "app/scene/scene_meets_dem.h"
+#include "app/terrain/terrain_bounds.h"
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/logging/logging.h"
 
@@ -28,7 +30,7 @@ GAP FindGap(const MASTER_GRIDS& image) {
         for (int sample = 0; sample < image.mask.columns; ++sample) {
             if (row[sample] != 0) continue;
             if (gap.count++ == 0) {
-                Log().Message(LOGGING_LEVEL::WARNING, "Error: point has not been simulated rg=%d, az=%d", sample, line);
+                WarnAboutMissingPoint(sample, line);
                 gap = {1, sample, sample, line, line};
             }
             gap.first_sample = std::min(gap.first_sample, sample);
@@ -47,29 +49,23 @@ class PIXEL_IN_DEM {
         const ACQUISITION_SCENE& master = state.scene.master;
         azimuth_s_ = master.first_azimuth_time_s + line / master.prf_hz;
         range_s_ = master.near_range_time_s + sample / master.rsf_hz;
-        lowest_ = locate_(azimuth_s_, range_s_, state.survey.lowest_m).grid;
-        highest_ = locate_(azimuth_s_, range_s_, state.survey.highest_m).grid;
+        lowest_ = Place(std::clamp(state.survey.lowest_m, kLowestTerrain_m, kHighestTerrain_m));
+        highest_ = Place(std::clamp(state.survey.highest_m, kLowestTerrain_m, kHighestTerrain_m));
     }
 
     bool LeavesDem() const { return !IsInDem(lowest_) || !IsInDem(highest_); }
 
     bool CrossesVoid() const {
-        const DEM_GRID& dem = state_.scene.dem;
-        constexpr int kNeighbours = 2;
-        const auto clamped = [](double value, int size) {
-            return static_cast<int>(std::clamp(value, 0.0, size - 1.0));
-        };
-        const int top = clamped(std::min(lowest_.y, highest_.y) - kNeighbours, dem.rows);
-        const int bottom = clamped(std::max(lowest_.y, highest_.y) + kNeighbours, dem.rows);
-        const int left = clamped(std::min(lowest_.x, highest_.x) - kNeighbours, dem.columns);
-        const int right = clamped(std::max(lowest_.x, highest_.x) + kNeighbours, dem.columns);
-        for (int row = top; row <= bottom; ++row) {
-            const short* heights = dem.heights[row];
-            if (std::any_of(heights + left, heights + right + 1,
-                            [this](short height_m) { return state_.valid_heights.Excludes(height_m); }))
-                return true;
-        }
-        return false;
+        return AnySample(lowest_, highest_, [this](short sample_m) { return state_.valid_heights.Excludes(sample_m); });
+    }
+
+    /// The kernel looks at cells whose place lies between those of the lowest and highest terrain that it allows for.
+    bool LeavesHeights() const {
+        const double offset_m = state_.scene.dem.height_offset_m;
+        return AnySample(Place(state_.survey.lowest_m), Place(state_.survey.highest_m), [&](short sample_m) {
+            const double height_m = sample_m + offset_m;
+            return height_m < kLowestTerrain_m || height_m > kHighestTerrain_m;
+        });
     }
 
     bool HasLargeCells() const {
@@ -81,6 +77,25 @@ class PIXEL_IN_DEM {
     }
 
   private:
+    POINT<double> Place(double height_m) const { return locate_(azimuth_s_, range_s_, height_m).grid; }
+
+    /// Whether the test holds for a sample of the box between two places, or for one of its neighbours.
+    template <class TEST>
+    bool AnySample(const POINT<double>& a, const POINT<double>& b, TEST test) const {
+        const DEM_GRID& dem = state_.scene.dem;
+        constexpr int kNeighbours = 2;
+        const auto clamped = [](double value, int size) {
+            return static_cast<int>(std::clamp(value, 0.0, size - 1.0));
+        };
+        const int bottom = clamped(std::max(a.y, b.y) + kNeighbours, dem.rows);
+        const int left = clamped(std::min(a.x, b.x) - kNeighbours, dem.columns);
+        const int right = clamped(std::max(a.x, b.x) + kNeighbours, dem.columns);
+        for (int row = clamped(std::min(a.y, b.y) - kNeighbours, dem.rows); row <= bottom; ++row) {
+            if (std::any_of(dem.heights[row] + left, dem.heights[row] + right + 1, test)) return true;
+        }
+        return false;
+    }
+
     bool IsInDem(const POINT<double>& point) const {
         return point.x >= 0.0 && point.y >= 0.0 && point.x <= state_.scene.dem.columns - 1.0 &&
                point.y <= state_.scene.dem.rows - 1.0;
@@ -98,17 +113,20 @@ const char* Cause(const SIMULATION_STATE& state, const GAP& gap) {
     bool leaves = false;
     bool crosses_void = false;
     bool large_cells = false;
+    bool leaves_heights = false;
     for (const int sample : {gap.first_sample, gap.last_sample}) {
         for (const int line : {gap.first_line, gap.last_line}) {
             const PIXEL_IN_DEM pixel(state, sample, line);
             leaves = leaves || pixel.LeavesDem();
             crosses_void = crosses_void || pixel.CrossesVoid();
             large_cells = large_cells || pixel.HasLargeCells();
+            leaves_heights = leaves_heights || pixel.LeavesHeights();
         }
     }
     if (large_cells) return "the DEM's cells are larger than 1000 samples";
     if (crosses_void) return "a void of the DEM lies there";
     if (leaves) return "the DEM ends there";
+    if (leaves_heights) return "the terrain lies outside -1000 .. 9000 m, the heights that are simulated";
     return "the DEM covers the place; its terrain may be too steep for its cells";
 }
 

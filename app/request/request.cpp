@@ -1,6 +1,8 @@
 #include "app/request/request.h"
 
+#include "app/keys/mistyped_pool_keys.h"
 #include "app/keys/pool_values.h"
+#include "app/request/product_groups.h"
 #include "app/request/request_summary.h"
 #include "app/request/subsampling_factors.h"
 #include "app/say.h"
@@ -12,6 +14,7 @@ namespace {
 PHASE_REQUEST ReadPhaseKeys(CONTROLLER_IFC& controller) {
     const std::optional<SOURCED_TEXT> file = OptionalText(controller, "SIMU_PHASE");
     if (!file) return {};
+    CheckProductGroup({*file});
     return {*file, OptionalText(controller, "IFGRM_INVALID").value_or(SOURCED_TEXT{})};
 }
 
@@ -57,6 +60,7 @@ SHIFT_REQUEST ReadShiftKeys(CONTROLLER_IFC& controller) {
     if (shifts.asked) {
         shifts.range_file = RequiredText(controller, "RG_COREG");
         shifts.azimuth_file = RequiredText(controller, "AZ_COREG");
+        CheckProductGroup({shifts.range_file, shifts.azimuth_file});
     }
     shifts.relative = IsGiven(controller, "WRITE_SHIFTS");
     Say("%s", shifts.relative ? " - Mapping matrices represent relative shifts"
@@ -70,8 +74,12 @@ EARTH_REQUEST ReadEarthKeys(CONTROLLER_IFC& controller) {
         earth.x_file = RequiredText(controller, "X_EARTH");
         earth.y_file = RequiredText(controller, "Y_EARTH");
         earth.z_file = RequiredText(controller, "Z_EARTH");
+        CheckProductGroup({earth.x_file, earth.y_file, earth.z_file});
     }
-    earth.height_file = OptionalText(controller, "H_EARTH").value_or(SOURCED_TEXT{});
+    if (const std::optional<SOURCED_TEXT> height = OptionalText(controller, "H_EARTH")) {
+        earth.height_file = *height;
+        CheckProductGroup({*height});
+    }
     return earth;
 }
 
@@ -122,6 +130,7 @@ REQUEST ReadRequest(CONTROLLER_IFC& controller, RUN_POOLS& pools) {
     Log().Message(LOGGING_LEVEL::TRACE, "reading configuration ..");
     REQUEST request = ReadKeys(controller, pools);
     LogRequestSummary(request);
-    controller.WarnAboutMistypedKeys();
+    controller.ReportUnusedWords();
+    WarnAboutMistypedKeys(pools.insar, kInsarPool);
     return request;
 }

@@ -17,7 +17,15 @@ struct DEM_POSITION {
 class IMAGE_TO_DEM {
   public:
     /// Keeps references to both.
-    IMAGE_TO_DEM(const ACQUISITIONS& acquisitions, const DEM_GRID& dem) : acquisitions_(acquisitions), dem_(dem) {}
+    IMAGE_TO_DEM(const ACQUISITIONS& acquisitions, const DEM_GRID& dem)
+        : acquisitions_(acquisitions), dem_(dem), look_sign_(acquisitions.look_sign) {}
+
+    /// The same with the antenna looking to the other side.
+    [[nodiscard]] IMAGE_TO_DEM Mirrored() const {
+        IMAGE_TO_DEM mirrored = *this;
+        mirrored.look_sign_ = -look_sign_;
+        return mirrored;
+    }
 
     /// @param azimuth_time_s  seconds on the master orbit's axis
     /// @param range_time_s    two-way
@@ -27,4 +35,5 @@ class IMAGE_TO_DEM {
   private:
     const ACQUISITIONS& acquisitions_;
     const DEM_GRID& dem_;
+    double look_sign_;
 };

@@ -7,8 +7,6 @@
 
 #include "app/scene/azimuth_margin.h"
 #include "app/terrain/terrain_bounds.h"
-#include "lib/baselib/errors/error_exception.h"
-#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/logging/logging.h"
 
 namespace {
@@ -16,13 +14,7 @@ namespace {
 constexpr int kTilesAzimuth = 10;
 constexpr int kTilesRange = 10;
 
-void LogCorners(const ACQUISITION_SCENE& master, const IMAGE_TO_DEM& locate) {
-    const DEM_POSITION corners[] = {
-        locate(master.first_azimuth_time_s, master.near_range_time_s, kLowestTerrain_m),
-        locate(master.last_azimuth_time_s, master.near_range_time_s, kLowestTerrain_m),
-        locate(master.first_azimuth_time_s, master.far_range_time_s, kHighestTerrain_m),
-        locate(master.last_azimuth_time_s, master.far_range_time_s, kHighestTerrain_m),
-    };
+void LogCorners(const SCENE_CORNERS& corners) {
     Log().Message(LOGGING_LEVEL::DEBUG, " - Approximate coordinates of master in dem");
     int number = 0;
     for (const DEM_POSITION& corner : corners)
@@ -101,20 +93,18 @@ DEM_RANGE SimulatedRange(const SIMULATION_AREA& area, const DEM_GRID& dem) {
 
 }  // namespace
 
+SCENE_CORNERS CornersOf(const ACQUISITION_SCENE& master, const IMAGE_TO_DEM& locate) {
+    return {locate(master.first_azimuth_time_s, master.near_range_time_s, kLowestTerrain_m),
+            locate(master.last_azimuth_time_s, master.near_range_time_s, kLowestTerrain_m),
+            locate(master.first_azimuth_time_s, master.far_range_time_s, kHighestTerrain_m),
+            locate(master.last_azimuth_time_s, master.far_range_time_s, kHighestTerrain_m)};
+}
+
 SCENE_IN_DEM LocateSimulationArea(const ACQUISITION_SCENE& master, const IMAGE_TO_DEM& locate, const DEM_GRID& dem) {
-    LogCorners(master, locate);
+    const SCENE_CORNERS corners = CornersOf(master, locate);
+    LogCorners(corners);
     SIMULATION_AREA area = BuildTiles(master, locate);
     LogAreaCorners(area);
     const DEM_RANGE simulated = SimulatedRange(area, dem);
-    return {std::move(area), simulated};
-}
-
-void RequireCommonCells(const SCENE_IN_DEM& place, const DEM_GRID& dem, const TERRAIN_REQUEST& request) {
-    const DEM_RANGE& simulated = place.simulated;
-    if (simulated.first_row < simulated.last_row && simulated.first_column < simulated.last_column) return;
-    const POINT<double>& corner = place.area.q1.front();
-    LogAndThrow<ERROR_PARAMETER>(
-        "the DEM %s (%d columns, %d rows) does not cover the master scene: "
-        "its first line at near range lies at column %.1f, row %.1f (edges in %s)",
-        request.dem_file.Text(), dem.columns, dem.rows, corner.x, corner.y, request.dem_pool.Text());
+    return {std::move(area), corners, simulated};
 }

@@ -6,6 +6,7 @@
 #include "app/keys/pool_values.h"
 #include "geometry/ellipsoid_type.h"
 #include "lib/baselib/containers/array.h"
+#include "lib/baselib/logging/logging.h"
 
 namespace {
 
@@ -35,18 +36,24 @@ EllipsoidType<double> ReadEllipsoidType(PARAMETER_POOL& pool) {
 
 DATUM ReadDatum(PARAMETER_POOL& pool) {
     constexpr POOL_KEY<ARRAY<double>> kRotation = "datum_rotation";
+    constexpr POOL_KEY<double> kScale = "datum_scale";
     DATUM datum;
     if (const auto shift = ReadList(pool, "datum_shift", 3)) {
         const double* element = shift->Data();
         datum.shift_m = {element[0], element[1], element[2]};
     }
     const auto rotation = ReadList(pool, kRotation, 9);
-    if (!rotation) return datum;
+    if (!rotation) {
+        if (pool.FindKey(kScale.row.name))
+            Log().Message(LOGGING_LEVEL::WARNING, "%s: key \"%s\" is not used without \"%s\"", pool.FileName().c_str(),
+                          kScale.row.name, kRotation.row.name);
+        return datum;
+    }
     datum.shift_only = false;
     for (int i = 0; i < 9; ++i) datum.rotation[i / 3][i % 3] = rotation->Data()[i];
     if (!IsRotation(datum.rotation, kRotationTolerance))
         RefuseValue(SourceOf(pool, kRotation), "of 9 elements", "is no rotation (orthonormal to 1e-6)");
-    datum.scale = ReadIfPresent<double>(pool, "datum_scale").value_or(datum.scale);
+    datum.scale = ReadIfPresent<double>(pool, kScale).value_or(datum.scale);
     return datum;
 }
 

@@ -1,8 +1,8 @@
 #include "app/terrain/dem_survey.h"
 
 #include <algorithm>
+#include <limits>
 
-#include "app/terrain/terrain_bounds.h"
 #include "geometry/constants.h"
 #include "lib/baselib/logging/logging.h"
 
@@ -21,18 +21,24 @@ void Report(const DEM_SURVEY& survey, const DEM_GRID& dem, const std::string& de
 
 DEM_SURVEY SurveyDem(const DEM_GRID& dem, const DEM_RANGE& simulated, const VALID_HEIGHTS& valid,
                      const std::string& dem_file) {
-    DEM_SURVEY survey{.lowest_m = kHighestTerrain_m, .highest_m = kLowestTerrain_m};
+    DEM_SURVEY survey;
+    short lowest_m = std::numeric_limits<short>::max();
+    short highest_m = std::numeric_limits<short>::min();
     for (int row = simulated.first_row; row <= simulated.last_row; ++row) {
         for (int column = simulated.first_column; column <= simulated.last_column; ++column) {
             const short sample_m = dem.heights[row][column];
-            if (valid.Excludes(sample_m)) {
-                if (survey.excluded++ == 0) std::tie(survey.first_row, survey.first_column) = std::pair(row, column);
-                continue;
+            if (!valid.Excludes(sample_m)) {
+                lowest_m = std::min(lowest_m, sample_m);
+                highest_m = std::max(highest_m, sample_m);
+            } else if (survey.excluded++ == 0) {
+                survey.first_row = row;
+                survey.first_column = column;
             }
-            const double height_m = std::clamp(sample_m + dem.height_offset_m, kLowestTerrain_m, kHighestTerrain_m);
-            survey.lowest_m = std::min(survey.lowest_m, height_m);
-            survey.highest_m = std::max(survey.highest_m, height_m);
         }
+    }
+    if (lowest_m <= highest_m) {
+        survey.lowest_m = lowest_m + dem.height_offset_m;
+        survey.highest_m = highest_m + dem.height_offset_m;
     }
     if (survey.excluded > 0) Report(survey, dem, dem_file);
     return survey;

@@ -12,7 +12,7 @@ struct DEM_SURVEY {
     long long excluded = 0;  ///< samples that can not be heights
     int first_row = 0;       ///< of the first of them
     int first_column = 0;
-    double lowest_m = 0.0;  ///< terrain, offset included, inside the heights that the simulation allows for
+    double lowest_m = 0.0;  ///< terrain, offset included; 0 when every sample is excluded
     double highest_m = 0.0;
 };
 

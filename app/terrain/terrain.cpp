@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "app/keys/mistyped_pool_keys.h"
 #include "app/keys/pool_values.h"
 #include "app/say.h"
 #include "app/terrain/dem_datum.h"
@@ -24,12 +25,18 @@ struct DEM_EDGES {
     double east = 0.0;
 };
 
+bool IsFormat(const std::string& format, const char* name) {
+    return strcasecmp(format.c_str(), name) == 0;
+}
+
 std::string ReadGridFormat(PARAMETER_POOL& pool) {
     constexpr POOL_KEY<STRING> kKey = "grid_format";
     const std::string format = Read<STRING>(pool, kKey).ToStd();
     const VALUE_SOURCE source = SourceOf(pool, kKey);
     RequireText(source, format, kKey.row.range);
     Say("        Grid Format: %s ", format.c_str());
+    // The run ends where the first position is looked up in such a grid, with a line that knows no file and no key.
+    if (!IsFormat(format, "GEO") && !IsFormat(format, "UTM")) LogRefusedText(source, format, kKey.row.range);
     return format;
 }
 
@@ -118,12 +125,13 @@ TERRAIN ReadTerrain(const REQUEST& request, PARAMETER_POOL& dem_pool) {
     const DEM_EDGES edges = ReadEdges(dem_pool, grid.kind == "GEO");
     CheckEdges(edges, dem_pool);
     grid.geodetic = ReadGeodeticParameters(dem_pool);
-    if (strcasecmp(grid.kind.c_str(), "UTM") == 0) grid.utm = ReadProjection(grid.geodetic, dem_pool);
+    if (IsFormat(grid.kind, "UTM")) grid.utm = ReadProjection(grid.geodetic, dem_pool);
     Say("   a. Map (readonly) dem: .... %s ", request.terrain.dem_file.Text());
     terrain.image = MapDem(request.terrain.dem_file.text);
     Place(grid, terrain.image, edges);
     Say("   b. Dem resolution in x: ... %f", grid.dx);
     Say("   c. Dem resolution in y: ... %f", grid.dy);
     Say(" ");
+    WarnAboutMistypedKeys(dem_pool, kDemPool);
     return terrain;
 }

@@ -155,10 +155,13 @@ TEST_F(ControllerTest, WhatCanNotBeRightAtTheEndStopsTheRunAtTheBeginning) {
 
 TEST_F(ControllerTest, MistypedKeysAreToldOnceEach) {
     Write("pcf.prog", "lfn log\nMASTER_POL x\n#LOOKS_RG 1\nFOREIGN_KEY 3\nDEM x\nMASTER_POL z\n");
-    const OUTCOME run = RunController({"-LOOKS_GR", "-dem", "-X", "-1e-6"},
-                                      [](CONTROLLER_IFC& controller) { controller.WarnAboutMistypedKeys(); });
-    EXPECT_THAT(run.log, EndsWith("WARN  : global : unknown parameter LOOKS_GR: is LOOKS_RG meant?\n"
-                                  "WARN  : global : unknown parameter MASTER_POL: is MASTER_POOL meant?\n"));
+    const OUTCOME run = RunController({"-LOOKS_GR", "x", "-X", "-1e-6"},
+                                      [](CONTROLLER_IFC& controller) { controller.ReportUnusedWords(); });
+    EXPECT_THAT(run.log,
+                EndsWith("WARN  : global : unknown parameter LOOKS_GR: is LOOKS_RG meant?\n"
+                         "WARN  : global : argument -X is not used\n"
+                         "WARN  : global : unknown parameter MASTER_POL: is MASTER_POOL meant?\n"
+                         "INFO  : global : keys of pcf.prog that this run did not use: MASTER_POL FOREIGN_KEY DEM\n"));
 }
 
 TEST_F(ControllerTest, TheKeyboardIsAskedLast) {
@@ -178,6 +181,7 @@ TEST_F(ControllerTest, TheKeyboardIsAskedLast) {
     EXPECT_THAT(run.log, HasSubstr("WARN  : global : unknown parameter MASTER_POL: is MASTER_POOL meant?\n"
                                    "WARN  : global : No configuration file or parameter not found!\n"
                                    "WARN  : global : \t  Please input value of parameter : <MASTER_POOL>\n"
+                                   "WARN  : global : \t  (prog --help tells the parameters)\n"
                                    "DEBUG : global : waiting 0 seconds for input\n"
                                    "DEBUG : global : Read from keyboard parameter MASTER_POOL = answer\n"));
 }

@@ -37,6 +37,17 @@ def cut(name, size):
     return lambda folder: os.truncate(folder / name, size)
 
 
+def ps_mode(slave_oversampling):
+    """Each acquisition's own pool tells size, start and oversampling."""
+    def change(folder):
+        edit_control_file(folder, PS_INSAR_MODE="1")
+        for name, oversampling in (("master", "1"), ("slave", slave_oversampling)):
+            with open(folder / (name + ".pool"), "a", encoding="ascii") as file:
+                file.write("n_samples INT_32 60\nn_lines INT_32 50\nfirst_az_time FLT_15 0\nfirst_rg_time FLT_15 0.005\n"
+                           "oversampling FLT_15 %s\n" % oversampling)
+    return change
+
+
 NOT_FOUND = "pool error - key not found"
 BOTH_DIRECTIONS = "factors above 1 are needed in both directions or in none"
 
@@ -48,12 +59,15 @@ CASES = [
     ("wrong type", pool("insar.pool", "n_samples", "n_samples FLT_15 60"),
      ["parameter pool: parameter key >> n_samples << type INT_32 expected", "pool error - wrong parameter type"]),
     ("no number", pool("slave.pool", "prf", "prf FLT_15 fast"), ["prf << read value is : fast", "pool error - "]),
-    ("unknown observation mode", keys(OBSERVATION_MODE="Dual_pass"), ["can not convert >Dual_pass< to observation mode"]),
+    ("unknown observation mode", keys(OBSERVATION_MODE="Dual_pass"), ["can not convert >Dual_pass< to observation mode",
+      'configuration: key "OBSERVATION_MODE": value "Dual_pass" is not single_pass or dual_pass']),
     ("look direction in capitals", pool("slave.pool", "antenna_look_direction", 'antenna_look_direction STR "Right"'),
-     ["Error: Unknown antenna look direction Right"]),
+     ["Error: Unknown antenna look direction Right",
+      'slave.pool: key "antenna_look_direction": value "Right" is not right or left']),
     ("look direction empty", pool("slave.pool", "antenna_look_direction", 'antenna_look_direction STR ""'),
-     ["program aborted due to FATAL ERROR"]),
-    ("unknown grid format", pool("dem.pool", "grid_format", 'grid_format STR "LCC"'), ["LCC"]),
+     ['slave.pool: key "antenna_look_direction": value ""', "program aborted due to FATAL ERROR"]),
+    ("unknown grid format", pool("dem.pool", "grid_format", 'grid_format STR "LCC"'),
+     ['dem.pool: key "grid_format": value "LCC" is not GEO or UTM', "DEM grid must be UTM or GEO : LCC"]),
     ("unknown orbit type", pool("slave.pool", "orbit_representation", 'orbit_representation STR "orbit_pool_utc"'),
      ["GENERAL_ORBIT: can not convert orbit_pool_utc to orbit_type_id"]),
     ("unknown interpolation", pool("slave.pool", "orbit_interpolation", 'orbit_interpolation STR "Hermite_0_8"'),
@@ -73,7 +87,7 @@ CASES = [
      ["shift_matrices_subsampling"]),
     ("ellipsoid without radii", pool("master.pool", "ellipsoid_parameters",
                                      "ellipsoid_parameters FLT_15_V 0 2\n{\n0\n0\n}"), ["ellipsoid_parameters"]),
-    ("range of valid heights", keys(DEM_VALID="0..5000;"), ["can not parse: > 0..5000; < "]),
+    ("range of valid heights", keys(DEM_VALID="0..5000;"), ["can not parse: > 0..5000; < ", 'configuration: key "DEM_VALID": value "0..5000;"']),
     ("range time shift not a number", keys(RANGE_TIME_SHIFT="soon"), ["RANGE_TIME_SHIFT", "soon"]),
     ("no key and nobody at the keyboard", keys(RANGE_TIME_SHIFT=None),
      ["end of input at the keyboard: no value of parameter RANGE_TIME_SHIFT"]),
@@ -94,16 +108,24 @@ CASES = [
     ("DEM header that lies", overwrite("dem.ras", 4, struct.pack(">II", 0x7FFFFFFF, 0x7FFFFFFF)), ["dem.ras"]),
     ("DEM missing", keys(DEM="nowhere.ras"), ["MEM_MGR: can not open: nowhere.ras"]),
     ("DEM of another country", pool("dem.pool", "upper_northing", "upper_northing FLT_15 10.5", "lower_northing FLT_15 10.3"),
-     []),
+     ["the DEM dem.ras ", "a corner of the scene: longitude ", "the DEM: longitude "]),
+    ("antenna that looks to the other side", pool("slave.pool", "antenna_look_direction", 'antenna_look_direction STR "left"'),
+     ['slave.pool: key "antenna_look_direction": with the other direction the scene would lie in the DEM']),
+    ("oversampling of one image", ps_mode(slave_oversampling="2"),
+     ["oversampling of master and slave are different: 1.000000 != 2.000000", 'slave.pool: key "oversampling": value 2 ']),
+    ("range file without a path beside the azimuth file", keys(RG_COREG=""), ['configuration: key "RG_COREG": value "" is no path']),
+    ("one Earth file without a path", keys(Y_EARTH=""), ['configuration: key "Y_EARTH": value "" is no path']),
     ("range below the satellite's height", pool("insar.pool", "master_first_rg_time", "master_first_rg_time FLT_15 0.002"),
      ["geolocation_fast: No intersection of earth ellipsoid and sphere around the satellite"]),
     ("image far from the orbit's data", pool("insar.pool", "master_first_az_time", "master_first_az_time FLT_15 20000"),
-     ["master.pool: the state vectors from "]),
+     ["master.pool: the state vectors from ", 'insar.pool: key "master_first_az_time": value 20000 ']),
     ("more memory than any machine has", lambda folder: [edit(folder) for edit in (
         pool("insar.pool", "n_samples", "n_samples INT_32 300000"), pool("insar.pool", "n_lines", "n_lines INT_32 250000"),
         *(pool(name, key, "%s FLT_15 %g" % (key, rate)) for name in ("master.pool", "slave.pool")
           for key, rate in (("prf", 1e7), ("range_sampling_frequency", 3e11))))],
      ["the grids of 300000 samples x 250000 lines need 3422.6 GiB of memory, the machine has "]),
+    ("log pool in a folder that is not there", keys(log_pp="nowhere/log.pool"),
+     ["can not open pool file for update nowhere/log.pool", "pool error - can not open parameter pool"]),
     ("product in a folder that is not there", keys(H_EARTH="nowhere/h.ras"), ["nowhere/h.ras"]),
     ("product over an input", keys(SIMU_PHASE="dem.ras"), ["dem.ras"]),
     ("product over a pool, by a longer path", keys(X_EARTH="./slave.pool"), ["slave.pool"]),
@@ -235,3 +257,19 @@ def test_status_files_of_a_chain_step(fresh_scene):
     (state / "STOP.job7").touch()
     assert velmora(folder, *chain).status == 2
     assert not (folder / "OK.velmora").exists() and not (folder / "log.velmora").exists()
+
+
+def test_a_scene_beside_the_dem_is_a_coverage_gap_from_its_first_point_on(fresh_scene):
+    _, folder = fresh_scene(**SMALL)
+    edit_pool(folder / "dem.pool", "upper_northing", "upper_northing FLT_15 10.5\nlower_northing FLT_15 10.3")
+    run = velmora(folder)
+    assert run.status == 1 and run.lines("WARN") == ["Error: point has not been simulated rg=0, az=0"], run.explanation()
+    assert run.log.index("WARN  Error: point has not been simulated rg=0, az=0") < run.log.index(
+        "ALARM " + run.lines("ALARM")[0])
+
+
+def test_terrain_below_the_simulated_heights_is_the_cause_of_its_gap(fresh_scene):
+    _, folder = fresh_scene(**{**SMALL, "cover_low_m": -2500.0})
+    edit_pool(folder / "dem.pool", "dem_correction", "dem_correction FLT_15 -2000")
+    run = velmora(folder)
+    assert run.status == 1 and "the terrain lies outside -1000 .. 9000 m" in run.lines("WARN")[-1], run.explanation()

@@ -33,6 +33,57 @@ def test_help_and_version_leave_no_file(tmp_path, option, text):
     assert list(tmp_path.iterdir()) == []
 
 
+def test_the_documentation_holds_the_tables_of_keys():
+    done = subprocess.run([velmora_run.BINARY, "--keys-markdown"], capture_output=True, text=True, timeout=30, check=True)
+    text = (velmora_run.REPOSITORY / "docs" / "keys.md").read_text(encoding="utf-8")
+    assert text.split("<!-- keys: begin -->\n")[1].split("<!-- keys: end -->")[0] == done.stdout
+
+
+def append(name, text):
+    def change(folder):
+        with open(folder / name, "a", encoding="ascii") as file:
+            file.write(text)
+    return change
+
+
+# What a user wrote by mistake, and the one WARNING about it; the run goes on.
+DOUBTS = [
+    ("a piece of a key", append("scene.pcf", "PHASE phase.ras\n"), (), "unknown parameter PHASE: is SIMU_PHASE meant?"),
+    ("a key twice", append("scene.pcf", "LOOKS_RG 2\n"), (),
+     "scene.pcf: key LOOKS_RG stands 2 times, and the order of reading decides which line counts: keep one"),
+    ("a flag as last argument", None, ("-WRITE_SHIFTS",),
+     "argument -WRITE_SHIFTS is not used: no value follows it; any word will do"),
+    ("a mistyped argument", None, ("-lgo_pp", "x"), "unknown parameter lgo_pp: is log_pp meant?"),
+    ("an argument without its dash", None, ("DEM=dem.ras",), "argument DEM=dem.ras is not used: is -DEM dem.ras meant?"),
+    ("a mistyped key of a pool", append("dem.pool", "datum_shfit FLT_15_V 0 3\n{\n1\n2\n3\n}\n"), (),
+     'dem.pool: unknown key "datum_shfit": is "datum_shift" meant?'),
+    ("a scale without a rotation", append("dem.pool", "datum_scale FLT_15 1\n"), (),
+     'dem.pool: key "datum_scale" is not used without "datum_rotation"'),
+    ("antennas that look to different sides", append("master.pool", 'antenna_look_direction STR "left"\n'), (),
+     'master.pool: key "antenna_look_direction": "left", but slave.pool says "right", and that is what counts'),
+    ("a product without a path", append("scene.pcf", "H_EARTH\n"), (), "H_EARTH given without a path: nothing is written for it"),
+]
+
+
+@pytest.mark.parametrize("change, arguments, warning", [pytest.param(*case[1:], id=case[0]) for case in DOUBTS])
+def test_words_that_nobody_reads_are_told(small, change, arguments, warning):
+    edit_control_file(small, SIMU_PHASE=None, H_EARTH=None, FOREIGN_PROGRAMS_KEY="x")
+    if change:
+        change(small)
+    run = succeed(small, *arguments)
+    assert run.lines("WARN") == [warning]
+    unused = [line for line in run.lines("INFO") if line.startswith("keys of scene.pcf that this run did not use:")]
+    assert len(unused) == 1 and unused[0].split(":")[1].split()[0] == "FOREIGN_PROGRAMS_KEY"
+
+
+def test_a_question_that_a_mistyped_argument_causes_comes_with_its_reason(small):
+    run = velmora(small, "-pfc", "scene.pcf", control_file=None)
+    assert run.status == 1 and run.lines("WARN") == [
+        "Configuration file pcf.velmora does not exist!", "unknown parameter pfc: is pcf meant?",
+        "No configuration file or parameter not found!", "\t  Please input value of parameter : <MASTER_POOL>",
+        "\t  (velmora --help tells the parameters)"]
+
+
 def test_configuration_comes_from_arguments_then_file_then_environment(small):
     keys = dict(line.split(None, 1) for line in (small / "scene.pcf").read_text(encoding="ascii").splitlines())
     arguments = [word for key, value in keys.items() for word in ("-" + key, value)]

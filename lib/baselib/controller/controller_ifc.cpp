@@ -162,7 +162,11 @@ bool CONTROLLER_IFC::parameter_exists(const std::string& name) {
 }
 
 bool CONTROLLER_IFC::Lookup(const std::string& name, std::string& value) {
-    return FindInArguments(name, value) || FindInConfigurationFile(name, value) || FindInEnvironment(name, value);
+    if (configuration_file_.IsOpen()) lookups_.asked_with_file.insert(name);
+    const bool found =
+        FindInArguments(name, value) || FindInConfigurationFile(name, value) || FindInEnvironment(name, value);
+    if (found) lookups_.found.insert(name);
+    return found;
 }
 
 bool CONTROLLER_IFC::FindInArguments(const std::string& name, std::string& value) {
@@ -171,6 +175,7 @@ bool CONTROLLER_IFC::FindInArguments(const std::string& name, std::string& value
     for (int i = argument_count_ - 2; i >= 1; --i) {
         if (key != arguments_[i]) continue;
         RequireFitting(name, arguments_[i + 1]);
+        lookups_.used_arguments.insert(i);
         value = arguments_[i + 1];
         Log() << LOGGING_LEVEL::DEBUG << "Found parameter in argument list " << name << " = " << value << "\n";
         return true;
@@ -211,9 +216,10 @@ bool CONTROLLER_IFC::FindInEnvironment(const std::string& name, std::string& val
 }
 
 std::string CONTROLLER_IFC::AskKeyboard(const std::string& name) {
-    WarnAboutWordsCloseTo(name);
+    WarnBeforeAsking(name);
     Log() << LOGGING_LEVEL::WARNING << "No configuration file or parameter not found!\n";
     Log() << LOGGING_LEVEL::WARNING << "\t  Please input value of parameter : <" << name << ">\n";
+    Log() << LOGGING_LEVEL::WARNING << "\t  (" << process_name_ << " --help tells the parameters)\n";
     const int seconds = SecondsOnParameterInput();
     Log() << LOGGING_LEVEL::DEBUG << "waiting " << seconds << " seconds for input\n";
     // Nobody handles SIGALRM: an unattended run ends by it, with the ERROR file of init() left behind.
@@ -228,31 +234,34 @@ std::string CONTROLLER_IFC::AskKeyboard(const std::string& name) {
     return value;
 }
 
-/// The words that stand where a key is expected: arguments, by pairs, and the first words of the control file.
-std::vector<std::string> CONTROLLER_IFC::ForeignWords() {
-    std::vector<std::string> words = configuration_file_.Keys();
-    for (int i = 1; i < argument_count_; ++i) {
-        if (arguments_[i][0] != '-' || std::isalpha(static_cast<unsigned char>(arguments_[i][1])) == 0) continue;
-        words.emplace_back(arguments_[i] + 1);
-        ++i;  // its value
-    }
-    std::sort(words.begin(), words.end());
-    words.erase(std::unique(words.begin(), words.end()), words.end());
-    return words;
+GIVEN_WORDS CONTROLLER_IFC::GivenWords() {
+    return {.arguments = std::vector<std::string>(arguments_, arguments_ + argument_count_),
+            .file_keys = configuration_file_.Keys(),
+            .file_path = configuration_file_path_,
+            .file_is_open = configuration_file_.IsOpen(),
+            .known_keys = known_keys_};
 }
 
-void CONTROLLER_IFC::WarnAboutMistypedKeys() {
-    for (const std::string& word : ForeignWords()) {
-        const std::string key = SuggestedKey(word, known_keys_);
-        if (!key.empty())
-            Log().Message(LOGGING_LEVEL::WARNING, "unknown parameter %s: is %s meant?", word.c_str(), key.c_str());
-    }
+void CONTROLLER_IFC::WarnOnce(const std::vector<std::string>& lines) {
+    for (const std::string& line : lines)
+        if (warned_.insert(line).second) Log().Message(LOGGING_LEVEL::WARNING, "%s", line.c_str());
 }
 
-void CONTROLLER_IFC::WarnAboutWordsCloseTo(const std::string& name) {
-    for (const std::string& word : ForeignWords())
-        if (!SuggestedKey(word, known_keys_).empty() && IsClose(word, name))
-            Log().Message(LOGGING_LEVEL::WARNING, "unknown parameter %s: is %s meant?", word.c_str(), name.c_str());
+void CONTROLLER_IFC::ReportUnusedWords() {
+    const GIVEN_WORDS words = GivenWords();
+    WarnOnce(UnusedArgumentLines(words, lookups_, false));
+    WarnOnce(DoubtfulFileKeyLines(words, lookups_));
+    const std::string unused = UnusedFileKeysLine(words, lookups_);
+    if (!unused.empty()) Log().Message(LOGGING_LEVEL::INFO, "%s", unused.c_str());
+}
+
+/// What may be the reason that a mandatory key is missing.
+void CONTROLLER_IFC::WarnBeforeAsking(const std::string& name) {
+    const GIVEN_WORDS words = GivenWords();
+    WarnOnce(UnusedArgumentLines(words, lookups_, true));
+    for (const std::string& word : words.file_keys)
+        if (word != name && SuggestedKey(word, {name}) == name && SuggestedKey(word, known_keys_) == name)
+            WarnOnce({"unknown parameter " + word + ": is " + name + " meant?"});
 }
 
 std::string CONTROLLER_IFC::get_binary_name() const {

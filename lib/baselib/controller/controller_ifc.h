@@ -10,12 +10,14 @@
 #pragma once
 
 #include <deque>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "lib/baselib/controller/control_file.h"
 #include "lib/baselib/controller/fatal_signals.h"
+#include "lib/baselib/controller/unused_words.h"
 
 class CONTROLLER_IFC {
   public:
@@ -38,8 +40,9 @@ class CONTROLLER_IFC {
     bool get_optional_parameter(const std::string& name, std::string& value);
     [[nodiscard]] bool parameter_exists(const std::string& name);
 
-    /// One line at WARNING for each argument and each control file key that is unknown but close to a known key.
-    void WarnAboutMistypedKeys();
+    /// When all lookups are done: WARNINGs about words that nothing has read or that are doubtful, and one line at INFO
+    /// with the keys of the control file that were not asked for (it may serve many programs).
+    void ReportUnusedWords();
 
     /// Forms every file name: the last path component of the first argument, or the value of the parameter `pid`.
     [[nodiscard]] std::string get_binary_name() const;
@@ -63,8 +66,9 @@ class CONTROLLER_IFC {
     bool FindInConfigurationFile(const std::string& name, std::string& value);
     bool FindInEnvironment(const std::string& name, std::string& value);
     std::string AskKeyboard(const std::string& name);
-    std::vector<std::string> ForeignWords();
-    void WarnAboutWordsCloseTo(const std::string& name);
+    [[nodiscard]] GIVEN_WORDS GivenWords();
+    void WarnOnce(const std::vector<std::string>& lines);
+    void WarnBeforeAsking(const std::string& name);
 
     void ResolveStatusPaths();
     void OpenConfigurationFile();
@@ -92,5 +96,7 @@ class CONTROLLER_IFC {
     std::string configuration_file_path_;
     bool controller_messages_ = false;
     std::vector<std::string> known_keys_;
+    LOOKUP_RECORD lookups_;
+    std::set<std::string> warned_;
     std::deque<FATAL_SIGNAL_REACTION> reactions_;  ///< all published so far: a handler may be reading an earlier one
 };

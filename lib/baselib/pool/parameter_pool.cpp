@@ -100,6 +100,12 @@ bool PARAMETER_POOL::FindKey(const std::string& key) {
     return State().places.contains(key);
 }
 
+std::vector<std::string> PARAMETER_POOL::Keys() {
+    std::vector<std::string> keys;
+    for (const auto& place : State().places) keys.push_back(place.first);
+    return keys;
+}
+
 POOL_ENTRY PARAMETER_POOL::ReadHeader(const std::string& key, int expected_type) {
     const STATE_OF_FILE& state = State();
     const auto place = state.places.find(key);

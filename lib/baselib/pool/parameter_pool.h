@@ -11,6 +11,7 @@
 
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include "lib/baselib/logging/logging.h"
 #include "lib/baselib/pool/pool_block.h"
@@ -34,6 +35,9 @@ class PARAMETER_POOL {
 
     /// Whether the pool has an entry of this key; logs nothing about it. @throws ERROR_ALGORITHM without an open file
     [[nodiscard]] bool FindKey(const std::string& key);
+
+    /// All keys, in no order. @throws ERROR_ALGORITHM without an open file
+    [[nodiscard]] std::vector<std::string> Keys();
 
     /// @throws PARAMETER_KEY_NOT_FOUND, WRONG_PARAMETER_TYPE, INVALID_PARAMETER_VALUE, PARAMETER_OUT_OF_BOUNDS,
     ///         ERROR_NO_MEMORY, ERROR_CAN_NOT_READ_FILE; ERROR_ALGORITHM without an open file

@@ -22,7 +22,12 @@ bool TakesNewFiles(const std::string& directory) {
 
 void PARAMETER_POOL_READ_WRITE_CHANGE::Open(const std::string& path) {
     Log().Message(LOGGING_LEVEL::DEBUG, "construct pool_rwc: %s", path.c_str());
-    PARAMETER_POOL::Open(path);
+    try {
+        PARAMETER_POOL::Open(path);
+    } catch (const CAN_NOT_OPEN_POOL&) {
+        Log().Message(LOGGING_LEVEL::ALARM, "can not open pool file for update %s", path.c_str());
+        throw;
+    }
     const POOL_FILE& file = File();
     if (file.IsWritable() && TakesNewFiles(file.Directory())) return;
     const int error = errno;
