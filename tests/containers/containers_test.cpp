@@ -33,11 +33,12 @@ int Huge() {
 
 using testing::ElementsAre;
 
-/// Counts those that live, and the blocks from array new; the third to be made fails on request.
+/// Counts those that live, and the blocks from array new; making or assigning one fails on request.
 struct COUNTED {
     static inline int living = 0;
     static inline int array_news = 0;
     static inline int makes_before_failure = -1;
+    static constexpr const char* failure_of_assignment = "of the element's own";
 
     COUNTED() {
         if (makes_before_failure-- == 0) throw std::bad_alloc();
@@ -45,7 +46,7 @@ struct COUNTED {
     }
     COUNTED(const COUNTED&) : COUNTED() {}
     COUNTED& operator=(const COUNTED&) {
-        if (makes_before_failure-- == 0) throw std::bad_alloc();
+        if (makes_before_failure-- == 0) throw failure_of_assignment;
         return *this;
     }
     ~COUNTED() { --living; }
@@ -110,6 +111,11 @@ TEST(NoMemory, IsRefusedInsteadOfABlockTooSmall) {
         {[] { ARRAY<int>(0, -1); }, "wrong argument\nALARM : global : ARRAY" + count},
         {[] { MATRIX<int>(3, -1); }, "wrong argument\nALARM : global : MATRIX" + count},
         {[] { MATRIX<int>(-1, 3); }, "wrong argument\nALARM : global : MATRIX" + count},
+        {[] {
+             COUNTED::makes_before_failure = 0;
+             (void)CreateCoreObject<COUNTED>();
+         },
+         "not enough memory\n" + object},
         {[] { VECTOR<int>(-1); }, "wrong argument\nALARM : global : ARRAY" + count},
     };
     for (const auto& [make, said] : cases) EXPECT_EQ(ErrorAndLogOf(make), said);
@@ -171,7 +177,7 @@ TEST(Array, ReleasesEachElementTheWayItCame) {
         ARRAY<COUNTED> copy = moved;
         EXPECT_EQ(COUNTED::living, 8);
         COUNTED::makes_before_failure = 6;  // four are made, the third of the copies fails
-        EXPECT_EQ(TextThrownBy([&] { ARRAY<COUNTED> failing(moved); }), "ARRAY : can not copy array");
+        EXPECT_EQ(TextThrownBy([&] { ARRAY<COUNTED> failing(moved); }), "of the element's own");
         EXPECT_EQ(COUNTED::living, 8);
         COUNTED::makes_before_failure = 0;
         EXPECT_EQ(TextThrownBy([&] { copy = moved; }), "ARRAY : can not copy array");
@@ -202,8 +208,12 @@ TEST(Matrix, RowsLinkIntoOneBlock) {
     matrix = same;
     EXPECT_EQ(matrix[2][1], 9);
     for (const auto& [rows, columns] : {std::pair{-1, 2}, {2, -1}}) EXPECT_EQ(matrix.Resize(rows, columns), 3);
-    ASSERT_EQ(matrix.Resize(1, 4), 0);
-    EXPECT_THAT(std::vector<int>(matrix[0], matrix[0] + matrix.Columns()), ElementsAre(1, 2, 0, 0));
+    for (const auto& [rows, columns] : {std::pair{3, 1}, {2, 1}, {2, 4}, {0, 4}, {2, 0}}) {
+        ASSERT_EQ(matrix.Resize(rows, columns), 0);
+        EXPECT_EQ(matrix.Rows(), rows);
+        EXPECT_EQ(matrix.Columns(), columns);
+        EXPECT_EQ(matrix.Size() > 0 ? matrix[0][0] : 1, 1);
+    }
 }
 
 TEST(SubArray, IsAViewAndNeverAssigned) {
@@ -227,7 +237,10 @@ TEST(SubArray, IsAViewAndNeverAssigned) {
 TEST(Vector, HasItsElementsOrZeros) {
     EXPECT_THAT(ElementsOf(VECTOR<double>({1.0, 2.0})), ElementsAre(1.0, 2.0));
     EXPECT_THAT(ElementsOf(VECTOR<int>(2)), ElementsAre(0, 0));
-    EXPECT_EQ(VECTOR<int>({4, 5, 6}).Dimension(), 3);
+    const VECTOR<int> three{4, 5, 6};
+    EXPECT_EQ(three.Dimension(), 3);
+    EXPECT_EQ(three[0], 4);
+    EXPECT_EQ(three[2], 6);
 }
 
 TEST(String, CountsItsTerminator) {

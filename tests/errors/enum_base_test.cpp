@@ -54,6 +54,8 @@ TEST(EnumBase, StepsAndFailsDifferentlyAtItsTwoEnds) {
     EXPECT_EQ((colour++).Text(), "blue");
     EXPECT_THROW(++colour, ERROR_ENUM_BASE_INVALID_ID) << "beyond the last";
     EXPECT_EQ(colour--.Id(), 5);
+    EXPECT_EQ(colour.Id(), 4);
+    EXPECT_EQ((--colour).Text(), "RED");
     COLOUR<2> first(2);
     EXPECT_THROW(--first, ERROR_ENUM_BASE_INVALID_ID) << "below a first identifier above 0";
     COLOUR<0> zero(0);

@@ -49,6 +49,8 @@ TEST(ParseFloat, EndsWhereNarrowingWouldRoundToInfinity) {
     EXPECT_EQ(value, 77.0F);
     EXPECT_EQ(ParseFloat("3.4028235677973361e38", value), PARSE_RESULT::OK) << "just below half a unit more";
     EXPECT_EQ(value, std::numeric_limits<float>::max());
+    EXPECT_EQ(ParseFloat("1.5 m", value), PARSE_RESULT::TRAILING_CHARACTERS);
+    EXPECT_EQ(value, std::numeric_limits<float>::max());
 }
 
 TEST(ParseInteger, TakesTheWholeTextInBaseTen) {
@@ -60,9 +62,25 @@ TEST(ParseInteger, TakesTheWholeTextInBaseTen) {
 }
 
 TEST(LeadingReal, StopsAtTheFirstOtherCharacter) {
-    PARSE_RESULT result;
-    EXPECT_EQ(LeadingReal("0.5..900", result), 0.5);
-    EXPECT_EQ(result, PARSE_RESULT::TRAILING_CHARACTERS);
+    struct CASE {
+        const char* text;
+        PARSE_RESULT result;
+        double value;
+    };
+    const CASE cases[] = {
+        {"0.5..900", PARSE_RESULT::TRAILING_CHARACTERS, 0.5},
+        {"x", PARSE_RESULT::NOT_A_NUMBER, 0.0},
+        {"0x10", PARSE_RESULT::TRAILING_CHARACTERS, 0.0},
+        {" -0X1p3", PARSE_RESULT::TRAILING_CHARACTERS, 0.0},
+        {"\t+0x7", PARSE_RESULT::TRAILING_CHARACTERS, 0.0},
+        {"1e999", PARSE_RESULT::OUT_OF_RANGE, 0.0},
+        {"  10", PARSE_RESULT::OK, 10.0},
+    };
+    for (const CASE& c : cases) {
+        PARSE_RESULT result;
+        EXPECT_EQ(LeadingReal(c.text, result), c.value) << c.text;
+        EXPECT_EQ(result, c.result) << c.text;
+    }
 }
 
 }  // namespace
