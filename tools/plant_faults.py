@@ -9,6 +9,7 @@ All work is done on a copy under build/planted_faults; the tree itself is never 
 """
 import argparse
 import collections
+import itertools
 import os
 import pathlib
 import random
@@ -74,7 +75,7 @@ def folder_of(path):
     return "/".join(path.split("/")[:3 if path.startswith("lib/") else 1])
 
 
-def draw(faults, count, seed):
+def draw(faults, seed):
     """A choice that takes turns among the kinds, since constants and statements are many."""
     chance = random.Random(seed)
     kinds = collections.defaultdict(list)
@@ -82,7 +83,7 @@ def draw(faults, count, seed):
         kinds[fault.kind].append(fault)
     for of_kind in kinds.values():
         chance.shuffle(of_kind)
-    while kinds and count > 0:
+    while kinds:
         for kind in sorted(kinds):
             yield kinds[kind].pop()
             if not kinds[kind]:
@@ -211,7 +212,9 @@ def main():
             if workshop.verdict(folder) != "":
                 sys.exit("%s: the tree without faults fails" % folder)
         count = collections.Counter()
-        for fault in draw(faults, options.count, options.seed + folder):
+        drawn = draw(faults, options.seed + folder)
+        chosen = sorted(itertools.islice(drawn, options.count))  # file by file: a build compiles one
+        for fault in itertools.chain(chosen, drawn):
             if sum(count.values()) == options.count:
                 break
             text = texts[fault.path]

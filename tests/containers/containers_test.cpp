@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <limits>
@@ -70,6 +71,9 @@ struct ALMOST_ONE_GIGABYTE {
 };
 
 TEST(AlignedBlock, HoldsCountZerosAndElements) {
+    void* const used = std::malloc(3 * sizeof(double) + 32);  // what the next block may find in its memory
+    std::memset(used, 0xff, 3 * sizeof(double) + 32);
+    std::free(used);
     double* const elements = MEM_ALLOCATION::Allocate<double>(3);
     ASSERT_NE(elements, nullptr);
     EXPECT_EQ(reinterpret_cast<std::uintptr_t>(elements) % 32, 0u);

@@ -23,13 +23,13 @@ class COLOUR : public ENUM_BASE {
 };
 
 TEST(EnumBase, CopiesTextAndFurtherDataFromTheRow) {
-    COLOUR<2> colour(3);
+    COLOUR<20> colour(21);
     EXPECT_EQ(colour.Text(), "RED");
-    colour.AssignId(4, false);
+    colour.AssignId(22, false);
     EXPECT_EQ(colour.Text(), "RED") << "the text is copied only when asked";
     EXPECT_EQ(colour.wavelength_nm, 450);
-    EXPECT_THROW(colour.AssignId(1, true), ERROR_ENUM_BASE_INVALID_ID);
-    EXPECT_THROW(colour.AssignId(6, true), ERROR_ENUM_BASE_INVALID_ID);
+    EXPECT_THROW(colour.AssignId(19, true), ERROR_ENUM_BASE_INVALID_ID);
+    EXPECT_THROW(colour.AssignId(24, true), ERROR_ENUM_BASE_INVALID_ID);
 }
 
 TEST(EnumBase, TakesTheFirstMatchingTextOrTellsTheValidOnes) {
@@ -50,13 +50,13 @@ TEST(EnumBase, TakesTheFirstMatchingTextOrTellsTheValidOnes) {
 }
 
 TEST(EnumBase, StepsAndFailsDifferentlyAtItsTwoEnds) {
-    COLOUR<2> colour(4);
+    COLOUR<20> colour(22);
     EXPECT_EQ((colour++).Text(), "blue");
     EXPECT_THROW(++colour, ERROR_ENUM_BASE_INVALID_ID) << "beyond the last";
-    EXPECT_EQ(colour--.Id(), 5);
-    EXPECT_EQ(colour.Id(), 4);
+    EXPECT_EQ(colour--.Id(), 23);
+    EXPECT_EQ(colour.Id(), 22);
     EXPECT_EQ((--colour).Text(), "RED");
-    COLOUR<2> first(2);
+    COLOUR<20> first(20);
     EXPECT_THROW(--first, ERROR_ENUM_BASE_INVALID_ID) << "below a first identifier above 0";
     COLOUR<0> zero(0);
     EXPECT_THROW(--zero, ERROR_ENUM_BASE_LIMIT_OF_ENUMERATION_EXPIRED);
@@ -64,7 +64,7 @@ TEST(EnumBase, StepsAndFailsDifferentlyAtItsTwoEnds) {
 
 TEST(EnumBase, ComparesWithinOneTypeOnly) {
     EXPECT_TRUE(COLOUR<0>(2) != COLOUR<0>(3));
-    const ENUM_BASE& other = COLOUR<2>(2);
+    const ENUM_BASE& other = COLOUR<20>(20);
     EXPECT_THROW((void)(COLOUR<0>(2) == other), ERROR_ENUM_BASE_TYPE_MISMATCH);
 }
 
