@@ -1,0 +1,25 @@
+/// \file product_kind.h
+/// What the processor's products are called and what they hold: the text for people beside each.
+/// Threads: constant tables.
+
+#pragma once
+
+#include <span>
+#include <string_view>
+
+enum class PRODUCT { SIMU_PHASE, RG_COREG, AZ_COREG, H_EARTH, X_EARTH, Y_EARTH, Z_EARTH };
+
+struct PRODUCT_KIND {
+    PRODUCT product;
+    const char* key;  ///< of the control file that names the product's path
+    const char* description;
+    const char* unit;
+};
+
+/// In the order in which a run writes them.
+[[nodiscard]] std::span<const PRODUCT_KIND> ProductKinds();
+
+[[nodiscard]] const PRODUCT_KIND& KindOf(PRODUCT product);
+
+/// @return null for a text that is no product's key
+[[nodiscard]] const PRODUCT_KIND* FindProductKind(std::string_view key);

@@ -1,0 +1,241 @@
+"""velmora-view on files of its own and on a run: pixels through GDAL, positions through the scene's closed forms."""
+
+import os
+import pathlib
+import shutil
+import struct
+import subprocess
+import sys
+
+import numpy as np
+import pytest
+
+gdal = pytest.importorskip("osgeo.gdal", reason="needs python3-gdal")
+gdal.UseExceptions()
+gdal.SetConfigOption("GDAL_PAM_ENABLED", "NO")
+
+REPOSITORY = pathlib.Path(__file__).resolve().parents[2]
+sys.path[:0] = [str(REPOSITORY / "demo"), str(REPOSITORY / "tests" / "end_to_end")]
+
+import velmora_run  # noqa: E402
+from scene_maker import pool_file, raster, scene  # noqa: E402
+from scene_maker.ellipsoid import WGS84  # noqa: E402
+from scene_maker.options import SCENE_OPTIONS  # noqa: E402
+
+VIEW = os.environ["VELMORA_VIEW"]
+WORDS = {"<f4": (32, 99), "<f8": (64, 98), "<i2": (16, 1), "<i4": (32, 1), "u1": (8, 1)}
+
+
+def view(folder, *arguments):
+    return subprocess.run([VIEW, *map(str, arguments)], cwd=folder, capture_output=True, text=True, timeout=120, check=False)
+
+
+def good(folder, *arguments):
+    done = view(folder, *arguments)
+    assert (done.returncode, done.stderr) == (0, ""), done
+    return done.stdout
+
+
+def write(path, values, pixel="<f4", map_bytes=b""):
+    rows, columns = values.shape
+    data = values.astype(pixel).tobytes()
+    depth, word = WORDS[pixel]
+    header = struct.pack(">8I", 0x59A66A95, columns, rows, depth, len(data), word, 0, len(map_bytes))
+    path.write_bytes(header + map_bytes + data)
+
+
+def png(path):
+    return gdal.Open(str(path)).ReadAsArray().transpose(1, 2, 0).astype(int)
+
+
+def phase_colours(folder, phase, *arguments):
+    """Colour of the middle of a uniform picture."""
+    write(folder / "simu_phase.ras", phase)
+    good(folder, "picture", "simu_phase.ras", "--force", *arguments)
+    return tuple(png(folder / "simu_phase.png")[5, 5])
+
+
+def test_phase_is_averaged_as_complex_numbers_and_wrapped(tmp_path):
+    shape = (90, 3300)  # 3 x 3 pixels become one
+    one_turn = {turns: phase_colours(tmp_path, np.full(shape, 3.0 + 2 * np.pi * turns)) for turns in (0, 1, -7)}
+    assert len(set(one_turn.values())) == 1
+    # Phases scattered about pi, both sides of the wrap: a mean of wrapped numbers would be 0, whose colour differs.
+    scattered = np.pi + np.random.default_rng(3).uniform(-0.4, 0.4, shape)
+    scattered[scattered > np.pi] -= 2 * np.pi
+    at_pi, at_zero = phase_colours(tmp_path, np.full(shape, np.pi)), phase_colours(tmp_path, np.zeros(shape))
+    close = np.abs(np.array(phase_colours(tmp_path, scattered)) - at_pi).max()
+    assert close < 60 < np.abs(np.array(at_zero) - at_pi).max()
+
+
+def test_pixels_without_a_value_are_grey_and_leave_their_neighbours_alone(tmp_path):
+    phase = np.full((900, 2000), 1.0)  # 2 x 2 pixels become one
+    phase[0:20, 0:20], phase[200:220, 0:20], phase[400:420, 0:20] = np.nan, np.inf, -99.0
+    phase[101, 101] = np.nan
+    write(tmp_path / "simu_phase.ras", phase)
+    good(tmp_path, "picture", "simu_phase.ras", "--invalid", "-99", "-o", "out.png")
+    picture = png(tmp_path / "out.png")
+    assert picture.shape[1] == 1000 and picture.shape[0] <= 1600
+    assert all(tuple(picture[row, 5]) == (128, 128, 128) for row in (5, 105, 205))
+    assert tuple(picture[50, 50]) == tuple(picture[50, 60]) != (128, 128, 128)
+
+
+@pytest.mark.parametrize("name, columns, rows", [("wide", 5000, 20), ("tall", 3, 4001), ("small", 1, 1), ("edge", 1601, 1501)])
+def test_every_side_is_at_most_1600(tmp_path, name, columns, rows):
+    write(tmp_path / (name + ".ras"), np.arange(columns * rows, dtype=float).reshape(rows, columns))
+    good(tmp_path, "picture", name + ".ras")
+    assert max(png(tmp_path / (name + ".png")).shape) <= 1600
+
+
+def test_tables_follow_the_product(tmp_path):
+    ramp = np.tile(np.linspace(-100.0, 50.0, 601), (300, 1))
+    for name in ("x_earth", "rg_coreg", "h_earth", "numbers"):
+        write(tmp_path / (name + ".ras"), ramp)
+    write(tmp_path / "dem.ras", np.tile(np.r_[[-32768] * 50, np.arange(551)], (300, 1)), "<i2")
+    good(tmp_path, "picture", "x_earth.ras", "rg_coreg.ras", "h_earth.ras", "numbers.ras", "dem.ras")
+    row = {name: png(tmp_path / (name + ".png"))[150] for name in ("x_earth", "rg_coreg", "h_earth", "numbers", "dem")}
+    for name in ("x_earth", "rg_coreg"):  # white at 0, blue below, red above
+        assert row[name][400].min() > 235 and row[name][5][2] > row[name][5][0] + 60 and row[name][595][0] > row[name][595][2]
+    light = row["numbers"].sum(axis=1)
+    assert (np.diff(light) >= -6).all() and light[-1] > light[0] + 300
+    assert tuple(row["dem"][20]) == (128, 128, 128) != tuple(row["dem"][60])
+    assert row["h_earth"][10][1] > row["h_earth"][10][0] and (row["h_earth"][599] > 150).all()
+
+
+def test_sidecars_open_bit_equal_and_move_along(tmp_path):
+    values = {"<f4": np.float32([[1.5, np.nan, -3e38], [0.1, 2.0, np.inf]]), "<f8": np.float64([[1e300, 2.0], [3.0, 0.1]]),
+              "<i2": np.int16([[1, -32768], [3, 7]]), "<i4": np.int32([[1, -70000]]), "u1": np.uint8([[1, 255, 3]])}
+    for number, (pixel, image) in enumerate(values.items()):
+        write(tmp_path / ("%d&<\".ras" % number), image, pixel, map_bytes=b"rgb" * number)
+    write(tmp_path / "scene7_RG_COREG.ras", values["<f4"])
+    names = sorted(path.name for path in tmp_path.glob("*.ras"))
+    assert good(tmp_path, "vrt", *names).split("\n")[:-1] == [name + ".vrt" for name in names]
+    shutil.copytree(tmp_path, tmp_path / "moved")
+    for name, image in zip(names, values.values()):
+        assert gdal.Open(str(tmp_path / "moved" / (name + ".vrt"))).ReadAsArray().tobytes() == image.tobytes()
+    opened = gdal.Open(str(tmp_path / "scene7_RG_COREG.ras.vrt"))  # a band does not keep its file
+    band = opened.GetRasterBand(1)
+    assert (band.GetUnitType(), band.GetDescription()) == ("px", "position in slave, range")
+    # The sidecar then tells what the name no longer does.
+    for ending in ("", ".vrt"):
+        os.rename(tmp_path / ("scene7_RG_COREG.ras" + ending), tmp_path / ("renamed.ras" + ending))
+    assert "(RG_COREG)" in good(tmp_path, "info", "renamed.ras")
+
+
+def test_info_counts_and_measures(tmp_path):
+    image = np.random.default_rng(5).normal(4.0e6, 1.0, (70, 90)).astype("<f4")
+    image[3, 4], image[5, 6], image[7, 8] = np.nan, np.inf, 0.0
+    write(tmp_path / "y_earth.ras", image)
+    (tmp_path / "insar.pool").write_text("y_earth_offset FLT_15 -123456\n")
+    lines = good(tmp_path, "info", "y_earth.ras", "--pool", "insar.pool", "--invalid", "0").splitlines()
+    found = dict(line.split(None, 1) for line in lines[1:])
+    there = image[np.isfinite(image) & (image != 0)].astype(float)
+    assert found["size"] == "90 columns x 70 rows" and found["pixels"] == "6297 with a value, 3 without"
+    for key, value in (("minimum", there.min()), ("maximum", there.max()), ("mean", there.mean()), ("deviation", there.std())):
+        assert abs(float(found[key].split()[0]) - value) <= 1e-8 * abs(value), key
+    assert found["offset"].startswith("-123456 m")
+
+
+PLACES = {
+    "demo-like": dict(shift_factors=(4, 3), earth_factors=(2, 2)),
+    "date line, left looking": dict(longitude_deg=179.999, latitude_deg=-17.0, side="left", longitudes="signed",
+                                    pass_direction="ascending"),
+    "far north, geocoding factors": dict(latitude_deg=78.0, earth_factors=(3, 2), geocoding_factors=(2, 2)),
+}
+
+
+@pytest.mark.parametrize("place", PLACES.values(), ids=PLACES)
+def test_geocoded_corners_lie_where_the_orbits_see_them(tmp_path, place):
+    options = SCENE_OPTIONS(samples=200, lines=160, terrain="flat", low_m=100.0, cover_low_m=0.0, cover_high_m=1000.0, **place)
+    made = scene.make_scene(options, tmp_path)
+    velmora_run.succeed(tmp_path)
+    sample, line = (axis.ravel() for axis in np.meshgrid([3.0, 100.0, 196.0], [3.0, 80.0, 156.0]))
+    longitude, latitude, _ = WGS84.geodetic(made.ground_points(sample, line, np.full(9, 100.0)))
+    factors = {"SIMU_PHASE": (1, 1), "RG_COREG": place.get("shift_factors", (1, 1)), "H_EARTH": place.get("earth_factors", (1, 1))}
+    for kind, (across, along) in factors.items():
+        rows, columns = raster.read(tmp_path / (kind.lower() + ".ras")).shape
+        for axis, wanted in ((0, line / along), (1, sample / across)):
+            write(tmp_path / "indices.ras", np.indices((rows, columns))[axis])
+            good(tmp_path, "geocode", "indices.ras", "--kind", kind, "--pool", "insar.pool", "--force")
+            mapped = gdal.Open(str(tmp_path / "indices.tif"))
+            left, dx, _, top, _, dy = mapped.GetGeoTransform()
+            longitude_deg = np.degrees(longitude) + 360.0 * np.round((left - np.degrees(longitude)) / 360.0)
+            column = np.floor((longitude_deg - left) / dx).astype(int)
+            row = np.floor((np.degrees(latitude) - top) / dy).astype(int)
+            assert np.abs(mapped.ReadAsArray()[row, column] - wanted).max() <= 1.0, (kind, axis)
+            assert "WGS 84" in mapped.GetProjection()
+
+
+def run_with_earth_files(folder):
+    scene.make_scene(SCENE_OPTIONS(earth_factors=(2, 2), **velmora_run.SMALL), folder)
+    velmora_run.succeed(folder)
+
+
+def test_globe_file_holds_transparent_and_coloured_pixels(tmp_path):
+    run_with_earth_files(tmp_path)
+    assert good(tmp_path, "geocode", "h_earth.ras", "--pool", "insar.pool", "--kmz").split() [-1] == "h_earth.kmz"
+    tile = gdal.Open("/vsizip/%s/0/0/0.png" % (tmp_path / "h_earth.kmz")).ReadAsArray()
+    assert tile.shape[0] == 4 and {0, 255} <= set(np.unique(tile[3]))
+    assert sorted(path.name for path in tmp_path.iterdir() if path.name.startswith("h_earth")) == [
+        "h_earth.kmz", "h_earth.ras", "h_earth.tif"]
+
+
+BAD_PIXELS = struct.pack(">8I", 0x59A66A95, 4, 4, 24, 48, 3, 0, 0) + bytes(48)
+REFUSED = {
+    "no file": (["picture", "none.ras"], "none.ras: can not open"),
+    "folder": (["info", "folder"], "folder: is no regular file"),
+    "pipe": (["info", "pipe.ras"], "pipe.ras: is no regular file"),
+    "empty": (["vrt", "empty.ras"], "empty.ras: is no raster file"),
+    "not ours": (["picture", "insar.pool"], "insar.pool: is no raster file"),
+    "cut": (["picture", "cut.ras"], "cut.ras: too short"),
+    "colours": (["info", "rgb.ras"], "rgb.ras: header: pixel type rgb"),
+    "odd type": (["info", "odd.ras"], "odd.ras: header: no pixel type has depth 7"),
+    "one bad of two": (["picture", "h_earth.ras", "cut.ras"], "cut.ras: too short"),
+    "kind": (["picture", "h_earth.ras", "--kind", "HEIGHT"], '--kind: value "HEIGHT": expected one of SIMU_PHASE'),
+    "no kind": (["geocode", "numbers.ras", "--pool", "insar.pool"], "numbers.ras: its name does not tell"),
+    "two for one": (["picture", "h_earth.ras", "x_earth.ras", "-o", "a.png"], "-o: names one file"),
+    "there already": (["picture", "h_earth.ras", "-o", "taken.png"], "taken.png: is there already; --force"),
+    "onto the input": (["picture", "h_earth.ras", "-o", "h_earth.ras", "--force"], "h_earth.ras: is an input"),
+    "no folder": (["picture", "h_earth.ras", "-o", "nowhere/a.png"], "nowhere/a.png: can not create"),
+    "no pool": (["geocode", "h_earth.ras", "--pool", "none.pool"], "none.pool: can not open"),
+    "pool without offsets": (["geocode", "h_earth.ras", "--pool", "dem.pool"], "x_earth_offset"),
+    "another run's pool": (["geocode", "h_earth.ras", "--pool", "other.pool"], "x_earth.ras: pixel 0"),
+    "other sizes": (["geocode", "h_earth.ras", "--pool", "insar.pool", "--z", "numbers.ras"], "numbers.ras: has 2 x 2 pixels"),
+    "not covered": (["geocode", "h_earth.ras", "--pool", "insar.pool", "--kind", "RG_COREG", "--x", "numbers.ras", "--y",
+                     "numbers.ras", "--z", "numbers.ras"], "h_earth.ras: has"),
+    "no command": ([], "subcommand"),
+    "no product": (["picture"], "PRODUCT"),
+    "bad number": (["info", "h_earth.ras", "--invalid", "many"], "--invalid"),
+}
+
+
+@pytest.fixture(scope="module")
+def run_folder(tmp_path_factory):
+    folder = tmp_path_factory.mktemp("run")
+    run_with_earth_files(folder)
+    (folder / "folder").mkdir()
+    os.mkfifo(folder / "pipe.ras")
+    (folder / "empty.ras").write_bytes(b"")
+    (folder / "cut.ras").write_bytes((folder / "h_earth.ras").read_bytes()[:-1])
+    (folder / "rgb.ras").write_bytes(BAD_PIXELS)
+    (folder / "odd.ras").write_bytes(BAD_PIXELS.replace(struct.pack(">I", 24), struct.pack(">I", 7)))
+    (folder / "taken.png").write_bytes(b"mine")
+    write(folder / "numbers.ras", np.array([[1.0, 2.0], [3.0, 4.0]]))
+    (folder / "other.pool").write_text("".join("%s_earth_offset FLT_15 10\n" % axis for axis in "xyz"))
+    return folder
+
+
+@pytest.mark.parametrize("arguments, message", REFUSED.values(), ids=REFUSED)
+def test_bad_input_ends_in_a_message_and_leaves_nothing(run_folder, arguments, message):
+    def listing():
+        return {path.name: path.read_bytes() if path.is_file() else None for path in run_folder.iterdir()}
+
+    before = listing()
+    done = view(run_folder, *arguments)
+    assert (done.returncode, done.stdout) == (1, "")
+    assert message in done.stderr
+    assert listing() == before
+
+
+def test_help_begins_with_an_example(tmp_path):
+    for command in ([], ["picture"], ["vrt"], ["geocode"], ["info"]):
+        assert good(tmp_path, *command, "--help").startswith("Example:\n  velmora-view " + " ".join(command))
