@@ -10,6 +10,6 @@ if(NOT VELMORA_BUILDER)
     set(VELMORA_BUILDER unknown)
   endif()
 endif()
-set_source_files_properties(${CMAKE_SOURCE_DIR}/app/velmora_version.cpp
+set_source_files_properties(${velmora_SOURCE_DIR}/app/velmora_version.cpp
   TARGET_DIRECTORY velmora_app PROPERTIES COMPILE_DEFINITIONS
   "VELMORA_COMPILE_DATE=\"${VELMORA_COMPILE_DATE}\";VELMORA_BUILDER=\"${VELMORA_BUILDER}\"")

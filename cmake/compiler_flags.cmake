@@ -1,21 +1,26 @@
-# One interface target carries every flag; all libraries and programs link it.
+# One interface target carries what whoever links a library needs, too; all libraries and programs link it.
 add_library(velmora_flags INTERFACE)
+set_target_properties(velmora_flags PROPERTIES EXPORT_NAME flags)
 target_compile_features(velmora_flags INTERFACE cxx_std_20)
+target_include_directories(velmora_flags INTERFACE
+  $<BUILD_INTERFACE:${velmora_SOURCE_DIR}> $<INSTALL_INTERFACE:include/velmora>)
+
+# Warnings hold for the sources of this tree only, and are errors where it is worked on: not for users of add_subdirectory.
 # No -ffast-math and no -fno-trapping-math: the program runs with floating-point traps on. A multiplication is never fused
 # with an addition: machines with and without such instructions then give the same products.
-target_compile_options(velmora_flags INTERFACE
-  -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wno-sign-conversion -Wformat=2
-  -Wnon-virtual-dtor -Woverloaded-virtual -ffp-contract=off)
+option(VELMORA_WARNINGS_AS_ERRORS "Treat warnings of velmora's own sources as errors" ${PROJECT_IS_TOP_LEVEL})
+add_compile_options(
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Wformat=2
+  -Wnon-virtual-dtor -Woverloaded-virtual -ffp-contract=off $<$<BOOL:${VELMORA_WARNINGS_AS_ERRORS}>:-Werror>)
 # g++ 12 sees an overlapping copy in "text" + std::to_string(n) that is not there (GCC bug 105651).
-target_compile_options(velmora_flags INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
-target_include_directories(velmora_flags INTERFACE ${CMAKE_SOURCE_DIR})
+add_compile_options($<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
 
 # Hardening of the shipped program: position independent, stack guards, checked copies of the C library, addresses of
 # library functions read-only before main(), no executable stack. tests/end_to_end/test_hardening.py reads it all from the
 # binary. Cost in user time on the wide scene of benchmarks/whole_program.py, 60 pairs of runs: 0.2 % of the minimum, none
 # of the median.
-target_compile_options(velmora_flags INTERFACE -fPIE -fstack-protector-strong)
-target_link_options(velmora_flags INTERFACE -pie LINKER:-z,relro,-z,now,-z,noexecstack)
+add_compile_options(-fPIE -fstack-protector-strong)
+add_link_options(-pie LINKER:-z,relro,-z,now,-z,noexecstack)
 
 
 find_package(Threads REQUIRED)
@@ -26,5 +31,5 @@ if(VELMORA_SANITIZE)
   target_compile_options(velmora_flags INTERFACE ${sanitizer_flags})
   target_link_options(velmora_flags INTERFACE ${sanitizer_flags})
 else()  # the checked copies need an optimiser, and would hide faults from a sanitizer
-  target_compile_options(velmora_flags INTERFACE $<$<CONFIG:Release>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>)
+  add_compile_options("$<$<CONFIG:Release>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
 endif()
