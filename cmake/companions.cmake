@@ -1,6 +1,6 @@
 # The companion programs are built when their libraries are there (tools/setup.sh companions installs them); without
 # them everything else is. VELMORA_COMPANIONS=OFF leaves them out.
-option(VELMORA_COMPANIONS "Build the companion programs when their libraries are there" ON)
+option(VELMORA_COMPANIONS "Build the companion programs when their libraries are there" ${PROJECT_IS_TOP_LEVEL})
 if(NOT VELMORA_COMPANIONS)
   return()
 endif()
