@@ -1,10 +1,13 @@
 #!/bin/bash
-# setup.sh [companions]: installs what building, testing and the demo need, on Debian 12 or later; with "companions" also
-# what building and testing velmora-import needs. Does nothing when all is there.
+# setup.sh [demo|companions]: installs what building and testing need, on Debian 12 or later; with "demo" only what building
+# the program and the demo need; with "companions" also what the companion programs need. Does nothing when all is there.
 set -euo pipefail
 
-packages=(g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev python3 python3-numpy python3-pytest strace util-linux
-          clang-format clang-tidy)
+packages=(g++ cmake ninja-build python3 python3-numpy)
+if [ "${1:-}" != demo ]; then
+    packages+=(libgtest-dev libgmock-dev libbenchmark-dev python3-pytest python3-jsonschema strace util-linux
+               clang-format clang-tidy)
+fi
 if [ "${1:-}" = companions ]; then
     packages+=(libgdal-dev libproj-dev proj-data libpugixml-dev libcli11-dev gdal-bin python3-gdal)
 fi

@@ -30,6 +30,7 @@ struct OPTIONS {
     std::string output;
     std::string x, y, z;
     std::optional<double> invalid;
+    int longest = kLongestSide;
     bool kmz = false;
     bool force = false;
 };
@@ -52,7 +53,8 @@ void MakePictures(const OPTIONS& options) {
     for (const std::string& product : options.products) {
         const RASTER_FILE raster(product);
         const std::string path = OutputPath(options, product, ".png");
-        const CANVAS canvas = DrawPicture(raster, ProductOfFile(product, options.kind), options.invalid);
+        const CANVAS canvas =
+            DrawPicture(raster, ProductOfFile(product, options.kind), options.longest, options.invalid);
         SavePng(canvas, outputs.Add(path));
         results += path + "  " + std::to_string(canvas.Columns()) + " x " + std::to_string(canvas.Rows()) + "\n";
     }
@@ -159,6 +161,8 @@ void AddPicture(COMPANION_PROGRAM& program, OPTIONS& options) {
                            "  velmora-view picture simu_phase.ras h_earth.ras", [&options] { MakePictures(options); });
     WithProducts(command, options);
     command.add_option("-o", options.output, "the PNG [the product's name with .png]");
+    command.add_option("--longest", options.longest, "pixels of the longest side [1600]")
+        ->check(CLI::Range(kShortestLongestSide, kLongestSide));
     AddInvalid(command, options);
     AddForce(command, options);
 }

@@ -12,8 +12,7 @@ constexpr int kMargin = 10;
 constexpr int kBarRows = 18;
 constexpr int kTickRows = 4;
 constexpr int kLegendRows = kMargin + kTextRows + kMargin + kBarRows + kTickRows + 4 + kTextRows + kMargin;
-constexpr int kFewestColumns = 420;  ///< a legend needs this
-constexpr int kTickColumns = 150;    ///< a tick with its number needs this
+constexpr int kTickColumns = 150;  ///< a tick with its number needs this
 
 std::string Number(double value, double width) {
     const int decimals = std::clamp(2 - static_cast<int>(std::floor(std::log10(std::max(width, 1e-9)))), 0, 6);
@@ -23,9 +22,9 @@ std::string Number(double value, double width) {
 }
 
 /// Fits into what the legend leaves of the longest side.
-int FactorFor(const RASTER_FILE& raster) {
-    const long long columns = (raster.Columns() + kLongestSide - 1) / kLongestSide;
-    const long long rows = (raster.Rows() + kLongestSide - kLegendRows - 1) / (kLongestSide - kLegendRows);
+int FactorFor(const RASTER_FILE& raster, int longest) {
+    const long long columns = (raster.Columns() + longest - 1) / longest;
+    const long long rows = (raster.Rows() + longest - kLegendRows - 1) / (longest - kLegendRows);
     return static_cast<int>(std::max(columns, rows));
 }
 
@@ -78,12 +77,12 @@ AVERAGE AverageFor(const PRODUCT_KIND* kind) {
     return kind != nullptr && kind->product == PRODUCT::SIMU_PHASE ? AVERAGE::PHASE : AVERAGE::MEAN;
 }
 
-CANVAS DrawPicture(const RASTER_FILE& raster, const PRODUCT_KIND* kind, std::optional<double> invalid) {
-    const VALUE_GRID grid = AverageDown(raster, FactorFor(raster), AverageFor(kind), invalid);
+CANVAS DrawPicture(const RASTER_FILE& raster, const PRODUCT_KIND* kind, int longest, std::optional<double> invalid) {
+    const VALUE_GRID grid = AverageDown(raster, FactorFor(raster, longest), AverageFor(kind), invalid);
     const COLOURING colouring = ColouringFor(kind, raster.PixelType(), grid);
     const std::vector<COLOUR> colours = Colours(grid, colouring);
 
-    CANVAS canvas(std::max(grid.columns, kFewestColumns), grid.rows + kLegendRows, kWhite);
+    CANVAS canvas(std::max(grid.columns, kShortestLongestSide), grid.rows + kLegendRows, kWhite);
     for (int row = 0; row < grid.rows; ++row) {
         for (int column = 0; column < grid.columns; ++column)
             canvas.Set(column, row, colours[static_cast<std::size_t>(row) * grid.columns + column]);

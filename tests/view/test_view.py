@@ -84,6 +84,8 @@ def test_every_side_is_at_most_1600(tmp_path, name, columns, rows):
     write(tmp_path / (name + ".ras"), np.arange(columns * rows, dtype=float).reshape(rows, columns))
     good(tmp_path, "picture", name + ".ras")
     assert max(png(tmp_path / (name + ".png")).shape) <= 1600
+    good(tmp_path, "picture", name + ".ras", "--longest", "420", "--force")
+    assert max(png(tmp_path / (name + ".png")).shape) == 420 or name == "small"
 
 
 def test_tables_follow_the_product(tmp_path):
@@ -204,6 +206,7 @@ REFUSED = {
                      "numbers.ras", "--z", "numbers.ras"], "h_earth.ras: has"),
     "no command": ([], "subcommand"),
     "no product": (["picture"], "PRODUCT"),
+    "too small": (["picture", "h_earth.ras", "--longest", "10"], "--longest"),
     "bad number": (["info", "h_earth.ras", "--invalid", "many"], "--invalid"),
 }
 
