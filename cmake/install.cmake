@@ -3,16 +3,24 @@
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
-# The first five are what others want, the rest is what these need.
-set(velmora_installed_libraries time orbit geometry pool image
-  flags logging errors mem_allocation containers mdb sar)
-set(velmora_installed_headers time orbit geometry lib/baselib/pool lib/baselib/image
-  lib/baselib/logging lib/baselib/errors lib/baselib/mem_allocation lib/baselib/containers lib/baselib/mdb lib/baselib/sar)
-
-list(TRANSFORM velmora_installed_libraries PREPEND velmora_ OUTPUT_VARIABLE targets)
+# What others want, and with it all that it uses.
+set(targets "")
+set(to_visit velmora_time velmora_orbit velmora_geometry velmora_pool velmora_image)
+while(to_visit)
+  list(POP_FRONT to_visit target)
+  if(NOT target IN_LIST targets)
+    list(APPEND targets ${target})
+    get_target_property(uses ${target} INTERFACE_LINK_LIBRARIES)
+    string(REGEX MATCHALL "velmora_[a-z_]+" uses "${uses}")
+    list(APPEND to_visit ${uses})
+  endif()
+endwhile()
 install(TARGETS ${targets} EXPORT velmora_targets
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
-foreach(folder ${velmora_installed_headers})
+list(REMOVE_ITEM targets velmora_flags)
+foreach(target ${targets})
+  get_target_property(folder ${target} SOURCE_DIR)
+  file(RELATIVE_PATH folder ${velmora_SOURCE_DIR} ${folder})
   install(DIRECTORY ${velmora_SOURCE_DIR}/${folder}/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/velmora/${folder}
     COMPONENT development FILES_MATCHING PATTERN "*.h")
 endforeach()
