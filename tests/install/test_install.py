@@ -57,7 +57,7 @@ def test_texts_say_what_help_says(prefix, program):
     for command in [[], *([command] for command in commands)]:
         text = call(binary, *command, "--help")
         assert text in page
-        words = re.findall(r"^  (?:-\w,)?(--?[a-z]+)", text, re.M) if commands else [
+        words = re.findall(r"^  (?:-\w,)?(--?[a-z-]+)", text, re.M) if commands else [
             "-" + key for key in re.findall(r"^  (\w+)  ", text.partition("\nenvironment")[0], re.M)]
         script = "source %s; COMP_WORDS=(%s); COMP_CWORD=%d; _%s %s -; echo ${COMPREPLY[*]}" % (
             completion, " ".join([program, *command, "-"]), 1 + len(command), program.replace("-", "_"), program)
