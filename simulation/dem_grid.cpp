@@ -11,10 +11,6 @@
 
 namespace {
 
-bool IsKind(const DEM_GRID& dem, const char* kind) {
-    return strcasecmp(dem.kind.c_str(), kind) == 0;
-}
-
 [[noreturn]] void RefuseKind(const DEM_GRID& dem) {
     Log().Message(LOGGING_LEVEL::ALARM, "DEM grid must be UTM or GEO : %s", dem.kind.c_str());
     throw ERROR_DATA();
@@ -34,10 +30,15 @@ GEOGRAPHIC GeographicOfGeoSample(const DEM_GRID& dem, int column, int row) {
 
 }  // namespace
 
+GRID_KIND GridKindOf(const std::string& format) {
+    if (strcasecmp(format.c_str(), "GEO") == 0) return GRID_KIND::GEO;
+    return strcasecmp(format.c_str(), "UTM") == 0 ? GRID_KIND::UTM : GRID_KIND::REFUSED;
+}
+
 GEOGRAPHIC GeographicOfDemSample(const DEM_GRID& dem, int column, int row) {
-    if (IsKind(dem, "GEO")) return GeographicOfGeoSample(dem, column, row);
-    if (IsKind(dem, "UTM")) return GeographicOfUtmSample(dem, column, row);
-    RefuseKind(dem);
+    const GRID_KIND kind = GridKindOf(dem.kind);
+    if (kind == GRID_KIND::REFUSED) RefuseKind(dem);
+    return kind == GRID_KIND::GEO ? GeographicOfGeoSample(dem, column, row) : GeographicOfUtmSample(dem, column, row);
 }
 
 void Get_Earth_Position_From_DEM(const DEM_GRID& dem, int column, int row, double& x_m, double& y_m, double& z_m,
@@ -53,11 +54,12 @@ void Get_Earth_Position_From_DEM(const DEM_GRID& dem, int column, int row, doubl
 
 void Get_Local_DEM_From_GEO(const DEM_GRID& dem, double& column, double& row, double longitude_deg,
                             double latitude_deg) {
-    if (IsKind(dem, "UTM")) {
+    const GRID_KIND kind = GridKindOf(dem.kind);
+    if (kind == GRID_KIND::UTM) {
         Log().Message(LOGGING_LEVEL::ALARM, "Get_Local_DEM_From_GEO not yet implemented for UTM");
         throw ERROR_NOT_IMPLEMENTED();
     }
-    if (!IsKind(dem, "GEO")) RefuseKind(dem);
+    if (kind == GRID_KIND::REFUSED) RefuseKind(dem);
     double d = longitude_deg - dem.x0;
     if (d > 360.0) d -= 360.0;
     if (d < -360.0) d += 360.0;
@@ -68,7 +70,7 @@ void Get_Local_DEM_From_GEO(const DEM_GRID& dem, double& column, double& row, do
 POINT<double> LocateInDem(const DEM_GRID& dem, const VECTOR_3D<double>& point_m) {
     const GEOGRAPHIC position =
         CartesianToGeographic(DatumInverse(dem.geodetic.datum, point_m), dem.geodetic.a_m, dem.geodetic.e2);
-    if (IsKind(dem, "UTM")) {
+    if (GridKindOf(dem.kind) == GRID_KIND::UTM) {
         const MAP_POSITION map = dem.utm.value().Forward({position.longitude_rad, position.latitude_rad});
         return {(map.easting_m - dem.x0) / dem.dx, (dem.y0 - map.northing_m) / dem.dy};
     }

@@ -14,8 +14,16 @@
 #include "lib/baselib/containers/records.h"
 #include "lib/baselib/image/grid_view.h"
 
+enum class GRID_KIND {
+    GEO,     ///< degrees
+    UTM,     ///< metres
+    REFUSED  ///< anything else
+};
+/// "GEO" or "UTM", capitals or not.
+[[nodiscard]] GRID_KIND GridKindOf(const std::string& format);
+
 struct DEM_GRID {
-    std::string kind;  ///< "GEO" (degrees) or "UTM" (metres), compared without regard to case
+    std::string kind;  ///< as GridKindOf reads it
     int rows = 0;
     int columns = 0;
     GRID_VIEW<const short> heights{};  ///< metres

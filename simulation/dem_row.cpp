@@ -1,7 +1,5 @@
 #include "simulation/dem_row.h"
 
-#include <strings.h>
-
 #include <algorithm>
 #include <cmath>
 
@@ -21,12 +19,8 @@ POSITION_RUN RunOf(RADAR_ROW& row) {
 }  // namespace
 
 DEM_ROW::DEM_ROW(const DEM_GRID& dem, const DEM_RANGE& simulated, VECTOR_LEVEL level)
-    : dem_(dem),
-      level_(level),
-      kind_(strcasecmp(dem.kind.c_str(), "GEO") == 0   ? KIND::GEO
-            : strcasecmp(dem.kind.c_str(), "UTM") == 0 ? KIND::UTM
-                                                       : KIND::REFUSED) {
-    if (kind_ != KIND::GEO) return;
+    : dem_(dem), level_(level), kind_(GridKindOf(dem.kind)) {
+    if (kind_ != GRID_KIND::GEO) return;
     for (int column = simulated.first_column; column <= simulated.last_column; ++column) {
         const double longitude_rad = (column * dem.dx + dem.x0) * kRadiansPerDegree;
         cos_longitude_.push_back(std::cos(longitude_rad));
@@ -37,9 +31,9 @@ DEM_ROW::DEM_ROW(const DEM_GRID& dem, const DEM_RANGE& simulated, VECTOR_LEVEL l
 void DEM_ROW::FillPositions(RADAR_ROW& row) const {
     if (row.positions_filled) return;
     row.positions_filled = true;
-    if (kind_ == KIND::GEO) {
+    if (kind_ == GRID_KIND::GEO) {
         FillGeo(row);
-    } else if (kind_ != KIND::UTM || !FillUtm(row)) {
+    } else if (kind_ != GRID_KIND::UTM || !FillUtm(row)) {
         FillOneByOne(row);
     }
 }

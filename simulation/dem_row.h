@@ -21,8 +21,6 @@ class DEM_ROW {
     void FillPositions(RADAR_ROW& row) const;
 
   private:
-    enum class KIND { GEO, UTM, REFUSED };
-
     void FillGeo(RADAR_ROW& row) const;
     [[nodiscard]] bool FillUtm(RADAR_ROW& row) const;
     void FillOneByOne(RADAR_ROW& row) const;
@@ -30,7 +28,7 @@ class DEM_ROW {
 
     const DEM_GRID& dem_;
     VECTOR_LEVEL level_;
-    KIND kind_;
+    GRID_KIND kind_;
     std::vector<double> cos_longitude_{};  ///< of a "GEO" grid, one per simulated column
     std::vector<double> sin_longitude_{};
 };

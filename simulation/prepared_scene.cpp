@@ -1,7 +1,5 @@
 #include "simulation/prepared_scene.h"
 
-#include <strings.h>
-
 #include <algorithm>
 #include <cmath>
 
@@ -37,7 +35,7 @@ long long SimulatedRows(const SCENE& scene) {
 }
 
 bool HasPositions(const DEM_GRID& dem) {
-    return strcasecmp(dem.kind.c_str(), "GEO") == 0 || strcasecmp(dem.kind.c_str(), "UTM") == 0;
+    return GridKindOf(dem.kind) != GRID_KIND::REFUSED;
 }
 
 }  // namespace

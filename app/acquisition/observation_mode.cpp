@@ -11,6 +11,6 @@ OBSERVATION_MODE ObservationModeOf(const SOURCED_TEXT& mode) {
         if (known.text == mode.text) return known;
     }
     Explain("can not convert >%s< to observation mode", mode.Text());
-    LogRefusedText(mode.source, mode.text, CONTROL_KEY("OBSERVATION_MODE").row.range);
+    LogRefusedText(mode);
     throw ERROR_ARGUMENT();
 }

@@ -14,10 +14,14 @@
 struct SOURCED_TEXT {
     VALUE_SOURCE source{};
     std::string text{};
+    const VALUE_RANGE* range = &kAnything;  ///< of its key
 
     [[nodiscard]] bool Given() const { return !text.empty(); }
     [[nodiscard]] const char* Text() const { return text.c_str(); }
 };
+
+/// Names source, text and range at ALARM, for a failure whose own line and exception have fixed texts.
+void LogRefusedText(const SOURCED_TEXT& value);
 
 [[nodiscard]] bool IsGiven(CONTROLLER_IFC& controller, CONTROL_KEY key);
 /// Asks the keyboard when no source has the key.

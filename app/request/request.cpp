@@ -12,9 +12,8 @@
 namespace {
 
 PHASE_REQUEST ReadPhaseKeys(CONTROLLER_IFC& controller) {
-    const std::optional<SOURCED_TEXT> file = OptionalText(controller, "SIMU_PHASE");
+    const std::optional<SOURCED_TEXT> file = ReadProduct(controller, "SIMU_PHASE");
     if (!file) return {};
-    CheckProductGroup({*file});
     return {*file, OptionalText(controller, "IFGRM_INVALID").value_or(SOURCED_TEXT{})};
 }
 
@@ -40,10 +39,11 @@ TERRAIN_REQUEST ReadTerrainKeys(CONTROLLER_IFC& controller) {
 
 SOURCED_TEXT ReadObservationMode(CONTROLLER_IFC& controller, PARAMETER_POOL_READ_WRITE_CHANGE& insar_pool) {
     constexpr POOL_KEY<STRING> kPoolKey = "observation_mode";
-    if (!IsGiven(controller, "OBSERVATION_MODE"))
-        return {SourceOf(insar_pool, kPoolKey), Read<STRING>(insar_pool, kPoolKey).ToStd()};
+    constexpr CONTROL_KEY kForcingKey = "OBSERVATION_MODE";
+    if (!IsGiven(controller, kForcingKey))
+        return {SourceOf(insar_pool, kPoolKey), Read<STRING>(insar_pool, kPoolKey).ToStd(), &kPoolKey.row.range};
     Log().Message(LOGGING_LEVEL::WARNING, " - Observation mode forced by PCF -> Read value from PCF, not from pool ");
-    const SOURCED_TEXT mode = RequiredText(controller, "OBSERVATION_MODE");
+    const SOURCED_TEXT mode = RequiredText(controller, kForcingKey);
     insar_pool.Change(kPoolKey.row.name, STRING(mode.text));
     return mode;
 }
@@ -56,12 +56,8 @@ bool ReadParameterMode(CONTROLLER_IFC& controller) {
 
 SHIFT_REQUEST ReadShiftKeys(CONTROLLER_IFC& controller) {
     SHIFT_REQUEST shifts;
-    shifts.asked = IsGiven(controller, "RG_COREG") || IsGiven(controller, "AZ_COREG");
-    if (shifts.asked) {
-        shifts.range_file = RequiredText(controller, "RG_COREG");
-        shifts.azimuth_file = RequiredText(controller, "AZ_COREG");
-        CheckProductGroup({shifts.range_file, shifts.azimuth_file});
-    }
+    const std::vector<SOURCED_TEXT> files = ReadProductGroup(controller, {"RG_COREG", "AZ_COREG"});
+    if (!files.empty()) shifts = {.asked = true, .range_file = files[0], .azimuth_file = files[1]};
     shifts.relative = IsGiven(controller, "WRITE_SHIFTS");
     Say("%s", shifts.relative ? " - Mapping matrices represent relative shifts"
                               : " - Mapping matrices represent absolute positions");
@@ -70,16 +66,9 @@ SHIFT_REQUEST ReadShiftKeys(CONTROLLER_IFC& controller) {
 
 EARTH_REQUEST ReadEarthKeys(CONTROLLER_IFC& controller) {
     EARTH_REQUEST earth;
-    if (IsGiven(controller, "X_EARTH") || IsGiven(controller, "Y_EARTH") || IsGiven(controller, "Z_EARTH")) {
-        earth.x_file = RequiredText(controller, "X_EARTH");
-        earth.y_file = RequiredText(controller, "Y_EARTH");
-        earth.z_file = RequiredText(controller, "Z_EARTH");
-        CheckProductGroup({earth.x_file, earth.y_file, earth.z_file});
-    }
-    if (const std::optional<SOURCED_TEXT> height = OptionalText(controller, "H_EARTH")) {
-        earth.height_file = *height;
-        CheckProductGroup({*height});
-    }
+    const std::vector<SOURCED_TEXT> files = ReadProductGroup(controller, {"X_EARTH", "Y_EARTH", "Z_EARTH"});
+    if (!files.empty()) earth = {.x_file = files[0], .y_file = files[1], .z_file = files[2]};
+    earth.height_file = ReadProduct(controller, "H_EARTH").value_or(SOURCED_TEXT{});
     return earth;
 }
 

@@ -32,16 +32,16 @@ struct PHASE_REQUEST {
 
 struct SHIFT_REQUEST {
     bool asked = false;  ///< by the presence of a key
-    SOURCED_TEXT range_file;
-    SOURCED_TEXT azimuth_file;
+    SOURCED_TEXT range_file{};
+    SOURCED_TEXT azimuth_file{};
     bool relative = false;
 };
 
 struct EARTH_REQUEST {
-    SOURCED_TEXT x_file;
-    SOURCED_TEXT y_file;
-    SOURCED_TEXT z_file;
-    SOURCED_TEXT height_file;
+    SOURCED_TEXT x_file{};
+    SOURCED_TEXT y_file{};
+    SOURCED_TEXT z_file{};
+    SOURCED_TEXT height_file{};
 };
 
 struct REQUEST {

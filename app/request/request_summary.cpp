@@ -1,6 +1,5 @@
 #include "app/request/request_summary.h"
 
-#include "app/keys/pool_key.h"
 #include "app/say.h"
 
 namespace {
@@ -42,8 +41,7 @@ void LogRequestSummary(const REQUEST& request) {
     Say("   d. log pool: .............. %s", request.pools.log_pool.Text());
     Say("   e. dem pool: .............. %s", request.terrain.dem_pool.Text());
     Say("   f. range time shift: ...... %s", request.terrain.range_time_shift.Text());
-    RequireText(request.observation_mode.source, request.observation_mode.text,
-                POOL_KEY<STRING>("observation_mode").row.range);
+    RequireText(request.observation_mode.source, request.observation_mode.text, *request.observation_mode.range);
     Say("   g. observation mode: ...... %s", request.observation_mode.Text());
     Say("   h. looks range: ........... %s", request.looks_range.Text());
     Say("   i. looks azimuth: ......... %s", request.looks_azimuth.Text());

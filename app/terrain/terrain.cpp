@@ -1,7 +1,5 @@
 #include "app/terrain/terrain.h"
 
-#include <strings.h>
-
 #include <limits>
 #include <string>
 #include <utility>
@@ -25,10 +23,6 @@ struct DEM_EDGES {
     double east = 0.0;
 };
 
-bool IsFormat(const std::string& format, const char* name) {
-    return strcasecmp(format.c_str(), name) == 0;
-}
-
 std::string ReadGridFormat(PARAMETER_POOL& pool) {
     constexpr POOL_KEY<STRING> kKey = "grid_format";
     const std::string format = Read<STRING>(pool, kKey).ToStd();
@@ -36,7 +30,7 @@ std::string ReadGridFormat(PARAMETER_POOL& pool) {
     RequireText(source, format, kKey.row.range);
     Say("        Grid Format: %s ", format.c_str());
     // The run ends where the first position is looked up in such a grid, with a line that knows no file and no key.
-    if (!IsFormat(format, "GEO") && !IsFormat(format, "UTM")) LogRefusedText(source, format, kKey.row.range);
+    if (GridKindOf(format) == GRID_KIND::REFUSED) LogRefusedText(source, format, kKey.row.range);
     return format;
 }
 
@@ -122,10 +116,11 @@ TERRAIN ReadTerrain(const REQUEST& request, PARAMETER_POOL& dem_pool) {
     grid.height_offset_m = Read<double>(dem_pool, "dem_correction");
     Say("        Dem Correction: %f ", grid.height_offset_m);
     grid.kind = ReadGridFormat(dem_pool);
+    // Only capitals ask for the turn across 180 degrees: "geo" always took its edges as they are.
     const DEM_EDGES edges = ReadEdges(dem_pool, grid.kind == "GEO");
     CheckEdges(edges, dem_pool);
     grid.geodetic = ReadGeodeticParameters(dem_pool);
-    if (IsFormat(grid.kind, "UTM")) grid.utm = ReadProjection(grid.geodetic, dem_pool);
+    if (GridKindOf(grid.kind) == GRID_KIND::UTM) grid.utm = ReadProjection(grid.geodetic, dem_pool);
     Say("   a. Map (readonly) dem: .... %s ", request.terrain.dem_file.Text());
     terrain.image = MapDem(request.terrain.dem_file.text);
     Place(grid, terrain.image, edges);

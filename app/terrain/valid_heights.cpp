@@ -14,7 +14,7 @@ constexpr const char* kNumberCharacters = "+-0123456789.E";
 
 [[noreturn]] void Refuse(const SOURCED_TEXT& range) {
     Explain("can not parse: > %s < ", range.Text());
-    LogRefusedText(range.source, range.text, CONTROL_KEY("DEM_VALID").row.range);
+    LogRefusedText(range);
     throw ERROR_ARGUMENT();
 }
 
