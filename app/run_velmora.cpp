@@ -4,6 +4,7 @@
 #include <string>
 
 #include "app/keys/control_key.h"
+#include "app/out_of_memory.h"
 #include "app/products/output_products.h"
 #include "app/products/pool_write_back.h"
 #include "app/products/software_history.h"
@@ -33,20 +34,24 @@ HISTORY_ENTRY EntryOfThisRun(const VERSION_RECORD& version) {
 void RunStages(CONTROLLER_IFC& controller, const VERSION_RECORD& version) {
     RUN_POOLS pools;
 
+    SetOutOfMemoryLine("out of memory while the configuration, the pools and the DEM were read (stage A)");
     LogStage("A. READ CONFIGURATION *************************************");
     (void)ChosenVectorLevel();  // stage B's affair, but refused before the work of stage A
     const REQUEST request = ReadRequest(controller, pools);
     TryHistory(pools.HistoryPool(), EntryOfThisRun(version));
     const SIMULATION_STATE state(request, pools);
 
+    SetOutOfMemoryLine("out of memory in the phase simulation (stage B)");
     LogStage("B. PHASE SIMULATION ***************************************");
     SimulateScene(state.scene);
 
+    SetOutOfMemoryLine("out of memory while the products were saved (stage C)");
     LogStage("C. OUTPUT TO FILE SAVING **********************************");
     SaveProducts(state, pools.insar);
 
     Say(" ");
     Say("***********************************************************");
+    SetOutOfMemoryLine("out of memory while the pools were updated");
     WriteBackPools(pools, EntryOfThisRun(version));
 }
 
@@ -57,6 +62,7 @@ void LogReason(const std::string& reason) {
 }  // namespace
 
 void RunVelmora(int argc, char** argv) {
+    ReportOutOfMemory();
     CONTROLLER_IFC controller;
     controller.SetKnownKeys(ControlKeyNames());
     try {

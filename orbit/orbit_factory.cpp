@@ -1,5 +1,7 @@
 #include "orbit/orbit_factory.h"
 
+#include <new>
+
 #include "lib/baselib/logging/logging.h"
 #include "orbit/interpolation/everett.h"
 #include "orbit/interpolation/local_interpolation.h"
@@ -87,6 +89,8 @@ template <class STEP>
 auto NamingEntry(const ORBIT_CONFIGURATION& configuration, const char* key, const std::string& value, STEP step) {
     try {
         return step();
+    } catch (const std::bad_alloc&) {  // no fault of the entry
+        throw;
     } catch (...) {
         Log().Message(LOGGING_LEVEL::ALARM, "%s: key \"%s\": value \"%s\" is refused", configuration.pool_file.c_str(),
                       key, value.c_str());

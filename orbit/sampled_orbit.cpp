@@ -1,6 +1,7 @@
 #include "orbit/sampled_orbit.h"
 
 #include <algorithm>
+#include <new>
 #include <typeinfo>
 
 #include "lib/baselib/errors/error_exception.h"
@@ -90,6 +91,8 @@ void SAMPLED_ORBIT::TakeOver(const STATE_VECTOR_LISTS& lists) {
     const ORBIT_SAMPLES samples = SamplesOf(lists, reference_, traits_.numbers.is_float, Interpolation());
     try {
         axes_ = std::make_shared<const AXES>(MakeAxes(samples));
+    } catch (const std::bad_alloc&) {  // no fault of the entry
+        throw;
     } catch (...) {
         Log().Message(
             LOGGING_LEVEL::ALARM,

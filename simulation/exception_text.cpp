@@ -1,6 +1,7 @@
 #include "simulation/exception_text.h"
 
 #include <exception>
+#include <new>
 
 #include "lib/baselib/errors/error_exception.h"
 
@@ -11,6 +12,8 @@ std::string CurrentExceptionText() {
         return error.Message();
     } catch (const char* text) {
         return text;
+    } catch (const std::bad_alloc&) {
+        return "out of memory";
     } catch (const std::exception& error) {
         return error.what();
     } catch (...) {

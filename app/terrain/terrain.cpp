@@ -1,5 +1,6 @@
 #include "app/terrain/terrain.h"
 
+#include <cmath>
 #include <limits>
 #include <string>
 #include <utility>
@@ -70,6 +71,18 @@ void CheckEdges(const DEM_EDGES& edges, const PARAMETER_POOL& pool) {
         RefuseValue(SourceOf<double>(pool, "right_easting"), edges.east, "is not above left_easting");
 }
 
+/// No projection reaches farther than half way round the Earth; beyond, a slip of the pen would pass for terrain.
+void CheckMetres(const DEM_EDGES& edges, const PARAMETER_POOL& pool) {
+    constexpr double kFarthest_m = 2.0e7;
+    const std::pair<const char*, double> values[] = {{"upper_northing", edges.north},
+                                                     {"lower_northing", edges.south},
+                                                     {"left_easting", edges.west},
+                                                     {"right_easting", edges.east}};
+    for (const auto& [key, value] : values)
+        if (std::fabs(value) > kFarthest_m)
+            RefuseValue({pool.FileName(), key}, value, "is outside -20000000..20000000 m");
+}
+
 UTM_PROJECTION ReadProjection(const GEODETIC_PARAMETERS& geodetic, PARAMETER_POOL& pool) {
     constexpr POOL_KEY<STRING> kHemisphere = "utm_hemisphere";
     const int zone = Read<int>(pool, "utm_zone");
@@ -119,6 +132,7 @@ TERRAIN ReadTerrain(const REQUEST& request, PARAMETER_POOL& dem_pool) {
     // Only capitals ask for the turn across 180 degrees: "geo" always took its edges as they are.
     const DEM_EDGES edges = ReadEdges(dem_pool, grid.kind == "GEO");
     CheckEdges(edges, dem_pool);
+    if (GridKindOf(grid.kind) == GRID_KIND::UTM) CheckMetres(edges, dem_pool);
     grid.geodetic = ReadGeodeticParameters(dem_pool);
     if (GridKindOf(grid.kind) == GRID_KIND::UTM) grid.utm = ReadProjection(grid.geodetic, dem_pool);
     Say("   a. Map (readonly) dem: .... %s ", request.terrain.dem_file.Text());

@@ -80,6 +80,9 @@ CASES = [
     ("rotation that is none", pool("dem.pool", "datum_rotation", "datum_rotation FLT_15_V 0 9\n{\n" + "1\n" * 9 + "}",
                                    "datum_scale FLT_15 1"), ["datum_rotation"]),
     ("zone out of range", pool("dem.pool", "grid_format", 'grid_format STR "UTM"', "utm_zone INT_32 61"), ["utm_zone"]),
+    ("easting of no projection", lambda folder: [edit(folder) for edit in (
+        pool("dem.pool", "grid_format", 'grid_format STR "UTM"', "utm_zone INT_32 31"),
+        pool("dem.pool", "right_easting", "right_easting FLT_15 392940000000"))], ["right_easting", "20000000 m"]),
     ("prf of 0", pool("master.pool", "prf", "prf FLT_15 0"), ["prf"]),
     ("frequency not a number", pool("master.pool", "radar_frequency", "radar_frequency FLT_15 nan"), ["radar_frequency"]),
     ("image of no lines", pool("insar.pool", "n_lines", "n_lines INT_32 0"), ["n_lines"]),

@@ -214,11 +214,17 @@ def test_history_goes_into_the_insar_pool_when_that_is_the_log_pool(small):
 @pytest.mark.parametrize("lengths, reasons", [
     (dict(dates=1), ['key "software_dates": ', "pool error - corrupted parameter pool file"]),
     (dict(execution_times=3), ['key "software_execution_times": ', "pool error - corrupted parameter pool file"]),
-    (dict(dates=None), ["software_dates", "pool error - key not found"])])
-def test_a_damaged_history_changes_no_pool(small, lengths, reasons):
-    write_history(small, ["a", "b"], **lengths)
+    (dict(dates=None), ["software_dates", "pool error - key not found"]),
+    ('a"b', ['key "software_names": the value can not be written', "pool error - no or invalid parameter value in file"])])
+def test_a_history_that_can_not_be_written_ends_the_run_before_the_simulation(small, lengths, reasons):
+    """The lists' lengths, or the program's name."""
+    name = lengths if isinstance(lengths, str) else "velmora"
+    if name == "velmora":
+        write_history(small, ["a", "b"], **lengths)
     before = pool_bytes(small)
-    run = velmora(small)
-    assert run.status == 1 and run.lines("ALARM")[-2:] == [reasons[1], LAST_LINE], run.explanation()
+    run = velmora(small, "-pid", name, "-lfn", "log.velmora")
+    assert not any("B. PHASE" in line for line in run.log)
+    last = LAST_LINE.replace("velmora", name)
+    assert run.status == 1 and run.lines("ALARM")[-2:] == [reasons[1], last], run.explanation()
     assert any(reasons[0] in line for line in run.lines("ALARM"))
     assert pool_bytes(small) == before

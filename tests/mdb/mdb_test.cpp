@@ -311,6 +311,27 @@ TEST_F(MdbTest, WritesNoRecordThatItCouldNotRead) {
     }
 }
 
+TEST_F(MdbTest, RecordsLongerThanAPageAreFoundAndFollowed) {
+    std::vector<std::pair<std::string, RECORD_ITEM_TYPE>> items = {{"t", RECORD_ITEM_TYPE::INT}};
+    for (int i = 0; i < 900; ++i) items.emplace_back("item_" + std::to_string(i), RECORD_ITEM_TYPE::INT);
+    MDB db;
+    db.Open(root_, "data", MDB_OPEN_MODE::READ_WRITE);
+    MDB_RECORD record = TypeOf(items);
+    db.SetRecordType(record);
+    for (const int t : {1, 5, 5, 9}) {
+        record["t"].Set(t);
+        record["item_899"].Set(-t);
+        db.Write(record);
+    }
+    record["t"].Set(8);
+    EXPECT_EQ(TextThrownBy([&] { db.Write(record); }), "MDB::Write(): key lies before the last record");
+    for (const int t : {1, 5, 9}) {
+        db.GotoRecord(t, MDB_STOP_MODE::EXACT);
+        EXPECT_EQ(db["item_899"].Int(), -t);
+    }
+    EXPECT_FALSE(db.Read());
+}
+
 TEST_F(MdbTest, EachOperationTellsWhyItCanNotBe) {
     MDB db;
     const auto expect = [&](const char* text, const auto& call) { EXPECT_EQ(TextThrownBy(call), text); };
@@ -329,7 +350,19 @@ TEST_F(MdbTest, EachOperationTellsWhyItCanNotBe) {
     const MDB_RECORD type = TypeOf({{"t", RECORD_ITEM_TYPE::DOUBLE}});
     const MDB_RECORD other = TypeOf({{"u", RECORD_ITEM_TYPE::DOUBLE}});
     expect("MDB::Write(): no file open", [&] { db.Write(type); });
+    expect("MDB::Read(): no file open", [&] { db.Read(); });
+    expect("MDB::Rewind(): no file open", [&] { db.Rewind(); });
+    expect("MDB::GotoRecord(): no file open", [&] { db.GotoRecord(1.0, MDB_STOP_MODE::EXACT); });
+    expect("MDB::SetRecordType(): no file open", [&] { db.SetRecordType(type); });
+    expect("MDB[\"key\"](): no file open", [&] { db["t"]; });
+    expect("MDB::GetPathInfo(): no path was set before", [] { MDB().GetPathInfo(); });
+    expect("unknown record item type", [] { RecordItemTypeText(static_cast<RECORD_ITEM_TYPE>(5)); });
     db.Open(root_, "data", READ_WRITE);
+    EXPECT_EQ(db.GetPathInfo(), root_);
+    expect("MDB::Read(): no valid record type", [&] { db.Read(); });
+    expect("MDB::Write(): no valid record type", [&] { db.Write(type); });
+    expect("MDB::GetRecordType(): record type is not set", [&] { db.GetRecordType(); });
+    expect("MDB[\"key\"](): no valid record type", [&] { db["t"]; });
     expect("MDB::GotoRecord(): no valid record type", [&] { db.GotoRecord(1.0, MDB_STOP_MODE::EXACT); });
     db.SetRecordType(type);
     expect("MDB[\"key\"](): no valid data available", [&] { db["t"]; });
@@ -337,6 +370,8 @@ TEST_F(MdbTest, EachOperationTellsWhyItCanNotBe) {
     db.Write(type);
     ASSERT_TRUE(db.Read());
     expect("MDB: RECORD_ITEM: can not find key_name in record", [&] { db["T"]; });
+    db.Rewind();
+    expect("MDB::GetCurrentRecord(): no record data available", [&] { db.GetCurrentRecord(); });
     MDB_RECORD earlier = type;
     earlier["t"].Set(-1.0);
     expect("MDB::Write(): key lies before the last record", [&] { db.Write(earlier); });

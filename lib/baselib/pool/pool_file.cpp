@@ -89,8 +89,13 @@ POOL_FILE::POOL_FILE(const std::string& path) : name_(path), directory_(Director
         descriptor_ = OpenDescriptor(path, O_RDONLY);
         writable_ = false;
     }
-    if (descriptor_ >= 0) return;
+    struct stat status {};
+    if (descriptor_ >= 0 && fstat(descriptor_, &status) == 0) {
+        identity_ = {status.st_dev, status.st_ino};
+        return;
+    }
     const int error = errno;
+    Close();
     Log().Message(LOGGING_LEVEL::ALARM, "can not open parameter file %s", path.c_str());
     Log().Message(LOGGING_LEVEL::ALARM, "%s", std::strerror(error));
     throw CAN_NOT_OPEN_POOL();
@@ -98,6 +103,7 @@ POOL_FILE::POOL_FILE(const std::string& path) : name_(path), directory_(Director
 
 POOL_FILE& POOL_FILE::operator=(POOL_FILE&& other) noexcept {
     std::swap(descriptor_, other.descriptor_);
+    std::swap(identity_, other.identity_);
     std::swap(writable_, other.writable_);
     std::swap(is_new_, other.is_new_);
     name_.swap(other.name_);
@@ -109,18 +115,9 @@ void POOL_FILE::Close() {
     if (descriptor_ >= 0) close(std::exchange(descriptor_, -1));
 }
 
-bool POOL_FILE::IsSameFileAs(const POOL_FILE& other) const {
-    struct stat mine {};
-    struct stat others {};
-    return fstat(descriptor_, &mine) == 0 && fstat(other.descriptor_, &others) == 0 && mine.st_dev == others.st_dev &&
-           mine.st_ino == others.st_ino;
-}
-
 bool POOL_FILE::IsReplaced() const {
-    struct stat opened {};
     struct stat named {};
-    if (fstat(descriptor_, &opened) != 0 || stat(name_.c_str(), &named) != 0) return false;
-    return opened.st_dev != named.st_dev || opened.st_ino != named.st_ino;
+    return stat(name_.c_str(), &named) == 0 && IDENTITY{named.st_dev, named.st_ino} != identity_;
 }
 
 void POOL_FILE::Lock(LOCK kind, int longest_wait_s) const {

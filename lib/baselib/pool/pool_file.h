@@ -9,6 +9,7 @@
 
 #include <sys/types.h>
 
+#include <compare>
 #include <string>
 
 class POOL_FILE {
@@ -33,7 +34,13 @@ class POOL_FILE {
     [[nodiscard]] int Descriptor() const { return descriptor_; }
     [[nodiscard]] const std::string& Name() const { return name_; }
     [[nodiscard]] const std::string& Directory() const { return directory_; }
-    [[nodiscard]] bool IsSameFileAs(const POOL_FILE& other) const;
+    /// What tells one file from another, whatever its names; found when it was opened.
+    struct IDENTITY {
+        dev_t device = 0;
+        ino_t inode = 0;
+        auto operator<=>(const IDENTITY&) const = default;
+    };
+    [[nodiscard]] IDENTITY Identity() const { return identity_; }
     /// Whether its name now belongs to another file: an editor replaced it while it was open.
     [[nodiscard]] bool IsReplaced() const;
 
@@ -54,6 +61,7 @@ class POOL_FILE {
     [[noreturn]] void Refuse(const std::string& reason) const;
 
     int descriptor_ = -1;
+    IDENTITY identity_;
     bool writable_ = true;
     bool is_new_ = false;
     std::string name_ = "xxx.dat";

@@ -2,10 +2,8 @@
 
 #include <pthread.h>
 #include <signal.h>
-#include <sys/stat.h>
 
 #include <algorithm>
-#include <tuple>
 #include <utility>
 
 #include "lib/baselib/logging/logging.h"
@@ -44,22 +42,18 @@ class SIGNALS_HELD_BACK {
     sigset_t before_{};
 };
 
-std::pair<dev_t, ino_t> PlaceOf(const POOL_FILE& file) {
-    struct stat status {};
-    return fstat(file.Descriptor(), &status) == 0 ? std::pair{status.st_dev, status.st_ino} : std::pair<dev_t, ino_t>{};
-}
-
 }  // namespace
 
 POOL_TRANSACTION::POOL_TRANSACTION(std::vector<PARAMETER_POOL_READ_WRITE_CHANGE*> pools) : pools_(std::move(pools)) {
     for (PARAMETER_POOL_READ_WRITE_CHANGE* pool : pools_) pool->RequirePermission();
     for (PARAMETER_POOL_READ_WRITE_CHANGE* pool : pools_) {
         const bool is_known = std::any_of(files_.begin(), files_.end(), [pool](const auto& other) {
-            return other->File().IsSameFileAs(pool->File());
+            return other->File().Identity() == pool->File().Identity();
         });
         if (!is_known) files_.push_back(pool);
     }
-    std::sort(files_.begin(), files_.end(), [](auto* a, auto* b) { return PlaceOf(a->File()) < PlaceOf(b->File()); });
+    std::sort(files_.begin(), files_.end(),
+              [](auto* a, auto* b) { return a->File().Identity() < b->File().Identity(); });
     try {
         LockAll();
     } catch (...) {
@@ -83,7 +77,7 @@ void POOL_TRANSACTION::LockAll() {
 PARAMETER_POOL_LIST POOL_TRANSACTION::PendingOf(const POOL_FILE& file) const {
     PARAMETER_POOL_LIST items;
     for (PARAMETER_POOL_READ_WRITE_CHANGE* pool : pools_) {
-        if (!pool->File().IsSameFileAs(file)) continue;
+        if (pool->File().Identity() != file.Identity()) continue;
         for (const PARAMETER_POOL_ITEM& item : pool->pending_) items.Put(item);
     }
     return items;
