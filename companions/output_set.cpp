@@ -103,12 +103,12 @@ std::string OUTPUT_SET::Add(const std::string& path) {
 void OUTPUT_SET::Place(OUTPUT& output) const {
     const char* const from = output.temporary.c_str();
     const char* const to = output.path.c_str();
+    RequireReplaceable(output.path);  // again: exchanging would put a folder of this name aside
     if (chmod(from, PermissionsFor(output.path)) != 0) RefuseSystemError(output.path, "set the permissions");
     if (force_ && renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_EXCHANGE) == 0) {
         output.exchanged = true;
     } else if (renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) != 0) {
         // Some network file systems know neither flag.
-        if (errno == EEXIST) throw COMPANION_ERROR(output.path + ": has appeared meanwhile; --force replaces it");
         if (errno != EINVAL || rename(from, to) != 0) RefuseSystemError(output.path, "put the file in place");
     }
     output.placed = true;

@@ -35,6 +35,7 @@ struct DEM_OPTIONS {
 /// What the summary tells beyond the grid.
 struct DEM_OUTCOME {
     HEIGHT_CHOICE heights = HEIGHT_CHOICE::AS_IS;
+    std::string contradiction{};  ///< what a file says of its heights otherwise
     long long filled = 0;
     HEIGHT_STATISTICS statistics;
 };
@@ -152,6 +153,8 @@ void PrintSummary(const DEM_OPTIONS& options, const DEM_MOSAIC& mosaic, const DE
     PrintResult("  edges ........ north %.12g, south %.12g, west %.12g, east %.12g\n", edges.upper, edges.lower,
                 edges.left, edges.right);
     PrintResult("  heights ...... %s\n", heights.c_str());
+    if (!outcome.contradiction.empty())
+        PrintResult("  note ......... --heights overrules a file, which says: %s\n", outcome.contradiction.c_str());
     PrintResult("  stored as .... %s\n", PixelText(options, statistics).c_str());
     PrintResult("  range ........ %.10g to %.10g m\n", statistics.lowest_m, statistics.highest_m);
     PrintResult("  voids ........ %lld filled, %lld left (as %d)\n", outcome.filled, statistics.voids, kVoidSample_m);
@@ -174,6 +177,9 @@ void Run(const DEM_OPTIONS& options) {
     for (const auto& source : sources) descriptions.push_back(source->Description());
     DEM_OUTCOME outcome;
     outcome.heights = ChooseHeights(options.heights, sources);
+    for (const auto& source : sources) {
+        if (outcome.contradiction.empty()) outcome.contradiction = ContradictionIn(outcome.heights, *source);
+    }
     DEM_MOSAIC mosaic(std::move(sources), box);
     const std::string raster = outputs.Add(options.Raster());
     const std::string pool = outputs.Add(options.Pool());

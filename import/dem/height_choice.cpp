@@ -42,3 +42,10 @@ HEIGHT_CHOICE ChooseHeights(const std::string& option, const std::vector<std::un
     }
     return choice;
 }
+
+std::string ContradictionIn(HEIGHT_CHOICE choice, const DEM_SOURCE& source) {
+    const HEIGHT_REFERENCE told = source.Heights().reference;
+    const bool agrees = (choice == HEIGHT_CHOICE::ELLIPSOID && told == HEIGHT_REFERENCE::ELLIPSOID) ||
+                        (choice == HEIGHT_CHOICE::EGM96 && told == HEIGHT_REFERENCE::EGM96);
+    return agrees ? "" : source.Heights().name;
+}

@@ -17,5 +17,9 @@ enum class HEIGHT_CHOICE {
 
 /// @param option  "ellipsoid", "egm96", "as-is", or empty when none was given
 /// @throws COMPANION_ERROR when nobody says which, when files differ, and for a reference that is not converted
+/// The option comes before the files: see ContradictionIn.
 [[nodiscard]] HEIGHT_CHOICE ChooseHeights(const std::string& option,
                                           const std::vector<std::unique_ptr<DEM_SOURCE>>& sources);
+
+/// What a file says that the choice does not: "EGM96 height" for heights taken as ellipsoidal ones; mostly empty.
+[[nodiscard]] std::string ContradictionIn(HEIGHT_CHOICE choice, const DEM_SOURCE& source);

@@ -18,8 +18,12 @@ XML_ELEMENT XML_ELEMENT::Child(const std::string& path) const {
 }
 
 std::vector<XML_ELEMENT> XML_ELEMENT::Children(const std::string& name) const {
+    constexpr std::size_t kMost = 200'000;
     std::vector<XML_ELEMENT> children;
     for (const pugi::xml_node& node : node_.children(name.c_str())) {
+        if (children.size() == kMost)
+            throw COMPANION_ERROR(file_ + ": element " + path_ + ": holds more than " + std::to_string(kMost) + " " +
+                                  name);
         const std::string number = std::to_string(children.size() + 1);
         children.emplace_back(file_, path_ + "/" + name + "[" + number + "]", node);
     }

@@ -1,6 +1,7 @@
 /// \file xml_document.h
-/// An XML document, read with limits: at most 256 MiB, no document type (hence no entities of its own, internal or
-/// external). Elements know their path, so that a missing or wrong one is named in full.
+/// An XML document, read with limits: at most 32 MiB, at most 200 000 elements of a list, no document type (hence no
+/// entities of its own, internal or external). Elements know their path, so that a missing or wrong one is named in
+/// full.
 
 #pragma once
 
@@ -12,7 +13,7 @@
 #include "companions/companion_error.h"
 #include "time/universal_time.h"
 
-inline constexpr std::size_t kXmlLimitBytes = std::size_t{256} << 20U;
+inline constexpr std::size_t kXmlLimitBytes = std::size_t{32} << 20U;
 
 class XML_ELEMENT {
   public:
@@ -22,7 +23,7 @@ class XML_ELEMENT {
     /// @param path  "adsHeader/mode": names separated by "/". @throws COMPANION_ERROR naming what is missing
     [[nodiscard]] XML_ELEMENT Child(const std::string& path) const;
     [[nodiscard]] bool Has(const std::string& name) const { return !node_.child(name.c_str()).empty(); }
-    /// All children of the name; their paths count from 1: "orbit[3]".
+    /// All children of the name; their paths count from 1: "orbit[3]". @throws COMPANION_ERROR for too many
     [[nodiscard]] std::vector<XML_ELEMENT> Children(const std::string& name) const;
 
     [[nodiscard]] std::string Text() const;

@@ -165,6 +165,8 @@ def test_heights_above_egm96_become_ellipsoidal_as_proj_has_it(tmp_path, crs, co
     tiff(tmp_path / "b.tif", heights, corner, spacing, crs + "+5773")
     told, _ = imported(tmp_path, tmp_path / "b.tif", "--float")  # the file itself says EGM96
     assert np.array_equal(told.samples, dem.samples)
+    overruled, results = imported(tmp_path, tmp_path / "b.tif", "--heights", "ellipsoid", "--float")
+    assert np.array_equal(overruled.samples, heights) and "overrules a file, which says: EGM96" in results
 
 
 def plane(longitude, latitude):
