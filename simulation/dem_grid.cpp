@@ -20,12 +20,12 @@ GEOGRAPHIC GeographicOfUtmSample(const DEM_GRID& dem, int column, int row) {
     const MAP_GEOGRAPHIC position = dem.utm.value().Inverse({column * dem.dx + dem.x0, dem.y0 - row * dem.dy});
     const int inner_row = std::clamp(row, 0, dem.rows - 1);
     const int inner_column = std::clamp(column, 0, dem.columns - 1);
-    return {position.longitude_rad, position.latitude_rad, dem.heights[inner_row][inner_column] + dem.height_offset_m};
+    return {position.longitude_rad, position.latitude_rad, dem.Height(inner_column, inner_row) + dem.height_offset_m};
 }
 
 GEOGRAPHIC GeographicOfGeoSample(const DEM_GRID& dem, int column, int row) {
     return {(column * dem.dx + dem.x0) * kRadiansPerDegree, (dem.y0 - row * dem.dy) * kRadiansPerDegree,
-            dem.heights[row][column] + dem.height_offset_m};
+            dem.Height(column, row) + dem.height_offset_m};
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include "geometry/utm_projection.h"
 #include "lib/baselib/containers/records.h"
 #include "lib/baselib/image/grid_view.h"
+#include "simulation/dem_sample.h"
 
 enum class GRID_KIND {
     GEO,     ///< degrees
@@ -26,14 +27,20 @@ struct DEM_GRID {
     std::string kind;  ///< as GridKindOf reads it
     int rows = 0;
     int columns = 0;
-    GRID_VIEW<const short> heights{};  ///< metres
-    double height_offset_m = 0.0;      ///< added to every sample
-    double x0 = 0.0;                   ///< longitude (degrees) or easting (metres) of column 0
-    double y0 = 0.0;                   ///< latitude or northing of row 0
-    double dx = 0.0;                   ///< spacing of the columns, positive
-    double dy = 0.0;                   ///< spacing of the rows, positive; row r lies at y0 - r dy
+    GRID_VIEW<const short> heights{};       ///< metres, 16-bit samples; or else
+    GRID_VIEW<const float> real_heights{};  ///< metres, 32-bit reals
+    double height_offset_m = 0.0;           ///< added to every sample
+    double x0 = 0.0;                        ///< longitude (degrees) or easting (metres) of column 0
+    double y0 = 0.0;                        ///< latitude or northing of row 0
+    double dx = 0.0;                        ///< spacing of the columns, positive
+    double dy = 0.0;                        ///< spacing of the rows, positive; row r lies at y0 - r dy
     GEODETIC_PARAMETERS geodetic{};
     std::optional<UTM_PROJECTION> utm{};  ///< present for a "UTM" grid
+
+    /// Height of a sample of either kind, without the offset; kDemVoid_m for a real that is no height.
+    [[nodiscard]] float Height(int column, int row) const {
+        return real_heights ? HeightOf(real_heights[row][column]) : HeightOf(heights[row][column]);
+    }
 };
 
 /// DEM sample to longitude, latitude (radians) on the DEM's own ellipsoid and height (metres, offset included). Indices

@@ -1,5 +1,7 @@
 #include "simulation/dem_positions.h"
 
+#include "simulation/dem_sample.h"
+
 namespace {
 
 [[gnu::always_inline]] inline double SineOfSmall(double a) {
@@ -27,24 +29,37 @@ namespace {
     return 1.0 + q * s;
 }
 
-}  // namespace
-
-void VELMORA_VECTOR_LEVEL::FillParallel(const PARALLEL& parallel, const double* cos_longitude,
-                                        const double* sin_longitude, const short* samples, double offset_m,
-                                        const POSITION_RUN& run) {
+template <class SAMPLE>
+[[gnu::always_inline]] inline void FillParallelFrom(const SAMPLE* samples, const PARALLEL& parallel,
+                                                    const double* cos_longitude, const double* sin_longitude,
+                                                    double offset_m, const POSITION_RUN& run) {
     const PARALLEL p = parallel;
     double* __restrict x_m = run.x_m;
     double* __restrict y_m = run.y_m;
     double* __restrict z_m = run.z_m;
     double* __restrict height_m = run.height_m;
     for (int i = 0; i < run.count; ++i) {
-        const double h_m = samples[i] + offset_m;
+        const double h_m = HeightOf(samples[i]) + offset_m;
         const double axis_distance_m = (p.normal_radius_m + h_m) * p.cos_latitude;
         x_m[i] = axis_distance_m * cos_longitude[i];
         y_m[i] = axis_distance_m * sin_longitude[i];
         z_m[i] = (p.polar_radius_m + h_m) * p.sin_latitude;
         height_m[i] = static_cast<float>(h_m);
     }
+}
+
+}  // namespace
+
+void VELMORA_VECTOR_LEVEL::FillParallel(const PARALLEL& parallel, const double* cos_longitude,
+                                        const double* sin_longitude, const short* samples, double offset_m,
+                                        const POSITION_RUN& run) {
+    FillParallelFrom(samples, parallel, cos_longitude, sin_longitude, offset_m, run);
+}
+
+void VELMORA_VECTOR_LEVEL::FillParallelOfReals(const PARALLEL& parallel, const double* cos_longitude,
+                                               const double* sin_longitude, const float* samples, double offset_m,
+                                               const POSITION_RUN& run) {
+    FillParallelFrom(samples, parallel, cos_longitude, sin_longitude, offset_m, run);
 }
 
 void VELMORA_VECTOR_LEVEL::FillMapRow(const MAP_ROW& map_row, const POSITION_RUN& run) {

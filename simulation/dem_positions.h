@@ -52,6 +52,10 @@ VELMORA_AT_EVERY_LEVEL(void FillParallel(const PARALLEL& parallel, const double*
                                          const double* sin_longitude, const short* samples, double offset_m,
                                          const POSITION_RUN& run))
 
+VELMORA_AT_EVERY_LEVEL(void FillParallelOfReals(const PARALLEL& parallel, const double* cos_longitude,
+                                                const double* sin_longitude, const float* samples, double offset_m,
+                                                const POSITION_RUN& run))
+
 /// Heights of the row stand in run.height_m in double precision and are rounded here.
 VELMORA_AT_EVERY_LEVEL(void FillMapRow(const MAP_ROW& map, const POSITION_RUN& run))
 

@@ -16,6 +16,17 @@ POSITION_RUN RunOf(RADAR_ROW& row) {
             row[QUANTITY::HEIGHT_M].data(), row.size};
 }
 
+/// A map grid may reach beyond the samples; their edge goes on.
+template <class SAMPLE>
+void TakeHeights(const GRID_VIEW<const SAMPLE>& heights, const DEM_GRID& dem, const RADAR_ROW& row,
+                 const POSITION_RUN& run) {
+    const SAMPLE* const samples = heights[std::clamp(row.row, 0, dem.rows - 1)];
+    for (int i = 0; i < row.size; ++i) {
+        const SAMPLE sample_m = samples[std::clamp(row.first_column + i, 0, dem.columns - 1)];
+        run.height_m[i] = HeightOf(sample_m) + dem.height_offset_m;
+    }
+}
+
 }  // namespace
 
 DEM_ROW::DEM_ROW(const DEM_GRID& dem, const DEM_RANGE& simulated, VECTOR_LEVEL level)
@@ -46,9 +57,15 @@ void DEM_ROW::FillGeo(RADAR_ROW& row) const {
     const double e2 = dem_.geodetic.e2;
     parallel.normal_radius_m = dem_.geodetic.a_m / std::sqrt(1.0 - e2 * parallel.sin_latitude * parallel.sin_latitude);
     parallel.polar_radius_m = (1.0 - e2) * parallel.normal_radius_m;
-    VELMORA_AT_LEVEL(level_, FillParallel)
-    (parallel, cos_longitude_.data(), sin_longitude_.data(), dem_.heights[row.row] + row.first_column,
-     dem_.height_offset_m, RunOf(row));
+    if (dem_.real_heights) {
+        VELMORA_AT_LEVEL(level_, FillParallelOfReals)
+        (parallel, cos_longitude_.data(), sin_longitude_.data(), dem_.real_heights[row.row] + row.first_column,
+         dem_.height_offset_m, RunOf(row));
+    } else {
+        VELMORA_AT_LEVEL(level_, FillParallel)
+        (parallel, cos_longitude_.data(), sin_longitude_.data(), dem_.heights[row.row] + row.first_column,
+         dem_.height_offset_m, RunOf(row));
+    }
     CarryIntoOrbitFrame(row);
 }
 
@@ -75,11 +92,11 @@ bool DEM_ROW::FillUtm(RADAR_ROW& row) const {
     map.a_m = dem_.geodetic.a_m;
     map.e2 = dem_.geodetic.e2;
 
-    // A map grid may reach beyond the samples; their edge goes on.
-    const short* const samples = dem_.heights[std::clamp(row.row, 0, dem_.rows - 1)];
     const POSITION_RUN run = RunOf(row);
-    for (int i = 0; i < row.size; ++i) {
-        run.height_m[i] = samples[std::clamp(row.first_column + i, 0, dem_.columns - 1)] + dem_.height_offset_m;
+    if (dem_.real_heights) {
+        TakeHeights(dem_.real_heights, dem_, row, run);
+    } else {
+        TakeHeights(dem_.heights, dem_, row, run);
     }
     VELMORA_AT_LEVEL(level_, FillMapRow)(map, run);
     CarryIntoOrbitFrame(row);

@@ -116,6 +116,9 @@ inline constexpr POOL_KEY_ROW kRows[] = {
      "western edge; column c lies at left + c (right - left) / columns"},
     {"right_easting", kDemPool, kReal, "deg or m", kFinite, "", "",
      "eastern edge; one below the left edge means a GEO grid across 180 degrees (or Greenwich, in 0..360)"},
+    {"dem_pixel_type", kDemPool, kText, "", OneOf("int_16 or flt_6"), "", "int_16",
+     "samples of the raster: 16-bit integers or 32-bit reals, metres; a real that is no number or beyond 32768 counts "
+     "as a void"},
     {"ellipsoid_type", kDemPool, kText, "", OneOf("Airy, Bessel, GRS80 or WGS84, capitals or not"), "", "WGS84",
      "ellipsoid of the grid"},
     {"datum_shift", kDemPool, kReals, "m", kFinite, "", "0 0 0", "dx dy dz, to the orbits' frame"},

@@ -56,13 +56,13 @@ class PIXEL_IN_DEM {
     bool LeavesDem() const { return !IsInDem(lowest_) || !IsInDem(highest_); }
 
     bool CrossesVoid() const {
-        return AnySample(lowest_, highest_, [this](short sample_m) { return state_.valid_heights.Excludes(sample_m); });
+        return AnySample(lowest_, highest_, [this](float sample_m) { return state_.valid_heights.Excludes(sample_m); });
     }
 
     /// The kernel looks at cells whose place lies between those of the lowest and highest terrain that it allows for.
     bool LeavesHeights() const {
         const double offset_m = state_.scene.dem.height_offset_m;
-        return AnySample(Place(state_.survey.lowest_m), Place(state_.survey.highest_m), [&](short sample_m) {
+        return AnySample(Place(state_.survey.lowest_m), Place(state_.survey.highest_m), [&](float sample_m) {
             const double height_m = sample_m + offset_m;
             return height_m < kLowestTerrain_m || height_m > kHighestTerrain_m;
         });
@@ -91,7 +91,9 @@ class PIXEL_IN_DEM {
         const int left = clamped(std::min(a.x, b.x) - kNeighbours, dem.columns);
         const int right = clamped(std::max(a.x, b.x) + kNeighbours, dem.columns);
         for (int row = clamped(std::min(a.y, b.y) - kNeighbours, dem.rows); row <= bottom; ++row) {
-            if (std::any_of(dem.heights[row] + left, dem.heights[row] + right + 1, test)) return true;
+            for (int column = left; column <= right; ++column) {
+                if (test(dem.Height(column, row))) return true;
+            }
         }
         return false;
     }

@@ -17,19 +17,19 @@ void Report(const DEM_SURVEY& survey, const DEM_GRID& dem, const std::string& de
                   place.longitude_rad * kDegreesPerRadian, place.latitude_rad * kDegreesPerRadian);
 }
 
-}  // namespace
-
-DEM_SURVEY SurveyDem(const DEM_GRID& dem, const DEM_RANGE& simulated, const VALID_HEIGHTS& valid,
-                     const std::string& dem_file) {
+/// A loop for either kind of samples: 16-bit ones are compared as integers.
+template <class SAMPLE>
+DEM_SURVEY Survey(const GRID_VIEW<const SAMPLE>& heights, const DEM_RANGE& simulated, const VALID_HEIGHTS& valid,
+                  double offset_m) {
     DEM_SURVEY survey;
-    short lowest_m = std::numeric_limits<short>::max();
-    short highest_m = std::numeric_limits<short>::min();
+    SAMPLE lowest_m = std::numeric_limits<SAMPLE>::max();
+    SAMPLE highest_m = std::numeric_limits<SAMPLE>::lowest();
     for (int row = simulated.first_row; row <= simulated.last_row; ++row) {
         for (int column = simulated.first_column; column <= simulated.last_column; ++column) {
-            const short sample_m = dem.heights[row][column];
-            if (!valid.Excludes(sample_m)) {
-                lowest_m = std::min(lowest_m, sample_m);
-                highest_m = std::max(highest_m, sample_m);
+            const SAMPLE height_m = HeightOf(heights[row][column]);
+            if (!valid.Excludes(height_m)) {
+                lowest_m = std::min(lowest_m, height_m);
+                highest_m = std::max(highest_m, height_m);
             } else if (survey.excluded++ == 0) {
                 survey.first_row = row;
                 survey.first_column = column;
@@ -37,9 +37,18 @@ DEM_SURVEY SurveyDem(const DEM_GRID& dem, const DEM_RANGE& simulated, const VALI
         }
     }
     if (lowest_m <= highest_m) {
-        survey.lowest_m = lowest_m + dem.height_offset_m;
-        survey.highest_m = highest_m + dem.height_offset_m;
+        survey.lowest_m = lowest_m + offset_m;
+        survey.highest_m = highest_m + offset_m;
     }
+    return survey;
+}
+
+}  // namespace
+
+DEM_SURVEY SurveyDem(const DEM_GRID& dem, const DEM_RANGE& simulated, const VALID_HEIGHTS& valid,
+                     const std::string& dem_file) {
+    const DEM_SURVEY survey = dem.real_heights ? Survey(dem.real_heights, simulated, valid, dem.height_offset_m)
+                                               : Survey(dem.heights, simulated, valid, dem.height_offset_m);
     if (survey.excluded > 0) Report(survey, dem, dem_file);
     return survey;
 }

@@ -94,10 +94,19 @@ UTM_PROJECTION ReadProjection(const GEODETIC_PARAMETERS& geodetic, PARAMETER_POO
     return UTM_PROJECTION(geodetic.a_m, geodetic.e2, zone, hemisphere == "S");
 }
 
-/// Row 0 of the raster is the northern edge; 16-bit signed heights in metres.
-MEM_MGR MapDem(const std::string& file) {
+PIXEL_TYPE ReadPixelType(PARAMETER_POOL& pool) {
+    constexpr POOL_KEY<STRING> kKey = "dem_pixel_type";
+    const std::string type = ReadIfPresent<STRING>(pool, kKey).value_or(STRING("int_16")).ToStd();
+    if (type == "int_16") return PIXEL_TYPE::INT_16;
+    if (type == "flt_6") return PIXEL_TYPE::FLT_6;
+    LogRefusedText(SourceOf(pool, kKey), type, kKey.row.range);
+    throw ERROR_PARAMETER();
+}
+
+/// Row 0 of the raster is the northern edge; heights in metres.
+MEM_MGR MapDem(const std::string& file, PIXEL_TYPE type) {
     MEM_MGR image;
-    image.MapFileChecked(file, ACCESS_MODE::READ_ONLY, PIXEL_TYPE::INT_16);
+    image.MapFileChecked(file, ACCESS_MODE::READ_ONLY, type);
     constexpr long long kMostSamples = std::numeric_limits<int>::max();
     if (image.Columns() > kMostSamples || image.Rows() > kMostSamples)
         LogAndThrow<ERROR_IMAGE>("%s: a DEM of %lld columns and %lld rows is too large", file.c_str(), image.Columns(),
@@ -108,7 +117,11 @@ MEM_MGR MapDem(const std::string& file) {
 void Place(DEM_GRID& grid, MEM_MGR& image, const DEM_EDGES& edges) {
     grid.columns = static_cast<int>(image.Columns());
     grid.rows = static_cast<int>(image.Rows());
-    grid.heights = ViewOf<short>(image);
+    if (image.PixelType() == PIXEL_TYPE::FLT_6) {
+        grid.real_heights = ViewOf<float>(image);
+    } else {
+        grid.heights = ViewOf<short>(image);
+    }
     grid.x0 = edges.west;
     grid.y0 = edges.north;
     grid.dx = (edges.east - edges.west) / grid.columns;
@@ -136,7 +149,7 @@ TERRAIN ReadTerrain(const REQUEST& request, PARAMETER_POOL& dem_pool) {
     grid.geodetic = ReadGeodeticParameters(dem_pool);
     if (GridKindOf(grid.kind) == GRID_KIND::UTM) grid.utm = ReadProjection(grid.geodetic, dem_pool);
     Say("   a. Map (readonly) dem: .... %s ", request.terrain.dem_file.Text());
-    terrain.image = MapDem(request.terrain.dem_file.text);
+    terrain.image = MapDem(request.terrain.dem_file.text, ReadPixelType(dem_pool));
     Place(grid, terrain.image, edges);
     Say("   b. Dem resolution in x: ... %f", grid.dx);
     Say("   c. Dem resolution in y: ... %f", grid.dy);

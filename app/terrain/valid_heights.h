@@ -4,18 +4,15 @@
 #pragma once
 
 #include "app/keys/control_values.h"
-
-/// The customary mark of a missing height in 16-bit DEMs.
-inline constexpr short kDemVoid_m = -32768;
+#include "simulation/dem_sample.h"
 
 struct VALID_HEIGHTS {
     float minimum_m = 0.0F;
     float maximum_m = 0.0F;
 
-    /// Whether a sample is a void or, when the maximum is above the minimum, outside the range.
-    [[nodiscard]] bool Excludes(short sample_m) const {
-        const auto height_m = static_cast<float>(sample_m);
-        return sample_m == kDemVoid_m || (maximum_m > minimum_m && (height_m < minimum_m || height_m > maximum_m));
+    /// Whether a height (DEM_GRID::Height) is a void or, when the maximum is above the minimum, outside the range.
+    [[nodiscard]] bool Excludes(float height_m) const {
+        return height_m == kDemVoid_m || (maximum_m > minimum_m && (height_m < minimum_m || height_m > maximum_m));
     }
 };
 

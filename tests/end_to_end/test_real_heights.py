@@ -1,0 +1,82 @@
+"""A DEM of 32-bit reals: the same products as from 16-bit samples, with fractions of a metre where they have them."""
+
+import struct
+
+import numpy as np
+import pytest
+
+from scene_maker import raster
+from velmora_run import SMALL, velmora
+
+PRODUCTS = ("simu_phase", "rg_coreg", "az_coreg", "x_earth", "y_earth", "z_earth", "h_earth")
+GRIDS = {"GEO": {}, "UTM south": dict(latitude_deg=-33.4, longitude_deg=-70.6, utm=True)}
+MOUNTAINS = dict(samples=60, lines=50)
+# No numbers of any kind, and marks that producers use: all of them are voids.
+NO_HEIGHTS = [0x7fc00000, 0x7f800001, 0xffffffff, 0x7f800000, 0xff800000, 0xff7fffff, 0x47000001, 0x4e6e6b28]
+
+
+def write_reals(path, heights):
+    rows, columns = heights.shape
+    path.write_bytes(struct.pack(">8I", raster.MAGIC, columns, rows, 32, rows * columns * 4, 99, 0, 0)
+                     + heights.astype("<f4").tobytes())
+
+
+def products(folder):
+    return {name: (folder / (name + ".ras")).read_bytes() for name in PRODUCTS if (folder / (name + ".ras")).exists()}
+
+
+def good_products(folder):
+    run = velmora(folder)
+    assert run.status == 0, run.explanation()
+    made = products(folder)
+    assert "simu_phase" in made and "h_earth" in made
+    return made
+
+
+def make_real(folder, heights):
+    write_reals(folder / "dem.ras", heights)
+    with open(folder / "dem.pool", "a", encoding="ascii") as pool:
+        pool.write('dem_pixel_type STR "flt_6"\n')
+
+
+@pytest.mark.parametrize("grid", GRIDS)
+def test_whole_metres_and_fractions_give_the_same_products_in_either_type(fresh_scene, grid):
+    made, whole = fresh_scene("whole", **MOUNTAINS, **GRIDS[grid])
+    _, real = fresh_scene("real", **MOUNTAINS, **GRIDS[grid])
+    make_real(real, made.heights.astype(np.float32))
+    assert good_products(real) == good_products(whole)
+
+    _, lifted = fresh_scene("lifted", **MOUNTAINS, **GRIDS[grid], dem_correction_m=0.375)
+    _, fraction = fresh_scene("fraction", **MOUNTAINS, **GRIDS[grid])
+    make_real(fraction, made.heights.astype(np.float32) + np.float32(0.375))
+    assert good_products(fraction) == good_products(lifted)
+
+
+@pytest.mark.parametrize("grid", GRIDS)
+def test_what_is_no_height_is_a_void(fresh_scene, grid):
+    """As -32768 in a 16-bit DEM: counted and told at the same place, and used so."""
+    told = []
+    for name in ("whole", "real"):
+        made, folder = fresh_scene(name, **MOUNTAINS, **GRIDS[grid])
+        row, column = made.heights.shape[0] // 2, made.heights.shape[1] // 2
+        if name == "whole":
+            made.heights[row, column:column + len(NO_HEIGHTS)] = -32768
+            raster.write_int16(folder / "dem.ras", made.heights)
+        else:
+            heights = made.heights.astype("<f4")
+            heights.view("<u4")[row, column:column + len(NO_HEIGHTS)] = NO_HEIGHTS
+            make_real(folder, heights)
+        run = velmora(folder)
+        told.append((run.status, [line for line in run.lines("WARN") if "voids" in line], products(folder)))
+    assert "%d of the simulated samples are voids" % len(NO_HEIGHTS) in told[0][1][0]
+    assert told[1] == told[0]
+
+
+def test_a_wrong_type_or_a_short_file_is_refused(fresh_scene):
+    for type_text, says in (("flt_15", 'dem.pool: key "dem_pixel_type": value "flt_15" is not int_16 or flt_6'),
+                            ("flt_6", "dem.ras")):  # 16-bit samples under the larger type
+        _, folder = fresh_scene(type_text, **SMALL)
+        with open(folder / "dem.pool", "a", encoding="ascii") as pool:
+            pool.write('dem_pixel_type STR "%s"\n' % type_text)
+        run = velmora(folder)
+        assert run.status == 1 and any(says in line for line in run.lines("ALARM")), run.explanation()
