@@ -216,12 +216,13 @@ TEST(LeftOvers, AreNamedOnceWhenAPoolOfTheFolderIsOpened) {
     const std::string path = folder.Make("k INT_32 1\n");
     for (const char* name : {"pool_abc123", "pool_lock12", "pool_long_name"})
         chmod(folder.Make("", name).c_str(), 0400);
-    folder.Make("", "pool_write1");
+    chmod(folder.Make("", "pool_write1").c_str(), 0600);
     const int writer = open(folder.Path("pool_lock12").c_str(), O_RDONLY);
     ASSERT_EQ(flock(writer, LOCK_EX), 0);
     const std::string log = ErrorAndLogOf([&] { PARAMETER_POOL pool(path); });
     EXPECT_THAT(log, HasSubstr("WARN  : global : " + folder.Path("pool_abc123") + " holds the content of a pool"));
     EXPECT_EQ(log.find("holds"), log.rfind("holds")) << log;
+    EXPECT_THAT(log, HasSubstr(folder.Path("pool_write1") + " is an update that was interrupted before"));
     EXPECT_THAT(ErrorAndLogOf([&] { PARAMETER_POOL pool(path); }), testing::Not(HasSubstr("WARN")));
     close(writer);
     EXPECT_THAT(ErrorAndLogOf([&] { PARAMETER_POOL pool(path); }), HasSubstr("/pool_lock12 holds"));

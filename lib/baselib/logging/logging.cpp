@@ -263,8 +263,8 @@ std::string LOGGING::CopyTemporaryFile(int target) const {
     char bytes[4096];
     ssize_t count = 0;
     bool complete = true;
-    while (complete && (count = read(source, bytes, sizeof bytes)) > 0)
-        complete = output.Write(std::string_view(bytes, static_cast<size_t>(count)));
+    while (complete && ((count = read(source, bytes, sizeof bytes)) > 0 || (count < 0 && errno == EINTR)))
+        complete = output.Write(std::string_view(bytes, static_cast<size_t>(std::max<ssize_t>(count, 0))));
     close(source);
     return complete && count == 0 ? "" : " can not copy tmp logging file: " + file_name_;
 }

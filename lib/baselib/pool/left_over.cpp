@@ -11,6 +11,7 @@
 #include <cstring>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <mutex>
 #include <set>
 
@@ -27,12 +28,17 @@ bool IsLocked(int folder, const char* name) {
     return locked;
 }
 
+enum class KIND { NONE, UNFINISHED, COMPLETE };
+
 /// @param pool_owner files of others than the pool's owner, ourselves or root are no business of this pool
-bool IsLeftOver(int folder, const char* name, uid_t pool_owner) {
+KIND KindOf(int folder, const char* name, uid_t pool_owner) {
     struct stat status {};
-    if (fnmatch("pool_??????", name, 0) != 0 || fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) != 0) return false;
+    if (fnmatch("pool_??????", name, 0) != 0 || fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) != 0)
+        return KIND::NONE;
     const bool is_ours = status.st_uid == pool_owner || status.st_uid == geteuid() || status.st_uid == 0;
-    return S_ISREG(status.st_mode) && (status.st_mode & 07777) == 0400 && is_ours && !IsLocked(folder, name);
+    if (!S_ISREG(status.st_mode) || !is_ours || IsLocked(folder, name)) return KIND::NONE;
+    const mode_t mode = status.st_mode & 07777;
+    return mode == 0400 ? KIND::COMPLETE : mode == 0600 ? KIND::UNFINISHED : KIND::NONE;
 }
 
 /// Whether the pool is the beginning of the complete content. After a power failure a block that was not on the disk
@@ -44,11 +50,11 @@ bool IsCutOff(const std::string& pool, const std::string& complete) {
     return true;
 }
 
-bool IsFirstTime(const std::string& path) {
+void WarnOnce(const std::string& path, const char* what) {
     static std::mutex mutex;
     static std::set<std::string> named;
     const std::lock_guard lock(mutex);
-    return named.insert(path).second;
+    if (named.insert(path).second) Log().Message(LOGGING_LEVEL::WARNING, "%s %s", path.c_str(), what);
 }
 
 [[noreturn]] void Refuse(const POOL_FILE& pool, std::size_t bytes, const std::string& path,
@@ -70,10 +76,7 @@ void CheckLeftOver(const POOL_FILE& pool, const std::string& content, const std:
     std::ifstream file(path, std::ios::binary);
     const std::string complete{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     if (!pool.IsNew() && IsCutOff(content, complete)) Refuse(pool, content.size(), path, complete.size());
-    if (IsFirstTime(path))
-        Log().Message(LOGGING_LEVEL::WARNING,
-                      "%s holds the content of a pool whose update was interrupted: see \"Recovery\" in docs/pools.md",
-                      path.c_str());
+    WarnOnce(path, "holds the content of a pool whose update was interrupted: see \"Recovery\" in docs/pools.md");
 }
 
 }  // namespace
@@ -88,12 +91,17 @@ void CheckLeftOvers(const POOL_FILE& pool, const std::string& content) {
                           pool.Directory().c_str(), std::strerror(errno));
         return;
     }
-    std::set<std::string> paths;
+    std::map<std::string, KIND> found;
     if (fstat(pool.Descriptor(), &status) == 0) {
-        while (const dirent* const entry = readdir(folder))
-            if (IsLeftOver(dirfd(folder), entry->d_name, status.st_uid))
-                paths.insert(pool.Directory() + "/" + entry->d_name);
+        while (const dirent* const entry = readdir(folder)) {
+            const KIND kind = KindOf(dirfd(folder), entry->d_name, status.st_uid);
+            if (kind != KIND::NONE) found[pool.Directory() + "/" + entry->d_name] = kind;
+        }
     }
     closedir(folder);
-    for (const std::string& path : paths) CheckLeftOver(pool, content, path);
+    for (const auto& [path, kind] : found) {
+        if (kind == KIND::COMPLETE) CheckLeftOver(pool, content, path);
+        if (kind == KIND::UNFINISHED)
+            WarnOnce(path, "is an update that was interrupted before it changed its pool: remove it");
+    }
 }

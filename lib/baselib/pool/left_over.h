@@ -1,7 +1,8 @@
 /// \file left_over.h
 /// Temporary files that an interrupted update left beside its pool. From the moment in which the pool is truncated
 /// until the copy is complete, the new content stands in a regular file pool_?????? of mode 0400 that the writer has
-/// locked; when the writer was killed in between, the file is still there and nobody has locked it.
+/// locked; when the writer was killed in between, the file is still there and nobody has locked it. A writer that was
+/// killed earlier leaves one of mode 0600.
 
 #pragma once
 
