@@ -1,122 +1,25 @@
 #include "simulation/bistatic_solution.h"
 
+#include <algorithm>
 #include <cmath>
-#include <optional>
 
 #include "geometry/constants.h"
-#include "geometry/vector_arithmetic.h"
-#include "geometry/zero_doppler.h"
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/logging/logging.h"
-#include "orbit/general_orbit.h"
 #include "orbit/fit/svdfit.h"
+#include "orbit/general_orbit.h"
+#include "simulation/aperture_time.h"
 #include "simulation/azimuth_shift_correction.h"
 
-namespace {
-
-constexpr double kSecondsPerMetre = 3.3356409519815204e-09;  ///< 1 / speed of light
-constexpr double kSamplingCentreOffsetSeconds = 0.0;
-/// Weight of the delay that grows with the slant of the path (length over its part along the local vertical). The
-/// products are those of the straight path in vacuum.
-constexpr double kSlantDelaySeconds = 0.0;
-
-/// Travel time of a straight path; unit_vertical is the direction from the Earth's centre to the ground point.
-double PathDelay(const VECTOR_3D<double>& path_m, const VECTOR_3D<double>& unit_vertical) {
-    const double length_m = Length(path_m);
-    if constexpr (kSlantDelaySeconds != 0.0) {
-        return length_m * kSecondsPerMetre +
-               kSlantDelaySeconds * length_m / std::abs(DotProduct(path_m, unit_vertical));
-    }
-    return length_m * kSecondsPerMetre;
-}
-
-VECTOR_3D<double> PositionAt(const ORBIT_HANDLE& handle, double time_s) {
-    return handle.orbit->Position(time_s + handle.offset_s);
-}
-
-struct DEM_SAMPLE {
-    int column;
-    int row;
-};
-
-VECTOR_3D<double> EarthPosition(const DEM_GRID& dem, const DEM_SAMPLE& sample) {
-    VECTOR_3D<double> point_m;
-    Get_Earth_Position_From_DEM(dem, sample.column, sample.row, point_m.x, point_m.y, point_m.z);
-    return point_m;
-}
-
-}  // namespace
-
-BISTATIC_SOLUTION::BISTATIC_SOLUTION(const SCENE& scene, const SETTINGS& settings)
-    : scene_(scene),
-      settings_(settings),
-      excess_s_(settings.sample_count, 0.0),
-      squared_travel_time_(settings.sample_count, 0.0L) {}
-
-void BISTATIC_SOLUTION::PrepareForAperture(double aperture_s) {
-    aperture_s_ = aperture_s;
-    const double data_s = scene_.slave.orbit.orbit->LastTime() - scene_.slave.orbit.orbit->FirstTime();
-    if (!(aperture_s_ > 0.0 && aperture_s_ <= data_s)) {
-        Log().Message(
-            LOGGING_LEVEL::ALARM,
-            "bistatic solution: aperture time %g s of the slave is not above 0 and within its orbit's data of "
-            "%g s (az_bandwidth %g Hz, radar_frequency %g Hz)",
-            aperture_s_, data_s, scene_.slave.azimuth_bandwidth_hz, scene_.slave.carrier_frequency_hz);
-        throw ERROR_PARAMETER();
-    }
-    PrepareFit();
-}
-
-double BISTATIC_SOLUTION::ReferenceAperture() const {
-    const ACQUISITION_SCENE& master = scene_.master;
-    const ACQUISITION_SCENE& slave = scene_.slave;
-    const double middle_s = 0.5 * (master.first_azimuth_time_s + master.last_azimuth_time_s);
-
-    const DEM_SAMPLE dem_centre = {static_cast<int>(scene_.dem.columns * 0.5), static_cast<int>(scene_.dem.rows * 0.5)};
-    const VECTOR_3D<double> point_m = EarthPosition(scene_.dem, dem_centre);
-    const std::optional<ZERO_DOPPLER> towards_master = ZeroDopplerInsideData(master.orbit, point_m, middle_s);
-    if (towards_master) {
-        const std::optional<ZERO_DOPPLER> towards_slave =
-            ZeroDopplerInsideData(slave.orbit, point_m, towards_master->time_s);
-        if (towards_slave) return ApertureAt(point_m, towards_slave->time_s, towards_slave->range_m);
-    }
-
-    const DEM_RANGE& area = scene_.simulated;
-    const DEM_SAMPLE area_centre = {(area.first_column + area.last_column) / 2, (area.first_row + area.last_row) / 2};
-    Log().Message(
-        LOGGING_LEVEL::DEBUG,
-        "bistatic solution: the DEM's centre lies outside the orbits' data, the reference point is column %d, "
-        "row %d",
-        area_centre.column, area_centre.row);
-    const VECTOR_3D<double> area_point_m = EarthPosition(scene_.dem, area_centre);
-    double range_m = 0.0;
-    const double master_time_s = CalcSlaveTime(master.orbit, area_point_m, &range_m, middle_s);
-    const double slave_time_s = CalcSlaveTime(slave.orbit, area_point_m, &range_m, master_time_s);
-    return ApertureAt(area_point_m, slave_time_s, range_m);
-}
-
-/// The time over which the slave's Doppler history spans its azimuth bandwidth: bandwidth over the Doppler rate
-/// 2 (d . A + V . V) / (wavelength R), d from the point to the satellite.
-double BISTATIC_SOLUTION::ApertureAt(const VECTOR_3D<double>& point_m, double slave_time_s,
-                                     double slave_range_m) const {
-    const ACQUISITION_SCENE& slave = scene_.slave;
-    const ORBIT_STATE state = slave.orbit.orbit->State(slave_time_s + slave.orbit.offset_s);
-    const double curvature = DotProduct(state.position_m - point_m, state.acceleration_m_s2) +
-                             DotProduct(state.velocity_m_s, state.velocity_m_s);
-    if (!(curvature > 0.0)) return 0.0;
-    return 2.0 * (slave_range_m / kSpeedOfLight) * 0.25 * slave.azimuth_bandwidth_hz * kSpeedOfLight * kSpeedOfLight /
-           (curvature * slave.carrier_frequency_hz);
-}
-
-/// Receive time of a sample, from the sampling centre.
-double BISTATIC_SOLUTION::SampleTime(int sample) const {
-    return sample * aperture_s_ / (settings_.sample_count - 1) - 0.5 * aperture_s_;
-}
+BISTATIC_SOLUTION::BISTATIC_SOLUTION(const PREPARED_SCENE& prepared, const SETTINGS& settings)
+    : scene_(prepared.Scene()), prepared_(prepared), settings_(settings) {}
 
 /// The abscissae are the same for every point, so the least-squares fit is one linear map from ordinates to
 /// coefficients: its columns are the fits of the unit ordinates. Abscissae are scaled to -1..1, else the fixed
 /// threshold on the singular values would drop the quadratic term of a short aperture.
-void BISTATIC_SOLUTION::PrepareFit() {
+void BISTATIC_SOLUTION::Prepare(double aperture_s) {
+    CheckAperture(scene_, aperture_s);
+    aperture_s_ = aperture_s;
     const int samples = settings_.sample_count;
     if (settings_.order >= samples) {
         Log() << LOGGING_LEVEL::WARNING << "POLYFIT: reduce polynomial fit order " << settings_.order << " -> "
@@ -124,78 +27,120 @@ void BISTATIC_SOLUTION::PrepareFit() {
         settings_.order = samples - 1;
     }
     const int coefficients = settings_.order + 1;
-    fit_operator_.assign(static_cast<std::size_t>(coefficients) * samples, 0.0L);
-
     std::vector<long double> abscissa(samples);
     for (int i = 0; i < samples; ++i) abscissa[i] = static_cast<long double>(SampleTime(i)) / (0.5L * aperture_s_);
     const std::vector<long double> sigma(samples, 1.0L);
     std::vector<long double> column(coefficients);
     SVDFIT<long double, POLYNOM_FUNCTION<long double>> fit;
     fit.Resize(samples, coefficients);
+    weights_.assign(samples, {});
     for (int i = 0; i < samples; ++i) {
         std::vector<long double> unit(samples, 0.0L);
         unit[i] = 1.0L;
         fit.Fit(abscissa, unit, sigma, column);
-        for (int k = 0; k < coefficients; ++k) fit_operator_[k * samples + i] = column[k];
+        double* const parts[] = {&weights_[i].c0, &weights_[i].c1, &weights_[i].c2};
+        for (int k = 0; k < std::min(coefficients, 3); ++k) *parts[k] = static_cast<double>(column[k]);
     }
 }
 
-/// Travel time master - point - slave of the echo received at a time: a fixed point, since the transmit time depends on
-/// it.
-double BISTATIC_SOLUTION::TravelTime(int sample, const VECTOR_3D<double>& point_m, double receive_time_s) {
-    const VECTOR_3D<double> vertical = (1.0 / Length(point_m)) * point_m;
-    const double receive_path_s = PathDelay(PositionAt(scene_.slave.orbit, receive_time_s) - point_m, vertical);
-    double travel_s = 2.0 * receive_path_s + excess_s_[sample];
-    int further_iterations = 0;
-    for (;;) {
-        const double previous_s = travel_s;
-        const VECTOR_3D<double> transmitter_m = PositionAt(scene_.master.orbit, receive_time_s - previous_s);
-        travel_s = PathDelay(transmitter_m - point_m, vertical) + receive_path_s;
-        if (std::abs(travel_s / previous_s - 1.0) < settings_.tolerance) break;
-        if (further_iterations == kMaxFurtherIterations) break;
-        ++further_iterations;
-    }
-    // The next point lies close by: its travel time exceeds twice the receive path by nearly the same.
-    excess_s_[sample] = travel_s - 2.0 * receive_path_s;
-    ++histogram_[further_iterations];
-    return travel_s;
+/// Receive time of a sample, from the sampling centre.
+double BISTATIC_SOLUTION::SampleTime(int sample) const {
+    return sample * aperture_s_ / (settings_.sample_count - 1) - 0.5 * aperture_s_;
 }
 
-BISTATIC_SOLUTION::PARABOLA BISTATIC_SOLUTION::Fit() const {
-    const int samples = settings_.sample_count;
-    const auto coefficient = [&](int k) {
-        long double sum = 0.0L;
-        if (k > settings_.order) return sum;
-        for (int i = 0; i < samples; ++i) sum += fit_operator_[k * samples + i] * squared_travel_time_[i];
-        return sum;
-    };
-    const long double scale_s = 0.5L * aperture_s_;
-    return {coefficient(0), coefficient(1) / scale_s, coefficient(2) / (scale_s * scale_s)};
+int BISTATIC_SOLUTION::SolveRow(const POINTS& points, int first, int count) {
+    int one_by_one = 0;
+    for (int next = first; next < first + count; next += BLOCK::kSize) {
+        const int size = std::min(BLOCK::kSize, first + count - next);
+        one_by_one_.fill(false);
+        Load(points, next, size);
+        for (int sample = 0; sample < settings_.sample_count; ++sample) {
+            IterateTravelTimes(points, next, size, sample);
+            VELMORA_AT_LEVEL(prepared_.VectorLevel(), AddSample)(weights_[sample], sample == 0, block_);
+        }
+        VELMORA_AT_LEVEL(prepared_.VectorLevel(), FindShortest)(block_);
+        Finish(points, next, size);
+        one_by_one += static_cast<int>(std::count(one_by_one_.begin(), one_by_one_.begin() + size, true));
+    }
+    return one_by_one;
 }
 
-BISTATIC_SOLUTION::EQUIVALENT BISTATIC_SOLUTION::Solve(const VECTOR_3D<double>& point_m, double master_time_s,
-                                                       double master_range_m, double slave_time_s,
-                                                       const POINT<int>& dem_index) {
-    const double middle_s = 0.5 * (slave_time_s + master_time_s);
-    for (int i = 0; i < settings_.sample_count; ++i) {
-        const long double travel_s = TravelTime(i, point_m, SampleTime(i) + middle_s + kSamplingCentreOffsetSeconds);
-        squared_travel_time_[i] = travel_s * travel_s;
+void BISTATIC_SOLUTION::Load(const POINTS& points, int first, int size) {
+    for (int i = 0; i < BLOCK::kSize; ++i) {
+        const int from = first + std::min(i, size - 1);
+        block_.x_m[i] = points.places.x_m[from];
+        block_.y_m[i] = points.places.y_m[from];
+        block_.z_m[i] = points.places.z_m[from];
     }
-    const PARABOLA y = Fit();
-    // A parabola that opens downwards has a longest path; taken for the shortest it would be a silent wrong result.
-    const long double radicand = y.c2 > 0.0L ? y.c0 - 0.25L * y.c1 * y.c1 / y.c2 : -1.0L;
-    if (radicand < 0.0L) {
-        Log().Message(
-            LOGGING_LEVEL::ALARM,
-            "bistatic solution: the travel times of DEM column %d, row %d have no minimum (squared travel time "
-            "%Lg + %Lg t + %Lg t^2); check the orbits of master and slave",
-            dem_index.x, dem_index.y, y.c0, y.c1, y.c2);
-        throw ERROR_ALGORITHM();
+}
+
+/// Where the satellite is at the times asked for.
+void BISTATIC_SOLUTION::PlaceSatellite(const ROW_ORBIT& orbit) {
+    const auto place_on_piece = VELMORA_AT_LEVEL(prepared_.VectorLevel(), PlaceOnPiece);
+    std::fill_n(block_.placed, BLOCK::kSize, 0.0);
+    int left = BLOCK::kSize;
+    for (int i = 0; i < BLOCK::kSize && left > 0; ++i) {
+        if (block_.placed[i] != 0.0) continue;
+        const double at_s = block_.asked_s[i] + orbit.handle.offset_s;
+        const ORBIT_PIECE* const piece = orbit.compiled->PieceAt(at_s);
+        if (piece != nullptr) left = place_on_piece(*piece, orbit.handle.offset_s, block_);
+        if (block_.placed[i] != 0.0) continue;
+        // Outside the compiled pieces, or at the last time of all.
+        const VECTOR_3D<double> place_m = orbit.handle.orbit->Position(at_s);
+        block_.place_x_m[i] = place_m.x;
+        block_.place_y_m[i] = place_m.y;
+        block_.place_z_m[i] = place_m.z;
+        block_.placed[i] = 1.0;
+        one_by_one_[i] = true;
+        --left;
     }
-    const double vertex_s = static_cast<double>(-0.5L * y.c1 / y.c2) + middle_s;
-    const double shortest_s = static_cast<double>(std::sqrt(radicand));
-    return {shortest_s * kSpeedOfLight * 0.5, master_range_m / kSpeedOfLight + (vertex_s - shortest_s) +
-                                                  AzimuthShiftCorrection(scene_.correction, shortest_s)};
+}
+
+/// Travel times master - point - slave of the echoes received at a time: a fixed point, since the transmit time depends
+/// on it.
+void BISTATIC_SOLUTION::IterateTravelTimes(const POINTS& points, int first, int size, int sample) {
+    const double sample_time_s = SampleTime(sample);
+    for (int i = 0; i < BLOCK::kSize; ++i) {
+        const int from = first + std::min(i, size - 1);
+        block_.receive_time_s[i] = sample_time_s + 0.5 * (points.slave_time_s[from] + points.master_time_s[from]);
+        block_.asked_s[i] = block_.receive_time_s[i];
+        // The travel time exceeds twice the receive path by nearly the difference of the two ranges.
+        block_.travel_s[i] = (points.master_range_m[from] - points.slave_range_m[from]) / kSpeedOfLight;
+    }
+    PlaceSatellite(prepared_.SlaveOrbit().value());
+    VELMORA_AT_LEVEL(prepared_.VectorLevel(), StartTravel)(block_);
+    const auto step_travel = VELMORA_AT_LEVEL(prepared_.VectorLevel(), StepTravel);
+    for (int step = 0; step <= kMaxFurtherIterations; ++step) {
+        for (int i = 0; i < BLOCK::kSize; ++i) block_.asked_s[i] = block_.receive_time_s[i] - block_.travel_s[i];
+        PlaceSatellite(prepared_.MasterOrbit().value());
+        if (step_travel(settings_.tolerance, block_) == 0) break;
+    }
+    for (int i = 0; i < size; ++i) {
+        ++histogram_[std::min(static_cast<int>(block_.further[i]), kMaxFurtherIterations)];
+    }
+}
+
+void BISTATIC_SOLUTION::Finish(const POINTS& points, int first, int size) const {
+    for (int i = 0; i < size; ++i) {
+        const int element = first + i;
+        if (block_.solved[i] == 0.0) RefuseMaximum(points, element, i);
+        const double middle_s = 0.5 * (points.slave_time_s[element] + points.master_time_s[element]);
+        const double vertex_s = 0.5 * aperture_s_ * block_.vertex[i] + middle_s;
+        const double shortest_s = block_.shortest_s[i];
+        points.slave_range_m[element] = shortest_s * kSpeedOfLight * 0.5;
+        points.slave_time_s[element] = points.master_range_m[element] / kSpeedOfLight + (vertex_s - shortest_s) +
+                                       AzimuthShiftCorrection(scene_.correction, shortest_s);
+    }
+}
+
+void BISTATIC_SOLUTION::RefuseMaximum(const POINTS& points, int element, int i) const {
+    const double half_s = 0.5 * aperture_s_;
+    Log().Message(LOGGING_LEVEL::ALARM,
+                  "bistatic solution: the travel times of DEM column %d, row %d have no minimum (squared travel time "
+                  "%g + %g t + %g t^2); check the orbits of master and slave",
+                  points.first_dem_column + element, points.dem_row, block_.c0[i], block_.c1[i] / half_s,
+                  block_.c2[i] / (half_s * half_s));
+    throw ERROR_ALGORITHM();
 }
 
 void BISTATIC_SOLUTION::LogStatistics() const {

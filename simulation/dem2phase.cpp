@@ -54,7 +54,7 @@ SOLUTION_COUNTS SimulateScene(const SCENE& scene) {
     threads.Run();
     prepared.Settle();
     const SOLUTION_COUNTS counts = prepared.TotalCounts();
-    Log().Message(LOGGING_LEVEL::DEBUG, " - Zero-Doppler solutions: %lld in rows (%s), %lld one by one", counts.in_rows,
-                  TextOf(prepared.VectorLevel()), counts.one_by_one);
+    Log().Message(LOGGING_LEVEL::DEBUG, " - Solutions of DEM samples: %lld in rows (%s), %lld one by one",
+                  counts.in_rows, TextOf(prepared.VectorLevel()), counts.one_by_one);
     return counts;
 }

@@ -11,13 +11,16 @@
 namespace {
 
 /// The points of the accepted cells lie within 1000 lines of the image; beyond the margin single points are solved.
-std::optional<COMPILED_ORBIT> CompiledFor(const ACQUISITION_SCENE& acquisition) {
+/// The echoes of a single-pass pair are looked at over the aperture as well.
+std::optional<COMPILED_ORBIT> CompiledFor(const ACQUISITION_SCENE& acquisition, bool bistatic) {
     if (acquisition.orbit.orbit == nullptr) return std::nullopt;
+    constexpr double kLongAperture_s = 5.0;
     constexpr double kMarginLines = 2000.0;
     constexpr double kShortestMargin_s = 1.0;
     const double length_s = acquisition.last_azimuth_time_s - acquisition.first_azimuth_time_s;
     const double margin_s =
-        std::max({kMarginLines * acquisition.azimuth_sampling_interval_s, length_s, kShortestMargin_s});
+        std::max({kMarginLines * acquisition.azimuth_sampling_interval_s, length_s, kShortestMargin_s}) +
+        (bistatic ? kLongAperture_s : 0.0);
     const double offset_s = acquisition.orbit.offset_s;
     return std::optional<COMPILED_ORBIT>(std::in_place, *acquisition.orbit.orbit,
                                          acquisition.first_azimuth_time_s + offset_s - margin_s,
@@ -43,8 +46,8 @@ bool HasPositions(const DEM_GRID& dem) {
 PREPARED_SCENE::PREPARED_SCENE(const SCENE& scene)
     : scene_(scene),
       vector_level_(ChosenVectorLevel()),
-      compiled_master_(CompiledFor(scene.master)),
-      compiled_slave_(CompiledFor(scene.slave)),
+      compiled_master_(CompiledFor(scene.master, scene.bistatic)),
+      compiled_slave_(CompiledFor(scene.slave, scene.bistatic)),
       master_orbit_(RowOrbitOf(scene.master, compiled_master_)),
       slave_orbit_(RowOrbitOf(scene.slave, compiled_slave_)),
       layers_(scene),

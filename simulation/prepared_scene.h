@@ -14,7 +14,8 @@
 #include "simulation/pixel_ownership.h"
 #include "simulation/scene.h"
 
-/// Zero-Doppler solutions of a run: towards one orbit, of one DEM sample.
+/// Solutions of a run, each of one DEM sample: zero Doppler towards one orbit, or the travel times of a single-pass
+/// pair.
 struct SOLUTION_COUNTS {
     long long in_rows = 0;     ///< by the vector code
     long long one_by_one = 0;  ///< where that gave up, or the orbit could not be compiled

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "geometry/constants.h"
+#include "simulation/aperture_time.h"
 #include "simulation/radar_conversion.h"
 
 namespace {
@@ -44,12 +45,12 @@ RADAR_SOLUTION::RADAR_SOLUTION(PREPARED_SCENE& prepared, int block)
       area_(scene_.area),
       dem_row_(scene_.dem, scene_.simulated, prepared.VectorLevel()),
       filler_(prepared, block),
-      bistatic_(scene_),
+      bistatic_(prepared),
       rows_{RADAR_ROW(scene_.simulated), RADAR_ROW(scene_.simulated)},
       upper_(&rows_[0]),
       lower_(&rows_[1]),
       cells_(rows_[0].size, 0) {
-    if (scene_.bistatic) bistatic_.Prepare();
+    if (scene_.bistatic) bistatic_.Prepare(ReferenceAperture(scene_));
 }
 
 RADAR_SOLUTION::~RADAR_SOLUTION() {
@@ -136,9 +137,7 @@ void RADAR_SOLUTION::SolveCorners(RADAR_ROW& samples) {
     const double slave_wavelength_m = kSpeedOfLight / scene_.slave.carrier_frequency_hz;
     ForEachRun(samples.wanted, samples.solved, [&](int first, int count) {
         SolveTowards(prepared_.SlaveOrbit(), samples, first, count, samples.slave_time_s, samples.slave_range_m);
-        if (scene_.bistatic) {
-            for (int i = first; i < first + count; ++i) SolvePoint(samples, i);
-        }
+        if (scene_.bistatic) SolveTravelTimes(samples, first, count);
         convert_to_pixels(master, &samples.master_range_m[first], &samples.master_time_s[first],
                           &samples[QUANTITY::RANGE_PIXEL][first], &samples[QUANTITY::AZIMUTH_PIXEL][first], count);
         convert_to_phase(master_wavelength_m, slave_wavelength_m, &samples.master_range_m[first],
@@ -152,13 +151,13 @@ void RADAR_SOLUTION::SolveCorners(RADAR_ROW& samples) {
     });
 }
 
-/// Replaces the slave's solution of a sample by what a monostatic slave would have measured.
-void RADAR_SOLUTION::SolvePoint(RADAR_ROW& samples, int i) {
-    const VECTOR_3D<double> point_m = {samples[QUANTITY::EARTH_X][i], samples[QUANTITY::EARTH_Y][i],
-                                       samples[QUANTITY::EARTH_Z][i]};
-    const BISTATIC_SOLUTION::EQUIVALENT equivalent =
-        bistatic_.Solve(point_m, samples.master_time_s[i], samples.master_range_m[i], samples.slave_time_s[i],
-                        {samples.first_column + i, samples.row});
-    samples.slave_range_m[i] = equivalent.range_m;
-    samples.slave_time_s[i] = equivalent.time_s;
+/// Replaces the slave's solutions by what a monostatic slave would have measured.
+void RADAR_SOLUTION::SolveTravelTimes(RADAR_ROW& samples, int first, int count) {
+    const BISTATIC_SOLUTION::POINTS points = {
+        PointsOf(samples),           samples.master_time_s.data(), samples.master_range_m.data(),
+        samples.slave_time_s.data(), samples.slave_range_m.data(), samples.row,
+        samples.first_column};
+    const int one_by_one = bistatic_.SolveRow(points, first, count);
+    counts_.one_by_one += one_by_one;
+    counts_.in_rows += count - one_by_one;
 }

@@ -44,7 +44,7 @@ class RADAR_SOLUTION {
                       std::vector<double>& time_s, std::vector<double>& range_m);
     void SolveMaster(RADAR_ROW& samples);
     void SolveCorners(RADAR_ROW& samples);
-    void SolvePoint(RADAR_ROW& samples, int i);
+    void SolveTravelTimes(RADAR_ROW& samples, int first, int count);
 
     const SCENE& scene_;
     const PREPARED_SCENE& prepared_;

@@ -12,7 +12,7 @@
 #include "geometry/zero_doppler_rows.h"
 #include "lib/baselib/logging/logging.h"
 #include "simulation/triangle_filler.h"
-#include "tests/plain_kernel/plain_solution.h"
+#include "benchmarks/plain_kernel/plain_solution.h"
 #include "tests/simulation/test_scene.h"
 
 namespace {

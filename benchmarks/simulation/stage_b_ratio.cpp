@@ -15,11 +15,11 @@
 
 #include "app/keys/control_key.h"
 #include "app/simulation_state.h"
+#include "benchmarks/plain_kernel/plain_kernel.h"
 #include "lib/baselib/controller/controller_ifc.h"
 #include "lib/baselib/logging/logging.h"
 #include "lib/baselib/vectors/vector_level.h"
 #include "simulation/dem2phase.h"
-#include "tests/plain_kernel/plain_kernel.h"
 
 namespace {
 

@@ -7,8 +7,10 @@
 #include <cmath>
 #include <limits>
 
+#include "benchmarks/plain_kernel/plain_bistatic.h"
 #include "geometry/zero_doppler.h"
 #include "lib/baselib/errors/error_exception.h"
+#include "simulation/aperture_time.h"
 #include "simulation/azimuth_shift_correction.h"
 #include "simulation/common_time_axis.h"
 #include "tests/kit/log_capture.h"
@@ -75,15 +77,31 @@ MINIMUM ShortestTravel(const FORMATION& f, const POINT_LD& p, long double near_s
     return {vertex, TravelTime(f, p, vertex)};
 }
 
+/// What a monostatic slave would have measured.
+struct EQUIVALENT {
+    double range_m;
+    double time_s;
+};
+
+/// Seconds by which the orbits' own axes are ahead of that of the scene.
+struct OFFSETS {
+    double master_s = 0.0;
+    double slave_s = 0.0;
+};
+
+MOTION Ahead(const CIRCULAR_ORBIT<double>& orbit, double offset_s) {
+    return [motion = MotionOf(orbit), offset_s](double t) { return motion(t - offset_s); };
+}
+
 /// A scene of orbits alone, and one ground point solved towards both.
 class PAIR {
   public:
-    PAIR(const FORMATION& f, double look, double height_m)
+    PAIR(const FORMATION& f, double look, double height_m, const OFFSETS& offsets = {})
         : motion_(f),
-          master_orbit_(OrbitFrom(MotionOf(Double(f.master)))),
-          slave_orbit_(OrbitFrom(MotionOf(Double(f.slave)))) {
-        scene.master.orbit = {master_orbit_.get(), 0.0};
-        scene.slave.orbit = {slave_orbit_.get(), 0.0};
+          master_orbit_(OrbitFrom(Ahead(Double(f.master), offsets.master_s))),
+          slave_orbit_(OrbitFrom(Ahead(Double(f.slave), offsets.slave_s))) {
+        scene.master.orbit = {master_orbit_.get(), offsets.master_s};
+        scene.slave.orbit = {slave_orbit_.get(), offsets.slave_s};
         scene.master.carrier_frequency_hz = scene.slave.carrier_frequency_hz = 9.65e9;
         scene.slave.azimuth_bandwidth_hz = 2600.0;
         scene.bistatic = true;
@@ -95,10 +113,20 @@ class PAIR {
         slave_time_s = CalcSlaveTime(scene.slave.orbit, point_m, &slave_range_m, 0.0);
     }
 
-    [[nodiscard]] BISTATIC_SOLUTION::EQUIVALENT Solve(double aperture_s) const {
-        BISTATIC_SOLUTION solution(scene);
-        solution.PrepareForAperture(aperture_s);
-        return solution.Solve(point_m, master_time_s, master_range_m, slave_time_s, {3, 4});
+    [[nodiscard]] EQUIVALENT Solve(double aperture_s, const BISTATIC_SOLUTION::SETTINGS& settings = {}) const {
+        const PREPARED_SCENE prepared(scene);
+        BISTATIC_SOLUTION solution(prepared, settings);
+        solution.Prepare(aperture_s);
+        EQUIVALENT found = {slave_range_m, slave_time_s};
+        (void)solution.SolveRow({{&point_m.x, &point_m.y, &point_m.z},
+                                 &master_time_s,
+                                 &master_range_m,
+                                 &found.time_s,
+                                 &found.range_m,
+                                 4,
+                                 17},
+                                0, 1);
+        return found;
     }
 
     /// The aperture of the point itself: bandwidth over Doppler rate, in closed form.
@@ -135,15 +163,16 @@ TEST(BistaticSolution, FindsTheShortestTwoWayPath) {
         double look;
         double along_m;
         double across_m;
+        OFFSETS offsets;
     } cases[] = {
-        {0.7, 1.0, 0.0, 0.0}, {2.2, -1.0, 0.0, 0.0},  {0.7, -1.0, 1e3, 100.0},
-        {0.7, 1.0, 0.0, 1e4}, {2.2, 1.0, 100.0, 1e3}, {2.2, -1.0, 1e4, 1e4},
+        {0.7, 1.0, 0.0, 0.0, {}},           {2.2, -1.0, 0.0, 0.0, {}},        {0.7, -1.0, 1e3, 100.0, {}},
+        {0.7, 1.0, 0.0, 1e4, {11.0, 11.0}}, {2.2, 1.0, 100.0, 1e3, {0, -17}}, {2.2, -1.0, 1e4, 1e4, {-9.5, 20}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(std::to_string(c.along_m) + " along, across " + std::to_string(c.across_m));
         const FORMATION f = Formation(c.argument_rad, c.along_m, c.across_m);
-        const PAIR pair(f, c.look, 1500.0);
-        const BISTATIC_SOLUTION::EQUIVALENT found = pair.Solve(pair.Aperture());
+        const PAIR pair(f, c.look, 1500.0, c.offsets);
+        const EQUIVALENT found = pair.Solve(pair.Aperture());
         const MINIMUM truth = ShortestTravel(f, pair.Point(), pair.MiddleTime());
         const double range_m = static_cast<double>(truth.travel_s * kC / 2);
         EXPECT_NEAR(found.range_m, range_m, 1e-6);
@@ -186,7 +215,7 @@ TEST(BistaticSolution, ErrsInTimeWithTheSquareOfTheAperture) {
 
 TEST(BistaticSolution, AddsTheCorrectionPolynomial) {
     PAIR pair(Formation(0.7, 100.0, 100.0), 1.0, 0.0);
-    const BISTATIC_SOLUTION::EQUIVALENT plain = pair.Solve(0.5);
+    const EQUIVALENT plain = pair.Solve(0.5);
     const double u = 2.0 * plain.range_m / kSpeedOfLight - 0.005;
     pair.scene.correction.fast_time_reference_s = 0.005;
     pair.scene.correction.coefficients = {3e-6, -1.5e-3, 0.0, 7e3, -1e4};
@@ -222,25 +251,15 @@ TEST(AzimuthShiftCorrection, RefusesWhatMovesTheSlaveOutOfSight) {
 
 TEST(BistaticSolution, LowersTheOrderOnceForTooFewSamples) {
     const PAIR pair(Formation(0.7, 300.0, 200.0), 1.0, 0.0);
-    const std::string log = LoggedBy([&] {
-        BISTATIC_SOLUTION solution(pair.scene, {.sample_count = 2});
-        solution.PrepareForAperture(0.5);
-        for (int i = 0; i < 2; ++i) {
-            // A line has no minimum.
-            EXPECT_THROW(
-                (void)solution.Solve(pair.point_m, pair.master_time_s, pair.master_range_m, pair.slave_time_s, {17, 4}),
-                ERROR_ALGORITHM);
-        }
-    });
+    // A line has no minimum.
+    const std::string log =
+        LoggedBy([&] { EXPECT_THROW((void)pair.Solve(0.5, {.sample_count = 2}), ERROR_ALGORITHM); });
     const std::string text = "POLYFIT: reduce polynomial fit order 2 -> 1\n";
     ASSERT_NE(log.find(text), std::string::npos);
     EXPECT_EQ(log.find(text, log.find(text) + 1), std::string::npos);
     EXPECT_THAT(log, testing::HasSubstr("DEM column 17, row 4"));
     // More samples than coefficients: a real least-squares fit, close to the parabola through three.
-    BISTATIC_SOLUTION five(pair.scene, {.sample_count = 5});
-    five.PrepareForAperture(0.5);
-    EXPECT_NEAR(five.Solve(pair.point_m, pair.master_time_s, pair.master_range_m, pair.slave_time_s, {0, 0}).range_m,
-                pair.Solve(0.5).range_m, 1e-6);
+    EXPECT_NEAR(pair.Solve(0.5, {.sample_count = 5}).range_m, pair.Solve(0.5).range_m, 1e-6);
 }
 
 TEST(BistaticSolution, RefusesWhatHasNoSolution) {
@@ -251,12 +270,20 @@ TEST(BistaticSolution, RefusesWhatHasNoSolution) {
     const std::unique_ptr<ORBIT_OF_POOL> orbit = OrbitFrom(falling);
     SCENE scene;
     scene.master.orbit = scene.slave.orbit = {orbit.get(), 0.0};
-    BISTATIC_SOLUTION solution(scene);
+    const PREPARED_SCENE prepared(scene);
+    BISTATIC_SOLUTION solution(prepared);
+    const double places_m[] = {6.4e6, 0.0, 0.0};
+    const double time_s = 0.0, range_m = 6e5;
+    double slave_time_s = 0.0, slave_range_m = 6e5;
     const std::string log = LoggedBy([&] {
-        EXPECT_THROW(solution.PrepareForAperture(0.0), ERROR_PARAMETER);
-        EXPECT_THROW(solution.PrepareForAperture(1e30), ERROR_PARAMETER);
-        solution.PrepareForAperture(0.5);
-        EXPECT_THROW((void)solution.Solve({6.4e6, 0.0, 0.0}, 0.0, 6e5, 0.0, {12, 34}), ERROR_ALGORITHM);
+        EXPECT_THROW(solution.Prepare(0.0), ERROR_PARAMETER);
+        EXPECT_THROW(solution.Prepare(1e30), ERROR_PARAMETER);
+        solution.Prepare(0.5);
+        EXPECT_THROW(
+            (void)solution.SolveRow(
+                {{&places_m[0], &places_m[1], &places_m[2]}, &time_s, &range_m, &slave_time_s, &slave_range_m, 34, 12},
+                0, 1),
+            ERROR_ALGORITHM);
     });
     EXPECT_THAT(log, testing::AllOf(testing::HasSubstr("aperture time 0 s"), testing::HasSubstr("column 12, row 34")));
 }
@@ -273,19 +300,79 @@ double ApertureInClosedForm(const TEST_SCENE& s, const VECTOR_3D<double>& point_
 TEST(BistaticSolution, TakesTheApertureOfTheDemCentre) {
     TEST_SCENE s({.dem_size = 90});
     s.scene.bistatic = true;
-    BISTATIC_SOLUTION solution(s.scene);
-    solution.Prepare();
-    EXPECT_NEAR(solution.ApertureTime(), ApertureInClosedForm(s, s.PointAt(45, 45)), 1e-9);
+    EXPECT_NEAR(ReferenceAperture(s.scene), ApertureInClosedForm(s, s.PointAt(45, 45)), 1e-9);
 
     // 6000 km of DEM: its centre lies 1500 km and more beyond the state vectors, where the interpolation would end the
     // process if it were asked; the centre of the simulated part is taken.
     s.scene.dem.rows = 200000;
     s.scene.dem.heights.row_stride = 0;  // all of them alike
     s.scene.simulated = {20, 60, 10, 50};
-    BISTATIC_SOLUTION beyond(s.scene);
-    const std::string log = LoggedBy([&] { beyond.Prepare(); });
+    double beyond_s = 0.0;
+    const std::string log = LoggedBy([&] { beyond_s = ReferenceAperture(s.scene); });
     EXPECT_THAT(log, testing::HasSubstr("the reference point is column 30, row 40\n"));
-    EXPECT_NEAR(beyond.ApertureTime(), ApertureInClosedForm(s, s.PointAt(30, 40)), 1e-4 * beyond.ApertureTime());
+    EXPECT_NEAR(beyond_s, ApertureInClosedForm(s, s.PointAt(30, 40)), 1e-4 * beyond_s);
+}
+
+/// Three rows of blocks of points, on every interpolation and on one that can not be compiled.
+TEST(BistaticSolution, GivesInRowsWhatItGivesPointByPoint) {
+    TEST_SCENE s({.name = "bistatic", .argument_rad = 0.7, .look = -1.0});
+    s.scene.bistatic = true;
+    s.scene.slave.azimuth_bandwidth_hz = 2000.0;
+    s.scene.correction = {{1e-6, 2e-3}, 0.0058};
+    const std::pair<const char*, const char*> orbits[] = {
+        {"polynom", "double"},     {"polyfit_7", "double"},          {"spline", "double"},
+        {"chebyshev_7", "double"}, {"localhermite_0_5", "double"},   {"localpolynom_0_8", "double"},
+        {"everett_8", "double"},   {"localchebyshev_5_8", "double"}, {"hermite_0_8", "float"}};
+    for (const auto& [interpolation, type] : orbits) {
+        SCOPED_TRACE(interpolation);
+        const std::string type_of_pool = std::string("orbit_pool_") + type + "_double";
+        s.slave_orbit = OrbitFrom(MotionOf(s.slave_motion), interpolation, type_of_pool);
+        s.scene.slave.orbit.orbit = s.slave_orbit.get();
+        std::vector<double> x, y, z, master_s, master_m, slave_s, slave_m;
+        for (int i = 0; i < 133; ++i) {
+            const VECTOR_3D<double> p = s.PointAt(0.6 * i, 90.0 - 0.4 * i);
+            double range_m[2] = {};
+            x.push_back(p.x);
+            y.push_back(p.y);
+            z.push_back(p.z);
+            master_s.push_back(CalcSlaveTime(s.scene.master.orbit, p, &range_m[0], 0.0));
+            slave_s.push_back(SolveZeroDoppler(s.slave_motion, 0.0, p, 0.0, {-80.0, 80.0}).time_s);
+            range_m[1] = Length(s.slave_motion.Position(slave_s.back()) - p);
+            master_m.push_back(range_m[0]);
+            slave_m.push_back(range_m[1]);
+        }
+        const std::vector<double> zero_doppler_s = slave_s;
+        const PREPARED_SCENE prepared(s.scene);
+        BISTATIC_SOLUTION rows(prepared);
+        rows.Prepare(ReferenceAperture(s.scene));
+        EXPECT_EQ(rows.SolveRow({{x.data(), y.data(), z.data()},
+                                 master_s.data(),
+                                 master_m.data(),
+                                 slave_s.data(),
+                                 slave_m.data(),
+                                 0,
+                                 0},
+                                2, 131),
+                  std::string(type) == "float" ? 131 : 0);
+        EXPECT_EQ(slave_s[1], zero_doppler_s[1]);
+        PLAIN_BISTATIC plain(s.scene, ReferenceAperture(s.scene));
+        for (int i = 2; i < 133; ++i) {
+            const PLAIN_BISTATIC::EQUIVALENT expected =
+                plain.Solve({x[i], y[i], z[i]}, master_s[i], master_m[i], zero_doppler_s[i]);
+            ASSERT_NEAR(slave_m[i], expected.range_m, 1e-7) << i;
+            ASSERT_NEAR(slave_s[i], expected.time_s, 1e-9) << i;
+        }
+        const std::string log = LoggedBy([&] { rows.LogStatistics(); }, LOGGING_LEVEL::TRACE);
+        int solutions = 0;
+        for (int label = 1; label <= 101; ++label) {
+            const std::string text = "\nTRACE : global : " + std::to_string(label) + " iterations: ";
+            if (const std::size_t at = log.find(text); at != std::string::npos) {
+                EXPECT_LE(label, 4);
+                solutions += std::stoi(log.substr(at + text.size()));
+            }
+        }
+        EXPECT_EQ(solutions, 3 * 131);
+    }
 }
 
 TEST(BistaticSolution, FillsTheImageOfASinglePassPair) {

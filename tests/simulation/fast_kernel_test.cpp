@@ -8,6 +8,7 @@
 #include <memory>
 #include <random>
 
+#include "benchmarks/plain_kernel/plain_kernel.h"
 #include "geometry/calc_slave_time.h"
 #include "geometry/zero_doppler_rows.h"
 #include "simulation/area_rows.h"
@@ -17,7 +18,6 @@
 #include "simulation/triangle_filler.h"
 #include "tests/kit/environment_setting.h"
 #include "tests/kit/log_capture.h"
-#include "tests/plain_kernel/plain_kernel.h"
 #include "tests/simulation/test_scene.h"
 
 namespace {
@@ -168,9 +168,17 @@ TEST(FastKernel, LeavesNothingToBeSolvedOneByOne) {
             // 91 x 91 samples towards two orbits; the rows where blocks meet are solved by both threads.
             EXPECT_EQ(counts.in_rows, 2 * 91 * (91 + 2));
             EXPECT_EQ(counts.one_by_one, 0);
-            EXPECT_THAT(log, testing::HasSubstr(" - Zero-Doppler solutions: 16926 in rows (" +
+            EXPECT_THAT(log, testing::HasSubstr(" - Solutions of DEM samples: 16926 in rows (" +
                                                 std::string(TextOf(level)) + "), 0 one by one\n"));
         }
+    }
+    {
+        TEST_SCENE s({});
+        s.scene.bistatic = true;
+        const ENVIRONMENT_SETTING parallel("PARALLEL", "1");
+        const SOLUTION_COUNTS counts = s.Run();
+        EXPECT_EQ(counts.in_rows, 3 * 91 * 91);  // and the travel times
+        EXPECT_EQ(counts.one_by_one, 0);
     }
     // Single precision cannot be compiled: all goes the other way.
     TEST_SCENE s({});

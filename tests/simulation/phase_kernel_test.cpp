@@ -4,11 +4,11 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "benchmarks/plain_kernel/plain_solution.h"
 #include "geometry/zero_doppler.h"
 #include "lib/baselib/errors/error_exception.h"
 #include "simulation/prepared_scene.h"
 #include "tests/kit/log_capture.h"
-#include "tests/plain_kernel/plain_solution.h"
 #include "tests/simulation/test_scene.h"
 
 namespace {
@@ -275,7 +275,7 @@ TEST(PlainSolution, TellsATriangleThatIsOnlyALine) {
     PLAIN_SOLUTION solution(s.scene);
     for (const int slot : {0, 1, 2, 3}) {
         solution.SolveMaster(slot, 40, 40);
-        solution.SolvePoint(slot, false);
+        solution.SolvePoint(slot);
     }
     const std::string log = LoggedBy([&] { EXPECT_FALSE(solution.IsInside(5, 5, PLAIN_SOLUTION::kTriangles[0])); });
     EXPECT_THAT(log, testing::HasSubstr("RADAR_SOLUTION::IsInside : Not triangle, only line\n"));

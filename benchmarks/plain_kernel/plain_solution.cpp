@@ -1,4 +1,4 @@
-#include "tests/plain_kernel/plain_solution.h"
+#include "benchmarks/plain_kernel/plain_solution.h"
 
 #include <algorithm>
 #include <atomic>
@@ -6,6 +6,7 @@
 
 #include "geometry/constants.h"
 #include "lib/baselib/logging/logging.h"
+#include "simulation/aperture_time.h"
 
 namespace {
 
@@ -68,16 +69,12 @@ struct PLAIN_SOLUTION::WEIGHTS {
 PLAIN_SOLUTION::PLAIN_SOLUTION(const SCENE& scene)
     : scene_(scene),
       master_wavelength_m_(kSpeedOfLight / scene.master.carrier_frequency_hz),
-      slave_wavelength_m_(kSpeedOfLight / scene.slave.carrier_frequency_hz),
-      bistatic_(scene) {}
-
-PLAIN_SOLUTION::~PLAIN_SOLUTION() {
-    bistatic_.LogStatistics();
+      slave_wavelength_m_(kSpeedOfLight / scene.slave.carrier_frequency_hz) {
+    if (scene.bistatic) bistatic_.emplace(scene, ReferenceAperture(scene));
 }
 
 void PLAIN_SOLUTION::SolveMaster(int slot, int column, int row) {
     PLAIN_POINT& point = points_[slot];
-    point.dem_index = {column, row};
     Get_Earth_Position_From_DEM(scene_.dem, column, row, point.position_m.x, point.position_m.y, point.position_m.z,
                                 &point.height_m);
     point.master_time_s =
@@ -85,16 +82,16 @@ void PLAIN_SOLUTION::SolveMaster(int slot, int column, int row) {
     point.master_range_time_s = 2.0 * point.master_range_m / kSpeedOfLight;
 }
 
-void PLAIN_SOLUTION::SolvePoint(int slot, bool bistatic) {
+void PLAIN_SOLUTION::SolvePoint(int slot) {
     PLAIN_POINT& point = points_[slot];
     const ACQUISITION_SCENE& master = scene_.master;
     const ACQUISITION_SCENE& slave = scene_.slave;
 
     double slave_range_m = 0.0;
     double slave_time_s = CalcSlaveTime(slave.orbit, point.position_m, &slave_range_m, slave.first_azimuth_time_s);
-    if (bistatic) {
-        const BISTATIC_SOLUTION::EQUIVALENT equivalent =
-            bistatic_.Solve(point.position_m, point.master_time_s, point.master_range_m, slave_time_s, point.dem_index);
+    if (bistatic_) {
+        const PLAIN_BISTATIC::EQUIVALENT equivalent =
+            bistatic_->Solve(point.position_m, point.master_time_s, point.master_range_m, slave_time_s);
         slave_range_m = equivalent.range_m;
         slave_time_s = equivalent.time_s;
     }

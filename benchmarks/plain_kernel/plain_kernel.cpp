@@ -1,6 +1,6 @@
-#include "tests/plain_kernel/plain_kernel.h"
+#include "benchmarks/plain_kernel/plain_kernel.h"
 
-#include "tests/plain_kernel/plain_solution.h"
+#include "benchmarks/plain_kernel/plain_solution.h"
 
 namespace {
 
@@ -47,7 +47,7 @@ void SimulateCell(const SCENE& scene, PLAIN_SOLUTION& solution, int column, int 
         solution.SolveMaster(corner.slot, column + corner.column_step, row + corner.row_step);
         // The first corner alone decides; the filling clips to the grid anyway.
         if (corner.slot == 0 && !IsWithinExtent(scene.master, solution.Point(0))) return;
-        solution.SolvePoint(corner.slot, scene.bistatic);
+        solution.SolvePoint(corner.slot);
     }
     solution.FillTriangles();
 }
@@ -61,7 +61,6 @@ bool PlainIsInsideArea(const SIMULATION_AREA& area, int column, int row) {
 void PlainSimulateRows(const SCENE& scene, int first_row, int last_row) {
     const CONVERGENCE_REPORT report;
     PLAIN_SOLUTION solution(scene);
-    if (scene.bistatic) solution.PrepareBistatic();
     for (int row = first_row; row < last_row; ++row) {
         for (int column = scene.simulated.first_column; column < scene.simulated.last_column; ++column) {
             SimulateCell(scene, solution, column, row);

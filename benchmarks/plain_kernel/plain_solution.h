@@ -10,9 +10,10 @@
 #pragma once
 
 #include <array>
+#include <optional>
 
+#include "benchmarks/plain_kernel/plain_bistatic.h"
 #include "lib/baselib/containers/records.h"
-#include "simulation/bistatic_solution.h"
 #include "simulation/scene.h"
 #include "simulation/triangle.h"
 
@@ -28,7 +29,6 @@ struct PLAIN_POINT {
     double master_range_m = 0.0;
     double master_time_s = 0.0;  ///< zero Doppler, on the master handle's axis
     float height_m = 0.0F;
-    POINT<int> dem_index{};  ///< x: column, y: row; names the corner in messages
 };
 
 class PLAIN_SOLUTION {
@@ -38,17 +38,13 @@ class PLAIN_SOLUTION {
 
     /// @param scene  must outlive the object
     explicit PLAIN_SOLUTION(const SCENE& scene);
-    /// Logs the statistics of the bistatic iteration (in monostatic mode their heading alone).
-    ~PLAIN_SOLUTION();
     PLAIN_SOLUTION(const PLAIN_SOLUTION&) = delete;
     PLAIN_SOLUTION& operator=(const PLAIN_SOLUTION&) = delete;
 
-    /// Before the first SolvePoint with bistatic set.
-    void PrepareBistatic() { bistatic_.Prepare(); }
     /// Earth position and master solution of one DEM sample into a slot.
     void SolveMaster(int slot, int column, int row);
     /// Phase, master pixel and slave pixel of a slot whose master solution is there.
-    void SolvePoint(int slot, bool bistatic);
+    void SolvePoint(int slot);
     /// Fills the pixels of the cell that nobody has claimed yet. All four slots must be solved.
     void FillTriangles();
     /// Point-in-triangle test in master pixels. A triangle below 1e-5 square pixels is logged at WARNING and holds
@@ -86,5 +82,5 @@ class PLAIN_SOLUTION {
     PIXEL_BOX box_{};
     bool shift_written_ = false;
     bool earth_written_ = false;
-    BISTATIC_SOLUTION bistatic_;
+    std::optional<PLAIN_BISTATIC> bistatic_;  ///< of a single-pass pair
 };
