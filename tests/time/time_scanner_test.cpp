@@ -35,6 +35,8 @@ TEST(UtcScanner, ReadsEveryForm) {
         {"29-FEB-2000/00:00:00", "29-FEB-2000/00:00:00.000000"},
     };
     for (const GOOD& c : kGood) EXPECT_EQ(UTC_SCANNER().Scan(c.text).ToText(), c.expected) << c.text;
+    const std::string zero_byte("2012-03-05T14:03:07\0x", 21);  // it ends the text
+    EXPECT_EQ(UTC_SCANNER().Scan(zero_byte).ToText(), "05-MAR-2012/14:03:07.000000");
 }
 
 struct BAD {

@@ -117,6 +117,11 @@ TEST(UniversalTime, PlusIsTheInverseOfTheDifference) {
                   "can not represent UTC value")
             << seconds;
     }
+    // 2^64 microseconds are 213 503 982 days and a third: a sum that wrapped round would look good.
+    for (const int days : {213503982, -213503982}) {
+        EXPECT_EQ(TextThrownBy([&] { (void)(Utc("05-MAR-2012/14:03:07") + DURATION::Normalised(days, 0, 0)); }),
+                  "can not represent UTC value");
+    }
 }
 
 TEST(UniversalTime, CurrentTimeIsTheSystemClock) {
