@@ -229,6 +229,7 @@ TEST_F(MdbTest, DamagedRecordsNameFileAndPlace) {
         {"t : 2\n  t : 2\n  n : 1\nt : 1\n  t : 1\n  n : 1\n",
          ": byte 22: the records are not in the order of their keys"},
         {"t : nan\n  t : nan\n  n : 1\n", "can not read value"},
+        {"t : 1\n  t : 1\n  n :  \n", "n: MDB: RECORD_ITEM: can not read value"},
         {"t : 1\n  t : 1\n  n : 12", ": byte 14: the file ends within a record"},
     };
     WriteFile("format.dat", "t : int\nn : int\n");
@@ -342,6 +343,7 @@ TEST_F(MdbTest, EachOperationTellsWhyItCanNotBe) {
     WriteFile("plain", "");
     ASSERT_EQ(mkfifo((root_ + "/pipe").c_str(), 0600), 0);
     expect_open("MDB::Open(): no path selected", "", "data", READ_ONLY);
+    expect_open("MDB::Open(): no file selected", root_, "", READ_ONLY);
     expect_open("can not open mdb-file", root_, "data", READ_ONLY);
     expect_open("can not open mdb-file", root_, "pipe", READ_ONLY);
     expect_open("MDB is opened read only: can not create directory", root_ + "/none", "data", READ_ONLY);
@@ -379,6 +381,17 @@ TEST_F(MdbTest, EachOperationTellsWhyItCanNotBe) {
     expect("MDB: database has another record type", [&] { db.SetRecordType(other); });
     db.Open(root_, "data", READ_ONLY);
     expect("MDB is opened read only: can not write data record", [&] { db.Write(type); });
+    expect("MDB: RECORD_ITEM: unknown type", [] { (void)CompareValues(RECORD_ITEM(), RECORD_ITEM()); });
+}
+
+TEST(StopMode, HasATextThatLeadsBackToIt) {
+    const std::string texts[] = {"invalid", "stop_before", "stop_exact", "stop_nearest", "stop_after"};
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_EQ(StopModeText(static_cast<MDB_STOP_MODE>(i)), texts[i]);
+        EXPECT_EQ(StopModeFromText(texts[i]), static_cast<MDB_STOP_MODE>(i));
+    }
+    EXPECT_EQ(StopModeFromText("exact"), MDB_STOP_MODE::INVALID);
+    for (const int beyond : {-1, 5}) EXPECT_STREQ(StopModeText(static_cast<MDB_STOP_MODE>(beyond)), "invalid");
 }
 
 }  // namespace
