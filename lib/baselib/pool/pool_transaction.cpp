@@ -85,7 +85,7 @@ PARAMETER_POOL_LIST POOL_TRANSACTION::PendingOf(const POOL_FILE& file) const {
 
 void POOL_TRANSACTION::Commit() {
     PrepareAll();
-    PARAMETER_POOL::CountUpdate();
+    PARAMETER_POOL_READ_WRITE_CHANGE::CountUpdate();
     for (const PART& part : parts_) part.update.Announce();
     const SIGNALS_HELD_BACK held_back;
     CopyAll();
