@@ -159,6 +159,15 @@ TEST(LogOutput, WaitsForRoomInANonBlockingPipe) {
     EXPECT_EQ(received, text);
 }
 
+TEST(LogOutput, TellsWhetherAllWentOut) {
+    LOG_OUTPUT full(open("/dev/full", O_WRONLY));
+    EXPECT_FALSE(full.Write("x"));
+    EXPECT_TRUE(full.Write(""));
+    full.Close();
+    EXPECT_FALSE(full.IsOpen());
+    EXPECT_FALSE(full.Write("x"));
+}
+
 TEST_F(LoggingTest, HeaderEndsWithItsStarter) {
     const std::string path = UseFile();
     setenv("PROC_NAME", "CHAIN", 1);
@@ -206,17 +215,21 @@ TEST_F(LoggingTest, ThreadsLogWholeMessages) {
 
 TEST_F(LoggingTest, AnEmergencyLineBeginsAfreshAndSilencesTheRest) {
     const std::string path = UseFile();
-    EXPECT_EXIT(
-        {
-            Log() << LOGGING_LEVEL::INFO << "half a li";
-            LOGGING::BeginEmergency();
-            LOGGING::EmergencyLine(LOGGING_LEVEL::ALARM, "emergency");
-            Log() << "ne\n";
-            Log().Message(LOGGING_LEVEL::ALARM, "too late");
-            _exit(3);
-        },
-        testing::ExitedWithCode(3), "");
-    EXPECT_EQ(Content(path), "INFO  : global : half a li\nALARM : global : emergency\n");
+    const std::pair<const char*, std::string> cases[] = {{"half a li", "\n"}, {"half a line\n", ""}};
+    for (const auto& [said, end] : cases) {
+        Write(path, "");
+        EXPECT_EXIT(
+            {
+                Log() << LOGGING_LEVEL::INFO << "h" << &said[1];
+                LOGGING::BeginEmergency();
+                LOGGING::EmergencyLine(LOGGING_LEVEL::ALARM, "emergency");
+                Log() << "ne\n";
+                Log().Message(LOGGING_LEVEL::ALARM, "too late");
+                _exit(3);
+            },
+            testing::ExitedWithCode(3), "");
+        EXPECT_EQ(Content(path), "INFO  : global : " + std::string(said) + end + "ALARM : global : emergency\n");
+    }
 }
 
 }  // namespace
