@@ -60,12 +60,13 @@ TEST(UnusedWords, TellWhatNobodyReads) {
                             "argument -LOOKS_RG is not used: this run has no use for it", "argument -FAR is not used",
                             "argument DEM=dem.ras is not used: is -DEM dem.ras meant?",
                             "argument file.pcf is not used: is -pcf file.pcf meant?",
-                            "argument -WRITE_SHIFTS is not used: no value follows it; any word will do"));
+                            "argument -WRITE_SHIFTS is not used: no value follows it (a flag needs one, too)"));
     EXPECT_THAT(UnusedArgumentLines(words, record, true),
                 ElementsAre("unknown parameter pfc: is pcf meant?",
                             "argument -h is not used: --help, as the only argument, tells the keys",
                             "argument -FAR is not used", "argument DEM=dem.ras is not used: is -DEM dem.ras meant?",
-                            "argument file.pcf is not used: is -pcf file.pcf meant?"));
+                            "argument file.pcf is not used: is -pcf file.pcf meant?",
+                            "argument -WRITE_SHIFTS is not used: no value follows it (a flag needs one, too)"));
     EXPECT_THAT(
         DoubtfulFileKeyLines(words, record),
         ElementsAre("unknown parameter PHASE: is SIMU_PHASE meant?",

@@ -52,7 +52,7 @@ DOUBTS = [
     ("a key twice", append("scene.pcf", "LOOKS_RG 2\n"), (),
      "scene.pcf: key LOOKS_RG stands 2 times, and the order of reading decides which line counts: keep one"),
     ("a flag as last argument", None, ("-WRITE_SHIFTS",),
-     "argument -WRITE_SHIFTS is not used: no value follows it; any word will do"),
+     "argument -WRITE_SHIFTS is not used: no value follows it (a flag needs one, too)"),
     ("a mistyped argument", None, ("-lgo_pp", "x"), "unknown parameter lgo_pp: is log_pp meant?"),
     ("an argument without its dash", None, ("DEM=dem.ras",), "argument DEM=dem.ras is not used: is -DEM dem.ras meant?"),
     ("a mistyped key of a pool", append("dem.pool", "datum_shfit FLT_15_V 0 3\n{\n1\n2\n3\n}\n"), (),
@@ -76,12 +76,22 @@ def test_words_that_nobody_reads_are_told(small, change, arguments, warning):
     assert len(unused) == 1 and unused[0].split(":")[1].split()[0] == "FOREIGN_PROGRAMS_KEY"
 
 
-def test_a_question_that_a_mistyped_argument_causes_comes_with_its_reason(small):
-    run = velmora(small, "-pfc", "scene.pcf", control_file=None)
+@pytest.mark.parametrize("arguments, reason", [
+    (("-pfc", "scene.pcf"), "unknown parameter pfc: is pcf meant?"),
+    (("scene.pcf",), "argument scene.pcf is not used: is -pcf scene.pcf meant?"),
+    (("-pcf",), "argument -pcf is not used: no value follows it (a flag needs one, too)")])
+def test_a_question_that_a_mistyped_argument_causes_comes_with_its_reason(small, arguments, reason):
+    run = velmora(small, *arguments, control_file=None)
     assert run.status == 1 and run.lines("WARN") == [
-        "Configuration file pcf.velmora does not exist!", "unknown parameter pfc: is pcf meant?",
-        "No configuration file or parameter not found!", "\t  Please input value of parameter : <MASTER_POOL>",
-        "\t  (velmora --help tells the parameters)"]
+        "Configuration file pcf.velmora does not exist!", reason, "No configuration file or parameter not found!",
+        "\t  Please input value of parameter : <MASTER_POOL>", "\t  (velmora --help tells the parameters)"]
+
+
+def test_a_byte_order_mark_is_the_reason_of_the_question(small):
+    text = (small / "scene.pcf").read_text(encoding="ascii").replace("MASTER_POOL master.pool\n", "")
+    (small / "scene.pcf").write_text("\ufeffMASTER_POOL master.pool\n" + text, encoding="utf-8")
+    run = velmora(small)
+    assert run.status == 1 and run.lines("WARN")[0].endswith("MASTER_POOL: is MASTER_POOL meant?"), run.explanation()
 
 
 def test_configuration_comes_from_arguments_then_file_then_environment(small):

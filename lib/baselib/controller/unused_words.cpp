@@ -26,9 +26,13 @@ bool HasValue(const GIVEN_WORDS& words, int position) {
     return next < words.arguments.size() && !LooksLikeKey(words.arguments[next]);
 }
 
+bool IsLast(const GIVEN_WORDS& words, int position) {
+    return static_cast<size_t>(position) + 1 == words.arguments.size();
+}
+
 std::string WhyKnownKeyIsUnused(const GIVEN_WORDS& words, const LOOKUP_RECORD& record, int position) {
     const std::string& key = words.arguments[static_cast<size_t>(position)];
-    if (static_cast<size_t>(position) + 1 == words.arguments.size()) return "no value follows it; any word will do";
+    if (IsLast(words, position)) return "no value follows it (a flag needs one, too)";
     for (const int used : record.used_arguments)
         if (used > position && words.arguments[static_cast<size_t>(used)] == key) return "a later " + key + " wins";
     return "this run has no use for it";
@@ -89,7 +93,8 @@ std::vector<std::string> UnusedArgumentLines(const GIVEN_WORDS& words, const LOO
         if (record.used_arguments.contains(i)) {
             ++i;  // its value
         } else if (LooksLikeKey(argument)) {
-            if (!lookups_follow || !IsKnown(words, argument.substr(1))) lines.push_back(KeyLine(words, record, i));
+            const bool may_be_used = lookups_follow && IsKnown(words, argument.substr(1)) && !IsLast(words, i);
+            if (!may_be_used) lines.push_back(KeyLine(words, record, i));
             if (HasValue(words, i)) ++i;
         } else {
             lines.push_back(WordLine(words, argument));

@@ -24,7 +24,7 @@ struct GIVEN_WORDS {
 };
 
 /// One line for each argument that nothing has used, with its value.
-/// @param lookups_follow  leave out what a lookup may still use: the known keys
+/// @param lookups_follow  leave out what a lookup may still use: the known keys that a value follows
 [[nodiscard]] std::vector<std::string> UnusedArgumentLines(const GIVEN_WORDS& words, const LOOKUP_RECORD& record,
                                                            bool lookups_follow);
 
