@@ -1,15 +1,18 @@
 #include "simulation/copy_mem_mgr.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
+#include <vector>
 
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/image/product_rows.h"
 #include "lib/baselib/logging/logging.h"
 #include "simulation/threads.h"
 
 namespace {
 
-constexpr int kPixelBytes = 4;
+constexpr long long kPixelBytes = 4;
 
 bool Holds(const MEM_MGR& image, long long columns, long long first_row, long long last_row) {
     return image.FirstColumn() <= 0 && image.LastColumn() >= columns - 1 && image.FirstRow() <= first_row &&
@@ -27,10 +30,23 @@ void CheckArgument(const COPY_MEM_MGR_ARG& argument) {
     const long long first_row = argument.start;
     const long long last_row = first_row + argument.length - 1;
     const long long columns = destination.Columns();
-    if (!Holds(source, columns, first_row, last_row) || !Holds(destination, columns, first_row, last_row)) {
-        Log().Message(LOGGING_LEVEL::ALARM, "columns 0..%lld of rows %lld..%lld are not in both images", columns - 1,
+    if (!Holds(source, columns, first_row, last_row)) {
+        Log().Message(LOGGING_LEVEL::ALARM, "columns 0..%lld of rows %lld..%lld are not in the image", columns - 1,
                       first_row, last_row);
         throw ERROR_ARGUMENT();
+    }
+}
+
+void CopyBands(const COPY_MEM_MGR_ARG& argument) {
+    CheckArgument(argument);
+    MEM_MGR& band = *argument.destination;
+    const auto row_bytes = static_cast<std::size_t>(band.Columns() * kPixelBytes);
+    const long long end = static_cast<long long>(argument.start) + argument.length;
+    for (long long first = argument.start; first < end; first += band.Rows()) {
+        const long long rows = std::min(band.Rows(), end - first);
+        for (long long i = 0; i < rows; ++i)
+            std::memcpy(band.PixelAddress(0, i), argument.source->PixelAddress(0, first + i), row_bytes);
+        argument.file->WriteRows(first, rows, band.Data());
     }
 }
 
@@ -40,25 +56,29 @@ void CopyMemMgrThread(COPY_MEM_MGR_ARG* argument) {
     Log().Message(LOGGING_LEVEL::TRACE, "   - thread nr: %d  start: %d  length: %d",
                   static_cast<int>(argument->thread_number), static_cast<int>(argument->start),
                   static_cast<int>(argument->length));
-    CheckArgument(*argument);
-    const long long row_bytes = argument->destination->Columns() * kPixelBytes;
-    for (long long i = 0; i < argument->length && row_bytes > 0; ++i) {
-        const long long row = argument->start + i;
-        std::memcpy(argument->destination->PixelAddress(0, row), argument->source->PixelAddress(0, row),
-                    static_cast<std::size_t>(row_bytes));
+    try {
+        CopyBands(*argument);
+    } catch (...) {
+        argument->file->Abandon();  // others may wait for these rows
+        throw;
     }
     Log().Message(LOGGING_LEVEL::TRACE, "   - end of thread nr: %d", static_cast<int>(argument->thread_number));
 }
 
-void CopyMemMgr(const MEM_MGR& source, MEM_MGR& destination) {
-    if (destination.Rows() > std::numeric_limits<std::uint32_t>::max()) {
-        Log().Message(LOGGING_LEVEL::ALARM, "an image of %lld rows has too many to be copied", destination.Rows());
+void CopyMemMgr(const MEM_MGR& source, long long columns, long long rows, PRODUCT_FILE& file) {
+    if (rows > std::numeric_limits<std::uint32_t>::max()) {
+        Log().Message(LOGGING_LEVEL::ALARM, "an image of %lld rows has too many to be copied", rows);
         throw ERROR_ARGUMENT();
     }
-    THREADS<COPY_MEM_MGR_ARG, unsigned int> threads(0, static_cast<unsigned>(destination.Rows()), CopyMemMgrThread);
-    for (COPY_MEM_MGR_ARG& argument : threads.Arguments()) {
+    THREADS<COPY_MEM_MGR_ARG, unsigned int> threads(0, static_cast<unsigned>(rows), CopyMemMgrThread);
+    std::vector<MEM_MGR> bands(static_cast<std::size_t>(threads.Count()));
+    const long long band_rows = std::max(kProductBufferBytes / std::max(columns * kPixelBytes, 1LL), 1LL);
+    for (int i = 0; i < threads.Count(); ++i) {
+        bands[i].Allocate(0, 0, columns - 1, band_rows - 1, source.PixelType());
+        COPY_MEM_MGR_ARG& argument = threads.Arguments()[i];
         argument.source = &source;
-        argument.destination = &destination;
+        argument.destination = &bands[i];
+        argument.file = &file;
     }
     threads.Run();
 }

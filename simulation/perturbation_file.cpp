@@ -1,12 +1,10 @@
 #include "simulation/perturbation_file.h"
 
-#include <sys/mman.h>
-
 #include <cmath>
 #include <limits>
 
 #include "lib/baselib/errors/error_exception.h"
-#include "lib/baselib/image/mem_mgr.h"
+#include "lib/baselib/image/product_rows.h"
 #include "lib/baselib/logging/logging.h"
 
 namespace {
@@ -65,12 +63,7 @@ void CheckParameters(const std::string& path, double offset, double precision) {
 
 }  // namespace
 
-double PerturbationOffset(const GRID_VIEW<const double>& matrix) {
-    if (matrix.columns < 1 || matrix.rows < 1) {
-        Log().Message(LOGGING_LEVEL::ALARM, "a matrix of %d x %d elements has no centre", matrix.columns, matrix.rows);
-        throw ERROR_ARGUMENT();
-    }
-    const double centre = matrix[matrix.rows / 2][matrix.columns / 2];
+double PerturbationOffset(double centre) {
     if (!IsUsable(centre)) {
         Log().Message(LOGGING_LEVEL::ALARM, "the centre value %g of a matrix is no usable offset", centre);
         throw ERROR_INVALID_VALUE();
@@ -78,22 +71,22 @@ double PerturbationOffset(const GRID_VIEW<const double>& matrix) {
     return std::rint(centre);
 }
 
-void WritePerturbationFile(const std::string& path, const GRID_VIEW<const double>& matrix, double offset,
-                           double precision) {
-    CheckParameters(path, offset, precision);
+void LogPerturbationFile(const PRODUCT_FILE& file, double offset) {
     Log().Message(LOGGING_LEVEL::INFO, "Pertubation file offset = %f", offset);
-    MEM_MGR image;
-    image.CreateFile(path, matrix.columns, matrix.rows, PIXEL_TYPE::FLT_6);
-    const GRID_VIEW<float> pixels = ViewOf<float>(image);
+    file.LogCreation();
+}
+
+void WritePerturbationRows(PRODUCT_FILE& file, const GRID_VIEW<const double>& matrix, int first_row, int end_row,
+                           double offset, double precision) {
+    CheckParameters(file.Path(), offset, precision);
     const PRECISION_CHECK check(precision, offset);
-    for (int y = 0; y < matrix.rows; ++y) {
+    WriteRowsMade(file, first_row, end_row, matrix.columns, [&](long long y, float* pixels) {
+        const double* const row = matrix[static_cast<int>(y)];
         for (int x = 0; x < matrix.columns; ++x) {
-            const double original = matrix[y][x];
-            if (!IsUsable(original)) RefuseValue(path, x, y, original);
-            const double difference = original - offset;
-            check(x, y, original, difference);
-            pixels[y][x] = static_cast<float>(difference);
+            if (!IsUsable(row[x])) RefuseValue(file.Path(), x, y, row[x]);
+            const double difference = row[x] - offset;
+            check(x, y, row[x], difference);
+            pixels[x] = static_cast<float>(difference);
         }
-    }
-    image.Flush(MS_SYNC);  // the only place where a mapped file tells of a failed write
+    });
 }

@@ -5,19 +5,20 @@
 
 #pragma once
 
-#include <string>
-
 #include "lib/baselib/image/grid_view.h"
+#include "lib/baselib/image/product_file.h"
 
 /// The offset of a matrix: its centre element [rows / 2][columns / 2], rounded to a whole number.
-/// @throws ERROR_ARGUMENT for a matrix without elements, ERROR_INVALID_VALUE when the element is not finite
-double PerturbationOffset(const GRID_VIEW<const double>& matrix);
+/// @throws ERROR_INVALID_VALUE when the element is not finite
+double PerturbationOffset(double centre);
 
-/// Writes matrix - offset as a raster file of 32-bit reals.
+/// The lines that open the output of a perturbation file.
+void LogPerturbationFile(const PRODUCT_FILE& file, double offset);
+
+/// Writes matrix - offset, for rows first_row .. end_row - 1, into a product of 32-bit reals.
 /// @param precision  wanted resolution, in the unit of the matrix, above 0. A pixel whose |value - offset| exceeds it
-/// by
-///                   more than the 24-bit mantissa of a 32-bit real holds (2^24) is told at WARNING, and written.
+///                   by more than the 24-bit mantissa of a 32-bit real holds (2^24) is told at WARNING, and written.
 /// @throws ERROR_ARGUMENT for a precision not above 0; ERROR_INVALID_VALUE for a value that is not finite or beyond the
-///         range of 32-bit reals (the file stays incomplete); as MEM_MGR::CreateFile and Flush
-void WritePerturbationFile(const std::string& path, const GRID_VIEW<const double>& matrix, double offset,
-                           double precision);
+///         range of 32-bit reals; as PRODUCT_FILE::WriteRows
+void WritePerturbationRows(PRODUCT_FILE& file, const GRID_VIEW<const double>& matrix, int first_row, int end_row,
+                           double offset, double precision);
