@@ -12,11 +12,13 @@
 #include "app/simulation_state.h"
 #include "app/velmora_version.h"
 #include "lib/baselib/controller/controller_ifc.h"
+#include "lib/baselib/controller/fatal_signals.h"
 #include "lib/baselib/errors/enum_base.h"
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/image/mapped_file.h"
+#include "lib/baselib/image/unfinished_files.h"
 #include "lib/baselib/logging/logging.h"
 #include "lib/baselib/vectors/vector_level.h"
-#include "simulation/dem2phase.h"
 
 namespace {
 
@@ -39,20 +41,21 @@ void RunStages(CONTROLLER_IFC& controller, const VERSION_RECORD& version) {
     (void)ChosenVectorLevel();  // stage B's affair, but refused before the work of stage A
     const REQUEST request = ReadRequest(controller, pools);
     TryHistory(pools.HistoryPool(), EntryOfThisRun(version));
-    const SIMULATION_STATE state(request, pools);
+    SIMULATION_STATE state(request, pools);
 
     SetOutOfMemoryLine("out of memory in the phase simulation (stage B)");
     LogStage("B. PHASE SIMULATION ***************************************");
-    SimulateScene(state.scene);
+    const COVERAGE_GAP gap = SimulateImage(state);
 
     SetOutOfMemoryLine("out of memory while the products were saved (stage C)");
     LogStage("C. OUTPUT TO FILE SAVING **********************************");
-    SaveProducts(state, pools.insar);
+    SaveProducts(state, gap, pools.insar);
 
     Say(" ");
     Say("***********************************************************");
     SetOutOfMemoryLine("out of memory while the pools were updated");
     WriteBackPools(pools, EntryOfThisRun(version));
+    state.products.Accept();
 }
 
 void LogReason(const std::string& reason) {
@@ -63,6 +66,7 @@ void LogReason(const std::string& reason) {
 
 void RunVelmora(int argc, char** argv) {
     ReportOutOfMemory();
+    SetFatalSignalHelp({BusErrorText, UndoUnfinishedFiles});
     CONTROLLER_IFC controller;
     controller.SetKnownKeys(ControlKeyNames());
     try {

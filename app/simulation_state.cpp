@@ -15,9 +15,9 @@ SCENE_IN_DEM Locate(const REQUEST& request, const ACQUISITIONS& acquisitions, co
     return place;
 }
 
-RESULT_IMAGES MakeImages(const REQUEST& request, const OUTPUT_SIZES& sizes, float initial_phase) {
+PRODUCT_WRITER OpenProducts(const REQUEST& request, const IMAGE_SIZE& image, const OUTPUT_SIZES& sizes) {
     CheckProductPaths(request);
-    return AllocateResultImages(request, sizes, initial_phase);
+    return {request, image, sizes};
 }
 
 }  // namespace
@@ -35,5 +35,7 @@ SIMULATION_STATE::SIMULATION_STATE(const REQUEST& what_was_asked, RUN_POOLS& poo
       initial_phase(ReadInitialPhase(request)),
       survey(SurveyDem(terrain.grid, place.simulated, valid_heights, request.terrain.dem_file.text)),
       sizes(SizeOutputs(request, acquisitions.image, simulated)),
-      images(MakeImages(request, sizes, initial_phase)),
+      products(OpenProducts(request, acquisitions.image, sizes)),
+      slabs(PlanSlabs(request, sizes)),
+      images(AllocateResultImages(request, sizes, slabs, initial_phase)),
       scene(MakeKernelScene(request, acquisitions, pair, terrain, place, images)) {}

@@ -1,11 +1,14 @@
 /// \file simulation_state.h
 /// All that the stages of one run share. Stage A is its construction: a chain of values, each made once from those
-/// before it and not changed after. Only the pixels of the result images change later, in stage B.
+/// before it and not changed after. Only the pixels of the result images and the products change later, in stages B and
+/// C.
 
 #pragma once
 
 #include "app/acquisition/acquisitions.h"
+#include "app/products/product_writer.h"
 #include "app/products/result_images.h"
+#include "app/products/slabs.h"
 #include "app/request/request.h"
 #include "app/run_pools.h"
 #include "app/scene/output_sizes.h"
@@ -35,6 +38,8 @@ struct SIMULATION_STATE {
     const float initial_phase;
     const DEM_SURVEY survey;
     const OUTPUT_SIZES sizes;
-    RESULT_IMAGES images;
-    const SCENE scene;  ///< what the kernel reads and where it writes
+    PRODUCT_WRITER products;  ///< has all the products' files and their room
+    const SLAB_PLAN slabs;
+    RESULT_IMAGES images;  ///< of the whole image, or of a slab
+    const SCENE scene;     ///< what the kernel reads and where it writes: the whole image or the first slab
 };

@@ -15,8 +15,8 @@ struct COPY_MEM_MGR_ARG : THREAD_ARG {
 };
 
 /// Kernel, for pixels of 4 bytes: for each row index start .. start + length - 1, copies the pixels of the columns
-/// 0 .. destination's columns - 1 from that row of the source to the destination, and on into the file. Rows and columns
-/// are the source's own coordinates: a source whose corners are below 0 loses its border on all sides.
+/// 0 .. destination's columns - 1 from that row of the source to the destination, and on into the file. Rows and
+/// columns are the source's own coordinates: a source whose corners are below 0 loses its border on all sides.
 /// @throws ERROR_NOT_SUPPORTED_PIXEL_TYPE for other pixels, ERROR_ARGUMENT when these pixels are not in the source;
 ///         as PRODUCT_FILE::WriteRows
 void CopyMemMgrThread(COPY_MEM_MGR_ARG* argument);

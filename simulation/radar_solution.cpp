@@ -16,14 +16,14 @@ PIXEL_SCALE ScaleOf(const ACQUISITION_SCENE& a) {
     return {a.near_range_time_s, a.first_azimuth_time_s, a.rsf_hz, a.prf_hz};
 }
 
-/// Calls visit(first, count) for every run of elements that are wanted and not done.
+/// Calls visit(first, count) for every run of elements first .. last that are wanted and not done.
 template <class VISIT>
-void ForEachRun(const std::vector<unsigned char>& wanted, const std::vector<unsigned char>& done, VISIT visit) {
-    const auto size = static_cast<int>(wanted.size());
-    for (int i = 0; i < size; ++i) {
+void ForEachRun(const std::vector<unsigned char>& wanted, const std::vector<unsigned char>& done, int first, int last,
+                VISIT visit) {
+    for (int i = first; i <= last; ++i) {
         if (wanted[i] == 0 || done[i] != 0) continue;
         int end = i + 1;
-        while (end < size && wanted[end] != 0 && done[end] == 0) ++end;
+        while (end <= last && wanted[end] != 0 && done[end] == 0) ++end;
         visit(i, end - i);
         i = end;
     }
@@ -58,11 +58,13 @@ RADAR_SOLUTION::~RADAR_SOLUTION() {
 }
 
 void RADAR_SOLUTION::SimulateRow(int row) {
+    LookAtCells(row);
     std::swap(upper_, lower_);
     if (upper_->row != row) Begin(*upper_, row);
     Begin(*lower_, row + 1);
     MarkTouchedCells();
-    upper_->wanted = cells_;
+    std::copy_n(cells_.begin() + first_, last_ - first_, upper_->wanted.begin() + first_);
+    upper_->wanted[last_] = 0;
     SolveMaster(*upper_);
     DropFarCells();
     SolveCorners(*upper_);
@@ -78,22 +80,30 @@ void RADAR_SOLUTION::Begin(RADAR_ROW& samples, int row) const {
     std::fill(samples.solved.begin(), samples.solved.end(), static_cast<unsigned char>(0));
 }
 
+void RADAR_SOLUTION::LookAtCells(int row) {
+    first_ = 0;
+    last_ = static_cast<int>(cells_.size()) - 1;
+    if (scene_.cells.empty()) return;
+    const CELL_RANGE& cells = scene_.cells[row - scene_.simulated.first_row];
+    std::fill(cells_.begin(), cells_.end(), static_cast<unsigned char>(0));
+    first_ = cells.first_column - scene_.simulated.first_column;
+    last_ = cells.end_column - scene_.simulated.first_column;
+}
+
 void RADAR_SOLUTION::MarkTouchedCells() {
-    const auto last = static_cast<int>(cells_.size()) - 1;
-    for (int i = 0; i < last; ++i) {
+    for (int i = first_; i < last_; ++i) {
         cells_[i] = upper_->in_area[i] | upper_->in_area[i + 1] | lower_->in_area[i] | lower_->in_area[i + 1];
     }
 }
 
 /// The first corner alone decides; the filling clips to the grid anyway.
 void RADAR_SOLUTION::DropFarCells() {
-    const auto last = static_cast<int>(cells_.size()) - 1;
-    for (int i = 0; i < last; ++i) {
+    for (int i = first_; i < last_; ++i) {
         if (cells_[i] != 0 && !IsWithinExtent(i)) cells_[i] = 0;
     }
-    const auto corners = [this, last](std::vector<unsigned char>& wanted) {
-        wanted[0] = cells_[0];
-        for (int i = 0; i < last; ++i) wanted[i + 1] = cells_[i] | cells_[i + 1];
+    const auto corners = [this](std::vector<unsigned char>& wanted) {
+        wanted[first_] = cells_[first_];
+        for (int i = first_; i < last_; ++i) wanted[i + 1] = cells_[i] | cells_[i + 1];
     };
     corners(upper_->wanted);
     corners(lower_->wanted);
@@ -120,7 +130,7 @@ void RADAR_SOLUTION::SolveTowards(const std::optional<ROW_ORBIT>& orbit, const R
 }
 
 void RADAR_SOLUTION::SolveMaster(RADAR_ROW& samples) {
-    ForEachRun(samples.wanted, samples.master_solved, [&](int first, int count) {
+    ForEachRun(samples.wanted, samples.master_solved, first_, last_, [&](int first, int count) {
         dem_row_.FillPositions(samples);
         SolveTowards(prepared_.MasterOrbit(), samples, first, count, samples.master_time_s, samples.master_range_m);
         MarkDone(samples.master_solved, first, count);
@@ -135,7 +145,7 @@ void RADAR_SOLUTION::SolveCorners(RADAR_ROW& samples) {
     const auto convert_to_phase = VELMORA_AT_LEVEL(prepared_.VectorLevel(), ConvertToPhase);
     const double master_wavelength_m = kSpeedOfLight / scene_.master.carrier_frequency_hz;
     const double slave_wavelength_m = kSpeedOfLight / scene_.slave.carrier_frequency_hz;
-    ForEachRun(samples.wanted, samples.solved, [&](int first, int count) {
+    ForEachRun(samples.wanted, samples.solved, first_, last_, [&](int first, int count) {
         SolveTowards(prepared_.SlaveOrbit(), samples, first, count, samples.slave_time_s, samples.slave_range_m);
         if (scene_.bistatic) SolveTravelTimes(samples, first, count);
         convert_to_pixels(master, &samples.master_range_m[first], &samples.master_time_s[first],

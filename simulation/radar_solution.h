@@ -36,6 +36,7 @@ class RADAR_SOLUTION {
     [[nodiscard]] const SOLUTION_COUNTS& Counts() const { return counts_; }
 
   private:
+    void LookAtCells(int row);
     void Begin(RADAR_ROW& samples, int row) const;
     void MarkTouchedCells();
     void DropFarCells();
@@ -55,6 +56,8 @@ class RADAR_SOLUTION {
     std::array<RADAR_ROW, 2> rows_;
     RADAR_ROW* upper_;
     RADAR_ROW* lower_;
+    int first_ = 0;  ///< elements to look at: cells first_ .. last_ - 1, samples first_ .. last_
+    int last_ = 0;
     SOLUTION_COUNTS counts_{};
     std::vector<unsigned char> cells_;  ///< 1: the cell right of and below this sample is to be filled
 };

@@ -36,6 +36,12 @@ struct DEM_RANGE {
     int last_column = 0;
 };
 
+/// Cells of one DEM row: columns first_column <= c < end_column.
+struct CELL_RANGE {
+    int first_column = 0;
+    int end_column = 0;
+};
+
 /// Quadrilaterals in DEM coordinates (x: column, y: row); the four lists have equal length.
 /// q1, q2: near range, earlier and later azimuth time; q3, q4: far range, earlier and later.
 struct SIMULATION_AREA {
@@ -83,6 +89,7 @@ struct EARTH_GRIDS {
 struct SCENE {
     DEM_GRID dem{};
     DEM_RANGE simulated{};
+    std::vector<CELL_RANGE> cells{};  ///< for each simulated row those to look at; empty: all
     SIMULATION_AREA area{};
     ACQUISITION_SCENE master{};
     ACQUISITION_SCENE slave{};

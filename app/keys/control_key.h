@@ -75,6 +75,8 @@ inline constexpr CONTROL_KEY_ROW kControlKeys[] = {
      "earth_matrices_subsampling_x", "sub-sampling of the Earth files in range"},
     {"EARTH_MATRICES_SUBSAMPLING_Y", KEY_NEED::FORCES_POOL, "integer", "", kNotNegative, "pool",
      "earth_matrices_subsampling_y", "sub-sampling of the Earth files in azimuth"},
+    {"MEMORY_LIMIT", KEY_NEED::OPTIONAL, "integer", "MiB", kFromOne, "three quarters of the memory", "",
+     "memory for the grids; an image that needs more is simulated in slabs of lines"},
     {"pid", KEY_NEED::STEERING, "text", "", kAnything, "program file", "",
      "name that forms the names of the files below; argument or environment only"},
     {"status", KEY_NEED::STEERING, "path", "", kAnything, "working folder", "",

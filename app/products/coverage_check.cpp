@@ -6,40 +6,12 @@
 
 #include "app/scene/image_to_dem.h"
 #include "app/scene/scene_meets_dem.h"
+#include "app/simulation_state.h"
 #include "app/terrain/terrain_bounds.h"
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/logging/logging.h"
 
 namespace {
-
-/// The points without a mark and the box around them, in samples and lines; bounds are inclusive.
-struct GAP {
-    long long count = 0;
-    int first_sample = 0;
-    int last_sample = 0;
-    int first_line = 0;
-    int last_line = 0;
-};
-
-GAP FindGap(const MASTER_GRIDS& image) {
-    GAP gap;
-    for (int line = 0; line < image.mask.rows; ++line) {
-        const unsigned char* row = image.mask[line];
-        const auto columns = static_cast<std::size_t>(image.mask.columns);
-        if (std::memchr(row, 0, columns) == nullptr) continue;
-        for (int sample = 0; sample < image.mask.columns; ++sample) {
-            if (row[sample] != 0) continue;
-            if (gap.count++ == 0) {
-                WarnAboutMissingPoint(sample, line);
-                gap = {1, sample, sample, line, line};
-            }
-            gap.first_sample = std::min(gap.first_sample, sample);
-            gap.last_sample = std::max(gap.last_sample, sample);
-            gap.last_line = line;
-        }
-    }
-    return gap;
-}
 
 /// Where a pixel may lie in the DEM: between the places of the lowest and of the highest terrain.
 class PIXEL_IN_DEM {
@@ -111,7 +83,7 @@ class PIXEL_IN_DEM {
     POINT<double> highest_;
 };
 
-const char* Cause(const SIMULATION_STATE& state, const GAP& gap) {
+const char* Cause(const SIMULATION_STATE& state, const COVERAGE_GAP& gap) {
     bool leaves = false;
     bool crosses_void = false;
     bool large_cells = false;
@@ -134,9 +106,29 @@ const char* Cause(const SIMULATION_STATE& state, const GAP& gap) {
 
 }  // namespace
 
-void CheckCoverage(const SIMULATION_STATE& state) {
-    const GAP gap = FindGap(state.scene.image);
-    if (gap.count == 0) return;
+void COVERAGE_GAP::Add(const GRID_VIEW<const unsigned char>& mask) {
+    for (int line = mask.first_row; line < mask.EndRow(); ++line) {
+        const unsigned char* row = mask[line];
+        if (std::memchr(row, 0, static_cast<std::size_t>(mask.columns)) == nullptr) continue;
+        for (int sample = 0; sample < mask.columns; ++sample) {
+            if (row[sample] == 0) Add(sample, line);
+        }
+    }
+}
+
+void COVERAGE_GAP::Add(int sample, int line) {
+    if (count++ == 0) {
+        WarnAboutMissingPoint(sample, line);
+        first_sample = last_sample = sample;
+        first_line = line;
+    }
+    first_sample = std::min(first_sample, sample);
+    last_sample = std::max(last_sample, sample);
+    last_line = line;
+}
+
+void RequireCoverage(const SIMULATION_STATE& state, const COVERAGE_GAP& gap) {
+    if (gap.IsEmpty()) return;
     Log().Message(LOGGING_LEVEL::WARNING, "%lld points are missing, rg=%d..%d, az=%d..%d: %s (DEM %s)", gap.count,
                   gap.first_sample, gap.last_sample, gap.first_line, gap.last_line, Cause(state, gap),
                   state.request.terrain.dem_file.Text());

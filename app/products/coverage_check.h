@@ -1,11 +1,30 @@
 /// \file coverage_check.h
-/// The start of stage C: every pixel of the simulated area must have been simulated before a product is written.
+/// Every pixel of the simulated area must have been simulated before a product appears.
 
 #pragma once
 
-#include "app/simulation_state.h"
+#include "lib/baselib/image/grid_view.h"
 
-/// @throws ERROR_PARAMETER at a gap, after a WARNING for its first point and one that explains the gap: number of
-///         missing points, the box around them, and why: the DEM ends there, a void lies there, cells exceed 1000
-///         samples or the terrain lies outside the heights that are simulated
-void CheckCoverage(const SIMULATION_STATE& state);
+struct SIMULATION_STATE;
+
+/// The points without a mark and the box around them, in samples and lines; bounds are inclusive.
+struct COVERAGE_GAP {
+    long long count = 0;
+    int first_sample = 0;
+    int last_sample = 0;
+    int first_line = 0;
+    int last_line = 0;
+
+    /// Looks through a mask, line by line; the first point of all is told at WARNING. Masks come in the order of their
+    /// lines.
+    void Add(const GRID_VIEW<const unsigned char>& mask);
+    [[nodiscard]] bool IsEmpty() const { return count == 0; }
+
+  private:
+    void Add(int sample, int line);
+};
+
+/// @throws ERROR_PARAMETER at a gap, after a WARNING that explains it: number of missing points, the box around them,
+///         and why: the DEM ends there, a void lies there, cells exceed 1000 samples or the terrain lies outside the
+///         heights that are simulated
+void RequireCoverage(const SIMULATION_STATE& state, const COVERAGE_GAP& gap);

@@ -1,11 +1,18 @@
 /// \file output_products.h
-/// Stage C: checks that every point was simulated and writes the products that the configuration names.
+/// Stage B for all sizes, and stage C: checks that every point was simulated and writes the products that the
+/// configuration names.
 
 #pragma once
 
+#include "app/products/coverage_check.h"
 #include "app/simulation_state.h"
 
+/// Simulates the image, or slab after slab, each of which is written before the next one takes its memory; none is
+/// written any more once there is a gap.
+/// @return the gap in the slabs; empty for an image that is simulated as a whole
+COVERAGE_GAP SimulateImage(SIMULATION_STATE& state);
+
 /// Phase (cropped to the master image), shift maps, radar DEM and Earth files as raster files; the offsets of the Earth
-/// files go into the InSAR pool as well.
-/// @throws ERROR_PARAMETER for a coverage gap, before any product is written; the image errors
-void SaveProducts(const SIMULATION_STATE& state, PARAMETER_POOL_READ_WRITE_CHANGE& insar_pool);
+/// files go into the InSAR pool as well. Of slabs all is written already: what is left is to say so.
+/// @throws ERROR_PARAMETER for a coverage gap; the image errors. No product appears then.
+void SaveProducts(SIMULATION_STATE& state, COVERAGE_GAP gap, PARAMETER_POOL_READ_WRITE_CHANGE& insar_pool);

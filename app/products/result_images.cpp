@@ -1,13 +1,9 @@
 #include "app/products/result_images.h"
 
-#include <sys/sysinfo.h>
-
 #include <bit>
 #include <cstdint>
 
 #include "app/say.h"
-#include "lib/baselib/errors/error_exception.h"
-#include "lib/baselib/errors/log_and_throw.h"
 #include "simulation/initialize_mem_mgr.h"
 
 namespace {
@@ -54,27 +50,8 @@ void AllocateEarth(RESULT_IMAGES& images, const IMAGE_SIZE& size) {
     Allocate(images.z_earth, size, PIXEL_TYPE::FLT_15);
 }
 
-/// Bytes per point of the simulated area, of one shift matrix and of the Earth grids, as far as they are wanted.
-double RequiredBytes(const REQUEST& request, const OUTPUT_SIZES& sizes) {
-    const auto points = [](const IMAGE_SIZE& size) { return static_cast<double>(size.samples) * size.lines; };
-    double bytes = points(sizes.simulated);
-    if (request.WantsPhase()) bytes += 4.0 * points(sizes.simulated);
-    if (request.WantsShifts()) bytes += 2.0 * 8.0 * points(ShiftMatrixSize(sizes.simulated, request.factors.shift));
-    if (request.WantsEarth()) bytes += 3.0 * 8.0 * points(sizes.earth);
-    if (request.WantsHeight()) bytes += 4.0 * points(sizes.earth);
-    return bytes;
-}
-
-/// The system hands out more memory than it has and ends the process when it is touched, without a word of ours.
-void RequireMemory(const IMAGE_SIZE& area, double required) {
-    struct sysinfo system {};
-    if (sysinfo(&system) != 0) return;
-    const double available =
-        (static_cast<double>(system.totalram) + static_cast<double>(system.totalswap)) * system.mem_unit;
-    if (required <= available) return;
-    constexpr double kBytesPerGibibyte = 1073741824.0;
-    LogAndThrow<ERROR_NO_MEMORY>("the grids of %d samples x %d lines need %.1f GiB of memory, the machine has %.1f GiB",
-                                 area.samples, area.lines, required / kBytesPerGibibyte, available / kBytesPerGibibyte);
+IMAGE_SIZE InMemory(const SLAB_PLAN& slabs, const IMAGE_SIZE& size, int factor) {
+    return {size.samples, RowsInMemory(slabs, factor, size.lines)};
 }
 
 }  // namespace
@@ -87,17 +64,21 @@ float ReadInitialPhase(const REQUEST& request) {
     return phase;
 }
 
-RESULT_IMAGES AllocateResultImages(const REQUEST& request, const OUTPUT_SIZES& sizes, float initial_phase) {
+RESULT_IMAGES AllocateResultImages(const REQUEST& request, const OUTPUT_SIZES& sizes, const SLAB_PLAN& slabs,
+                                   float initial_phase) {
     RESULT_IMAGES images;
-    RequireMemory(sizes.simulated, RequiredBytes(request, sizes));
+    const IMAGE_SIZE area = InMemory(slabs, sizes.simulated, 1);
+    const IMAGE_SIZE earth = InMemory(slabs, sizes.earth, request.factors.earth.y);
     Say(" - Simulation mask allocation ");
-    Allocate(images.mask, sizes.simulated, PIXEL_TYPE::U_INT_8);
-    if (request.WantsPhase()) AllocatePhase(images.phase, sizes.simulated, initial_phase);
-    if (request.WantsShifts()) AllocateShifts(images, ShiftMatrixSize(sizes.simulated, request.factors.shift));
-    if (request.WantsEarth()) AllocateEarth(images, sizes.earth);
+    Allocate(images.mask, area, PIXEL_TYPE::U_INT_8);
+    if (request.WantsPhase()) AllocatePhase(images.phase, area, initial_phase);
+    if (request.WantsShifts())
+        AllocateShifts(
+            images, InMemory(slabs, ShiftMatrixSize(sizes.simulated, request.factors.shift), request.factors.shift.y));
+    if (request.WantsEarth()) AllocateEarth(images, earth);
     if (request.WantsHeight()) {
         Say(" - Radar DEM matrix allocation         (Get Memory)");
-        Allocate(images.height, sizes.earth, PIXEL_TYPE::FLT_6);
+        Allocate(images.height, earth, PIXEL_TYPE::FLT_6);
     }
     return images;
 }

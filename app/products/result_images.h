@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include "app/products/slabs.h"
 #include "app/request/request.h"
 #include "app/scene/output_sizes.h"
 #include "lib/baselib/image/mem_mgr.h"
@@ -23,9 +24,8 @@ struct RESULT_IMAGES {
 /// @throws ERROR_ARGUMENT for a text that is no number
 [[nodiscard]] float ReadInitialPhase(const REQUEST& request);
 
-/// Allocates and initialises, in this order: mask, phase, shift matrices, Earth coordinates, radar DEM. The phase
-/// starts with the initial value, everything else with 0.
-/// @throws ERROR_NO_MEMORY, also when the grids exceed the machine's memory and swap space together; or the text "error
-///         in thread execution" when a filling thread failed
+/// Allocates and initialises, in this order: mask, phase, shift matrices, Earth coordinates, radar DEM, for the whole
+/// image or for a slab of it. The phase starts with the initial value, everything else with 0.
+/// @throws ERROR_NO_MEMORY, or the text "error in thread execution" when a filling thread failed
 [[nodiscard]] RESULT_IMAGES AllocateResultImages(const REQUEST& request, const OUTPUT_SIZES& sizes,
-                                                 float initial_phase);
+                                                 const SLAB_PLAN& slabs, float initial_phase);

@@ -57,30 +57,8 @@ void RefuseSharedFiles(const REQUEST& request) {
     }
 }
 
-/// Opens without blocking on a pipe and without touching the content; a new file is an unnamed one in the folder.
-int TryToWrite(const std::string& path) {
-    struct stat status {};
-    if (stat(path.c_str(), &status) == 0) return open(path.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
-    const std::string folder = FolderOf(path);
-    const int unnamed = open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
-    if (unnamed >= 0 || (errno != EOPNOTSUPP && errno != EISDIR && errno != EINVAL)) return unnamed;
-    std::string named = folder + "/velmora_XXXXXX";  // a file system without unnamed files
-    const int descriptor = mkstemp(named.data());
-    if (descriptor >= 0) unlink(named.c_str());
-    return descriptor;
-}
-
-void RequireWritable(const SOURCED_TEXT& product) {
-    const int descriptor = product.text.back() == '/' ? (errno = EISDIR, -1) : TryToWrite(product.text);
-    if (descriptor < 0)
-        LogAndThrow<ERROR_CAN_NOT_CREATE_FILE>("configuration: key \"%s\": the product %s can not be written: %s",
-                                               product.source.key.c_str(), product.Text(), std::strerror(errno));
-    close(descriptor);
-}
-
 }  // namespace
 
 void CheckProductPaths(const REQUEST& request) {
     RefuseSharedFiles(request);
-    for (const SOURCED_TEXT& product : request.ProductFiles()) RequireWritable(product);
 }

@@ -7,6 +7,7 @@
 #include "app/request/subsampling_factors.h"
 #include "app/say.h"
 #include "lib/baselib/containers/string.h"
+#include "lib/baselib/errors/parse_number.h"
 #include "lib/baselib/logging/logging.h"
 
 namespace {
@@ -72,6 +73,17 @@ EARTH_REQUEST ReadEarthKeys(CONTROLLER_IFC& controller) {
     return earth;
 }
 
+std::optional<int> ReadMemoryLimit(CONTROLLER_IFC& controller) {
+    constexpr CONTROL_KEY kKey = "MEMORY_LIMIT";
+    const std::optional<SOURCED_TEXT> limit = OptionalText(controller, kKey);
+    if (!limit) return std::nullopt;
+    long long mib = 0;
+    if (ParseInteger(limit->text, mib) != PARSE_RESULT::OK || mib != static_cast<int>(mib))
+        RefuseValue(limit->source, "\"" + limit->text + "\"", "is no 32-bit integer");
+    RequireInRange(limit->source, static_cast<int>(mib), kKey.row.range);
+    return static_cast<int>(mib);
+}
+
 /// What is forced takes effect in the InSAR pool at once, before anything else reads it.
 REQUEST ReadKeys(CONTROLLER_IFC& controller, RUN_POOLS& pools) {
     REQUEST request;
@@ -90,6 +102,7 @@ REQUEST ReadKeys(CONTROLLER_IFC& controller, RUN_POOLS& pools) {
     request.factors.earth = ReadEarthSubsampling(controller, pools.insar);
     request.factors.geocoding = ReadGeocodingSubsampling(pools.insar);
     request.extension = ExtensionOf(request.factors);
+    request.memory_limit_mib = ReadMemoryLimit(controller);
     return request;
 }
 

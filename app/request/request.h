@@ -4,6 +4,7 @@
 
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -57,6 +58,7 @@ struct REQUEST {
     EARTH_REQUEST earth;
     SUBSAMPLING_FACTORS factors;
     AREA_EXTENSION extension;
+    std::optional<int> memory_limit_mib;  ///< for the grids
 
     [[nodiscard]] bool WantsPhase() const { return phase.file.Given(); }
     [[nodiscard]] bool WantsShifts() const { return shifts.range_file.Given(); }

@@ -4,9 +4,11 @@
 #include <cstdlib>
 #include <string>
 
+#include "lib/baselib/image/product_set.h"
 #include "simulation/copy_mem_mgr.h"
 #include "simulation/initialize_mem_mgr.h"
 #include "tests/kit/log_capture.h"
+#include "tests/kit/temporary_folder.h"
 
 namespace {
 
@@ -53,12 +55,18 @@ MEM_MGR Numbered(long long first, long long last_column, long long last_row) {
 }
 
 TEST(CopyMemMgr, KeepsThePixelsAtTheDestinationsCoordinates) {
+    const TEMPORARY_FOLDER folder;
+    const std::string path = folder.Path("cropped");
     for (const char* const threads : kThreadCounts) {
         setenv("PARALLEL", threads, 1);
         const MEM_MGR source = Numbered(-2, 10, 8);
+        PRODUCT_SET products;
+        CopyMemMgr(source, 9, 7, products.Add({"KEY", path, 9, 7}));
+        products.Place();
+        products.Accept();
         MEM_MGR cropped;
-        cropped.Allocate(0, 0, 8, 6, PIXEL_TYPE::FLT_6);
-        CopyMemMgr(source, cropped);
+        cropped.MapFlt6(path, ACCESS_MODE::READ_ONLY);
+        ASSERT_EQ(7, cropped.Rows());
         for (int row = 0; row <= 6; ++row) {
             for (int column = 0; column <= 8; ++column) {
                 ASSERT_EQ(static_cast<float>(100 * row + column), cropped.GetNumRecMatrix<float>()[row][column]);
@@ -67,22 +75,33 @@ TEST(CopyMemMgr, KeepsThePixelsAtTheDestinationsCoordinates) {
     }
 }
 
-TEST(CopyMemMgr, RefusesPixelsThatAreNotInBothImages) {
+TEST(CopyMemMgr, RefusesPixelsThatAreNotInTheImageOrOfOtherSize) {
     setenv("PARALLEL", "2", 1);
-    const MEM_MGR source = Numbered(0, 5, 5);
-    MEM_MGR destination;
-    const std::pair<long long, long long> too_large[] = {{6, 5}, {5, 6}};
-    for (const auto& [last_column, last_row] : too_large) {
-        destination.Allocate(0, 0, last_column, last_row, PIXEL_TYPE::FLT_6);
-        EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(CopyMemMgr(source, destination), const char*); }),
+    const TEMPORARY_FOLDER folder;
+    const std::string path = folder.Path("refused");
+    MEM_MGR source = Numbered(0, 5, 5);
+    for (const auto& [columns, rows] : {std::pair{7, 6}, std::pair{6, 7}}) {
+        PRODUCT_SET products;
+        PRODUCT_FILE& file = products.Add({"KEY", path, columns, rows});
+        EXPECT_THAT(LoggedBy([&, c = columns, r = rows] { EXPECT_THROW(CopyMemMgr(source, c, r, file), const char*); }),
                     HasSubstr(": wrong argument"));
     }
-    destination.Allocate(1, 0, 5, 5, PIXEL_TYPE::FLT_6);  // has no column 0
-    EXPECT_THROW(CopyMemMgr(source, destination), const char*);
-    destination.Allocate(0, 0, 5, 5, PIXEL_TYPE::INT_32);
-    EXPECT_THROW(CopyMemMgr(source, destination), const char*);
-    destination.Allocate(0, 0, -1, -1, PIXEL_TYPE::FLT_6);
-    CopyMemMgr(source, destination);
+    PRODUCT_SET products;
+    source.Allocate(1, 0, 5, 5, PIXEL_TYPE::FLT_6);  // has no column 0
+    EXPECT_THROW(CopyMemMgr(source, 3, 3, products.Add({"KEY", path, 3, 3})), const char*);
+    source.Allocate(0, 0, 5, 5, PIXEL_TYPE::INT_16);
+    EXPECT_THROW(CopyMemMgr(source, 3, 3, products.Add({"KEY", path, 3, 3})), const char*);
+    CopyMemMgr(source, 0, 0, products.Add({"KEY", path, 0, 0}));
+}
+
+/// Each thread waits for the rows before its own; the first one fails.
+TEST(CopyMemMgr, AFailedPipeEndsAllThreads) {
+    setenv("PARALLEL", "3", 1);
+    const MEM_MGR source = Numbered(0, 5, 5);
+    PRODUCT_SET products;
+    PRODUCT_FILE& file = products.Add({"KEY", "/dev/full", 6, 6});
+    EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(CopyMemMgr(source, 6, 6, file), const char*); }),
+                HasSubstr("No space left on device"));
 }
 
 }  // namespace

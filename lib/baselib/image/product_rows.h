@@ -19,7 +19,8 @@ template <class MAKE_ROW>
 void WriteRowsMade(PRODUCT_FILE& file, long long first_row, long long end_row, long long columns,
                    const MAKE_ROW& make_row) {
     const long long row_bytes = std::max<long long>(columns * static_cast<long long>(sizeof(float)), 1);
-    const long long rows_per_write = std::clamp(kProductBufferBytes / row_bytes, 1LL, std::max(end_row - first_row, 1LL));
+    const long long rows_per_write =
+        std::clamp(kProductBufferBytes / row_bytes, 1LL, std::max(end_row - first_row, 1LL));
     std::vector<float> buffer(static_cast<std::size_t>(rows_per_write * columns));
     for (long long first = first_row; first < end_row; first += rows_per_write) {
         const long long rows = std::min(rows_per_write, end_row - first);

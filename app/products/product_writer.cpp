@@ -1,0 +1,107 @@
+#include "app/products/product_writer.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "lib/baselib/image/product_rows.h"
+#include "simulation/copy_mem_mgr.h"
+#include "simulation/perturbation_file.h"
+
+namespace {
+
+constexpr double kRequiredPrecision_m = 0.1;
+
+const GRID_VIEW<double>& GridOf(const EARTH_GRIDS& grids, int axis) {
+    return axis == 0 ? grids.x : axis == 1 ? grids.y : grids.z;
+}
+
+/// The first row behind those that both the grid and the product have.
+template <class T>
+int EndOfCommonRows(const GRID_VIEW<T>& grid, const IMAGE_SIZE& product) {
+    return std::max(std::min(grid.EndRow(), product.lines), grid.first_row);
+}
+
+/// Columns 0 .. columns - 1 of single-precision rows.
+void WriteSingles(PRODUCT_FILE& file, const GRID_VIEW<const float>& grid, const IMAGE_SIZE& product) {
+    const int end_row = EndOfCommonRows(grid, product);
+    if (grid.row_stride == product.samples) {
+        file.WriteRows(grid.first_row, end_row - grid.first_row, grid.data);
+        return;
+    }
+    WriteRowsMade(file, grid.first_row, end_row, product.samples, [&](long long row, float* pixels) {
+        std::memcpy(pixels, grid[static_cast<int>(row)], sizeof(float) * static_cast<std::size_t>(product.samples));
+    });
+}
+
+}  // namespace
+
+PRODUCT_WRITER::PRODUCT_WRITER(const REQUEST& request, const IMAGE_SIZE& image, const OUTPUT_SIZES& sizes)
+    : image_(image),
+      sizes_(sizes),
+      relative_shifts_(request.shifts.relative),
+      phase_(Add(request.phase.file, image)),
+      range_shifts_(Add(request.shifts.range_file, sizes.shift)),
+      azimuth_shifts_(Add(request.shifts.azimuth_file, sizes.shift)),
+      height_(Add(request.earth.height_file, sizes.earth)),
+      earth_{Add(request.earth.x_file, sizes.earth), Add(request.earth.y_file, sizes.earth),
+             Add(request.earth.z_file, sizes.earth)} {
+    files_.ReserveRoom();
+}
+
+PRODUCT_FILE* PRODUCT_WRITER::Add(const SOURCED_TEXT& file, const IMAGE_SIZE& size) {
+    if (!file.Given()) return nullptr;
+    return &files_.Add({file.source.key, file.text, size.samples, size.lines, PIXEL_TYPE::FLT_6});
+}
+
+void PRODUCT_WRITER::WritePhase(const MASTER_GRIDS& grids) {
+    WriteSingles(*phase_, grids.phase_rad, image_);
+}
+
+void PRODUCT_WRITER::WriteCroppedPhase(const MEM_MGR& phase) {
+    CopyMemMgr(phase, image_.samples, image_.lines, *phase_);
+}
+
+/// @param x_step, y_step  master pixels per column and row where the map is relative, else 0
+void PRODUCT_WRITER::WriteShiftMap(PRODUCT_FILE& file, const GRID_VIEW<const double>& positions, int x_step,
+                                   int y_step) {
+    const int columns = sizes_.shift.samples;
+    WriteRowsMade(file, positions.first_row, EndOfCommonRows(positions, sizes_.shift), columns,
+                  [&](long long row, float* pixels) {
+                      const double* const from = positions[static_cast<int>(row)];
+                      for (int column = 0; column < columns; ++column) {
+                          const double master =
+                              static_cast<double>(column) * x_step + static_cast<double>(row) * y_step;
+                          pixels[column] = static_cast<float>(from[column] - master);
+                      }
+                  });
+}
+
+void PRODUCT_WRITER::WriteShifts(const SHIFT_GRIDS& grids) {
+    const int relative = relative_shifts_ ? 1 : 0;
+    WriteShiftMap(*range_shifts_, grids.range, relative * grids.range_factor, 0);
+    WriteShiftMap(*azimuth_shifts_, grids.azimuth, 0, relative * grids.azimuth_factor);
+}
+
+void PRODUCT_WRITER::WriteHeight(const EARTH_GRIDS& grids) {
+    WriteSingles(*height_, grids.radar_dem, sizes_.earth);
+}
+
+void PRODUCT_WRITER::FixEarthOffsets(const EARTH_GRIDS& grids) {
+    for (int axis = 0; axis < 3; ++axis)
+        earth_offsets_m_[axis] =
+            PerturbationOffset(GridOf(grids, axis)[sizes_.earth.lines / 2][sizes_.earth.samples / 2]);
+}
+
+void PRODUCT_WRITER::WriteEarth(const EARTH_GRIDS& grids, int axis) {
+    const GRID_VIEW<double>& grid = GridOf(grids, axis);
+    WritePerturbationRows(*earth_[axis], grid, grid.first_row, EndOfCommonRows(grid, sizes_.earth),
+                          earth_offsets_m_[axis], kRequiredPrecision_m);
+}
+
+void PRODUCT_WRITER::WriteSlab(const SCENE& scene) {
+    if (phase_ != nullptr) WritePhase(scene.image);
+    if (range_shifts_ != nullptr) WriteShifts(scene.shifts);
+    if (height_ != nullptr) WriteHeight(scene.earth);
+    for (int axis = 0; axis < 3; ++axis)
+        if (earth_[axis] != nullptr) WriteEarth(scene.earth, axis);
+}

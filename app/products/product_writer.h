@@ -1,0 +1,60 @@
+/// \file product_writer.h
+/// The products of one run on their way to the disk: opened, with all their room, at the end of stage A; written band
+/// by band from what the kernel has filled; put in place when all are complete. A scene's grids tell which of a
+/// product's rows they hold: those of the whole image, or those of one slab.
+
+#pragma once
+
+#include <array>
+
+#include "app/acquisition/acquisitions.h"
+#include "app/request/request.h"
+#include "app/scene/output_sizes.h"
+#include "lib/baselib/image/product_set.h"
+#include "simulation/scene.h"
+
+class PRODUCT_WRITER {
+  public:
+    /// @param image  the master image: what is left of the phase
+    /// @throws ERROR_CAN_NOT_CREATE_FILE, ERROR_NO_DISK_SPACE
+    PRODUCT_WRITER(const REQUEST& request, const IMAGE_SIZE& image, const OUTPUT_SIZES& sizes);
+
+    /// The phase of an image without border, or of a slab.
+    void WritePhase(const MASTER_GRIDS& grids);
+    /// The phase of a whole image with a border, by the parallel copy kernel with its log lines.
+    void WriteCroppedPhase(const MEM_MGR& phase);
+    void WriteShifts(const SHIFT_GRIDS& grids);
+    void WriteHeight(const EARTH_GRIDS& grids);
+
+    /// The offsets of the Earth files, from grids that hold the files' centre row.
+    void FixEarthOffsets(const EARTH_GRIDS& grids);
+    [[nodiscard]] double EarthOffset(int axis) const { return earth_offsets_m_[axis]; }
+    void WriteEarth(const EARTH_GRIDS& grids, int axis);
+
+    /// All products that are wanted, silently.
+    void WriteSlab(const SCENE& scene);
+
+    [[nodiscard]] const PRODUCT_FILE& RangeShifts() const { return *range_shifts_; }
+    [[nodiscard]] const PRODUCT_FILE& AzimuthShifts() const { return *azimuth_shifts_; }
+    [[nodiscard]] const PRODUCT_FILE& Earth(int axis) const { return *earth_[axis]; }
+
+    /// To the disk, and in the place of the older ones. @throws ERROR_CAN_NOT_WRITE_FILE
+    void Place() { files_.Place(); }
+    /// The run has ended well: the older products go.
+    void Accept() { files_.Accept(); }
+
+  private:
+    PRODUCT_FILE* Add(const SOURCED_TEXT& file, const IMAGE_SIZE& size);
+    void WriteShiftMap(PRODUCT_FILE& file, const GRID_VIEW<const double>& positions, int x_step, int y_step);
+
+    PRODUCT_SET files_;
+    IMAGE_SIZE image_;
+    OUTPUT_SIZES sizes_;
+    bool relative_shifts_;
+    PRODUCT_FILE* phase_;  ///< these are null for products that are not wanted
+    PRODUCT_FILE* range_shifts_;
+    PRODUCT_FILE* azimuth_shifts_;
+    PRODUCT_FILE* height_;
+    std::array<PRODUCT_FILE*, 3> earth_;  ///< x, y, z
+    std::array<double, 3> earth_offsets_m_{};
+};

@@ -1,0 +1,30 @@
+/// \file slabs.h
+/// How much of the image is simulated at once. Grids that fit into the memory that the run may use hold the whole
+/// image; others hold a slab: a range of lines, simulated and written before the next one takes its place.
+
+#pragma once
+
+#include "app/acquisition/acquisitions.h"
+#include "app/request/request.h"
+#include "app/scene/output_sizes.h"
+#include "simulation/dem_lines.h"
+#include "simulation/scene.h"
+
+struct SLAB_PLAN {
+    int lines = 0;  ///< of a slab; the last one may have fewer
+    int count = 1;
+
+    [[nodiscard]] bool IsWholeImage() const { return count == 1; }
+};
+
+/// Says how many slabs there are, if more than one.
+/// @throws ERROR_NO_MEMORY when a slab needs more memory than the machine has left, or not one line fits into
+///         MEMORY_LIMIT
+[[nodiscard]] SLAB_PLAN PlanSlabs(const REQUEST& request, const OUTPUT_SIZES& sizes);
+
+/// Rows of a grid that takes every factor-th line: all of them, or as many as a slab can have.
+[[nodiscard]] int RowsInMemory(const SLAB_PLAN& plan, int factor, int rows_of_grid);
+
+/// The scene of the lines first_line .. end_line - 1: its views tell these rows of the grids in memory, its cells those
+/// that reach them.
+[[nodiscard]] SCENE SceneOfLines(const SCENE& first_slab, const DEM_LINES& dem_lines, int first_line, int end_line);
