@@ -122,11 +122,17 @@ CASES = [
      ["geolocation_fast: No intersection of earth ellipsoid and sphere around the satellite"]),
     ("image far from the orbit's data", pool("insar.pool", "master_first_az_time", "master_first_az_time FLT_15 20000"),
      ["master.pool: the state vectors from ", 'insar.pool: key "master_first_az_time": value 20000 ']),
-    ("more memory than any machine has", lambda folder: [edit(folder) for edit in (
-        pool("insar.pool", "n_samples", "n_samples INT_32 300000"), pool("insar.pool", "n_lines", "n_lines INT_32 250000"),
+    ("more than the disk has", lambda folder: [edit(folder) for edit in (
+        pool("insar.pool", "n_samples", "n_samples INT_32 3000000"), pool("insar.pool", "n_lines", "n_lines INT_32 2500000"),
         *(pool(name, key, "%s FLT_15 %g" % (key, rate)) for name in ("master.pool", "slave.pool")
-          for key, rate in (("prf", 1e7), ("range_sampling_frequency", 3e11))))],
-     ["the grids of 300000 samples x 250000 lines need 3422.6 GiB of memory, the machine has "]),
+          for key, rate in (("prf", 1e8), ("range_sampling_frequency", 3e12))))],
+     ['key "SIMU_PHASE": simu_phase.ras: no room for an image of 3000000 x 2500000 pixels: 30000000000032 bytes are needed']),
+    ("not one line fits into the memory that may be used", lambda folder: [edit(folder) for edit in (
+        keys(MEMORY_LIMIT="1"), pool("insar.pool", "n_samples", "n_samples INT_32 300000"),
+        *(pool(name, "range_sampling_frequency", "range_sampling_frequency FLT_15 3e11")
+          for name in ("master.pool", "slave.pool")))], ["MEMORY_LIMIT: one line of the grids needs 2 MiB"]),
+    ("no memory limit", keys(MEMORY_LIMIT="0"), ['key "MEMORY_LIMIT": value 0 is not 1 or more']),
+    ("no number as memory limit", keys(MEMORY_LIMIT="1GB"), ['key "MEMORY_LIMIT": value "1GB" is no 32-bit integer']),
     ("log pool in a folder that is not there", keys(log_pp="nowhere/log.pool"),
      ["can not open pool file for update nowhere/log.pool", "pool error - can not open parameter pool"]),
     ("product in a folder that is not there", keys(H_EARTH="nowhere/h.ras"), ["nowhere/h.ras"]),

@@ -25,6 +25,8 @@ FOLDER_AND_NAME::FOLDER_AND_NAME(const std::string& path)
 std::string BehindLinks(const std::string& path) {
     std::string here = path;
     struct stat status {};
+    // What such a link holds need not be a path: /dev/stdout leads to "pipe:[1234]".
+    if (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) return path;
     for (int i = 0; i < kMostLinks; ++i) {
         if (lstat(here.c_str(), &status) != 0 || !S_ISLNK(status.st_mode)) return here;
         const std::string target = TargetOf(here);

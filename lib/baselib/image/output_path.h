@@ -15,6 +15,7 @@ struct FOLDER_AND_NAME {
     std::string name;
 };
 
-/// The path that is left when all links at its end are followed; the file there need not exist.
+/// The path that is left when all links at its end are followed; the file there need not exist. The path of a device or
+/// a pipe is left as it is.
 /// @return empty, with errno set, when the links go in a circle or can not be read
 std::string BehindLinks(const std::string& path);

@@ -68,14 +68,10 @@ long long BytesThere(int descriptor) {
     return static_cast<long long>(status.f_frsize * (geteuid() == 0 ? status.f_bfree : status.f_bavail));
 }
 
-/// @return 0 or the errno value
-int Reserve(int descriptor, long long bytes) {
+/// The system would end the process by SIGXFSZ.
+bool ExceedsFileSizeLimit(long long bytes) {
     rlimit limit{};
-    // The system would end the process by SIGXFSZ.
-    if (getrlimit(RLIMIT_FSIZE, &limit) == 0 && static_cast<rlim_t>(bytes) > limit.rlim_cur) return EFBIG;
-    if (UnlessInterrupted([=] { return fallocate(descriptor, FALLOC_FL_KEEP_SIZE, 0, bytes); }) == 0) return 0;
-    if (errno != EOPNOTSUPP && errno != ENOSYS) return errno;
-    return BytesThere(descriptor) < bytes ? ENOSPC : 0;
+    return getrlimit(RLIMIT_FSIZE, &limit) == 0 && static_cast<rlim_t>(bytes) > limit.rlim_cur;
 }
 
 }  // namespace
@@ -166,17 +162,31 @@ void PRODUCT_FILE::KeepOwnerAndPermissions(const struct stat& older) {
                   path_.c_str(), std::strerror(errno));
 }
 
-void PRODUCT_FILE::ReserveRoom() {
-    if (way_ == WAY::DIRECT) return;
-    const int error = Reserve(file_.Get(), bytes_);
-    if (error == 0) return;
+void PRODUCT_FILE::RefuseForRoom(long long there, int error) const {
     Log().Message(LOGGING_LEVEL::ALARM,
                   "configuration: key \"%s\": %s: no room for an image of %u x %u pixels: %lld bytes are needed, %lld "
                   "are there: %s",
-                  key_.c_str(), path_.c_str(), header_.width, header_.height, bytes_, BytesThere(file_.Get()),
-                  std::strerror(error));
-    if (IsOutOfRoom(error)) throw ERROR_NO_DISK_SPACE();
-    throw ERROR_CAN_NOT_CREATE_FILE();
+                  key_.c_str(), path_.c_str(), header_.width, header_.height, bytes_, there, std::strerror(error));
+    throw ERROR_NO_DISK_SPACE();
+}
+
+void PRODUCT_FILE::RequireRoom(std::map<dev_t, long long>& asked) const {
+    struct stat status {};
+    if (way_ == WAY::DIRECT || fstat(file_.Get(), &status) != 0) return;
+    const long long there = BytesThere(file_.Get()) - asked[status.st_dev];
+    const long long needed = std::max(bytes_ - 512LL * status.st_blocks, 0LL);  // written in place: it has some
+    if (needed > there) RefuseForRoom(std::max(there, 0LL), ENOSPC);
+    if (ExceedsFileSizeLimit(bytes_)) RefuseForRoom(there, EFBIG);
+    asked[status.st_dev] += needed;
+}
+
+void PRODUCT_FILE::ReserveRoom() const {
+    if (way_ == WAY::DIRECT) return;
+    const int number = file_.Get();
+    const auto reserve = [=, this] { return fallocate(number, FALLOC_FL_KEEP_SIZE, 0, bytes_); };
+    if (UnlessInterrupted(reserve) == 0 || errno == EOPNOTSUPP || errno == ENOSYS) return;
+    if (IsOutOfRoom(errno)) RefuseForRoom(BytesThere(number), errno);
+    RefuseToCreate(errno);
 }
 
 void PRODUCT_FILE::LogCreation() const {

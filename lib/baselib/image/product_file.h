@@ -15,6 +15,7 @@
 #include <sys/types.h>
 
 #include <condition_variable>
+#include <map>
 #include <mutex>
 #include <string>
 
@@ -47,9 +48,15 @@ class PRODUCT_FILE {
     /// Header and pixels, in bytes.
     [[nodiscard]] long long Bytes() const { return bytes_; }
 
-    /// Gives the file all its room on disk.
+    /// Refuses the file when its disk has no room for it beside those that were asked before: filling a disk to find
+    /// that out would disturb its other users.
+    /// @param asked  bytes by device; this file's are added
     /// @throws ERROR_NO_DISK_SPACE with the bytes needed and the bytes there
-    void ReserveRoom();
+    void RequireRoom(std::map<dev_t, long long>& asked) const;
+
+    /// Gives the file all its room, where the file system can.
+    /// @throws ERROR_NO_DISK_SPACE
+    void ReserveRoom() const;
 
     /// The line that opens the output of a file.
     void LogCreation() const;
@@ -88,6 +95,7 @@ class PRODUCT_FILE {
     void WriteInOrder(const void* data, long long bytes);
     void WriteHeader();
     [[noreturn]] void RefuseToCreate(int error) const;
+    [[noreturn]] void RefuseForRoom(long long there, int error) const;
     [[noreturn]] void FailWriting(const char* what, int error) const;
 
     std::string key_;

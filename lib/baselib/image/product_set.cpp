@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <map>
 #include <set>
 #include <string>
 
@@ -45,6 +46,8 @@ PRODUCT_FILE& PRODUCT_SET::Add(const PRODUCT_REQUEST& request, mode_t permission
 }
 
 void PRODUCT_SET::ReserveRoom() {
+    std::map<dev_t, long long> asked;
+    for (const auto& file : files_) file->RequireRoom(asked);
     for (const auto& file : files_) file->ReserveRoom();
 }
 
