@@ -130,7 +130,7 @@ CASES = [
     ("not one line fits into the memory that may be used", lambda folder: [edit(folder) for edit in (
         keys(MEMORY_LIMIT="1"), pool("insar.pool", "n_samples", "n_samples INT_32 300000"),
         *(pool(name, "range_sampling_frequency", "range_sampling_frequency FLT_15 3e11")
-          for name in ("master.pool", "slave.pool")))], ["MEMORY_LIMIT: one line of the grids needs 2 MiB"]),
+          for name in ("master.pool", "slave.pool")))], ["MEMORY_LIMIT: one line of the grids needs 15 MiB"]),
     ("no memory limit", keys(MEMORY_LIMIT="0"), ['key "MEMORY_LIMIT": value 0 is not 1 or more']),
     ("no number as memory limit", keys(MEMORY_LIMIT="1GB"), ['key "MEMORY_LIMIT": value "1GB" is no 32-bit integer']),
     ("log pool in a folder that is not there", keys(log_pp="nowhere/log.pool"),
