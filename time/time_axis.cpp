@@ -1,5 +1,6 @@
 #include "time/time_axis.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -24,8 +25,12 @@ long long RoundToMicroseconds(double seconds, const char* message) {
 }  // namespace
 
 double TIME_AXIS<double>::FromText(const std::string& text) {
+    constexpr const char* kBlanks = " \t";
+    const size_t first = std::min(text.find_first_not_of(kBlanks), text.size());
+    const size_t end = text.find_last_not_of(kBlanks) + 1;  // 0 when there are blanks only
     double value = 0.0;
-    if (ParseReal(text, value) != PARSE_RESULT::OK || !std::isfinite(value)) {
+    if (ParseReal(text.substr(first, end < first ? 0 : end - first), value) != PARSE_RESULT::OK ||
+        !std::isfinite(value)) {
         Log().Message(LOGGING_LEVEL::ALARM, "TIME: \"%s\" is no number of seconds", text.c_str());
         throw ERROR_DATA();
     }

@@ -59,8 +59,10 @@ bool TIME_SCANNER::AtEnd() const {
 std::string TIME_SCANNER::TakeRun(const char* set) {
     const size_t start = position_;
     while (position_ < text_.size() && IsOneOf(text_[position_], set)) ++position_;
-    if (position_ - start > kMostTokenCharacters) throw "TIME: scanner: token too long";
-    return text_.substr(start, position_ - start);
+    const size_t length = position_ - start;
+    if (length <= kMostTokenCharacters) return text_.substr(start, length);
+    if (set != kWhite) throw "TIME: scanner: token too long";
+    return text_.substr(start, kMostTokenCharacters);  // of blanks nobody wants more
 }
 
 TIME_TOKEN TIME_SCANNER::NextToken() {
