@@ -20,6 +20,10 @@ struct ORBIT_HANDLE {
     double offset_s = 0.0;
 };
 
+/// The span of the orbit's data on the handle's axis, pulled inward where rounding would lead out of it: with the
+/// offset added, its ends lie inside the data, where hermite interpolation does not end the process.
+[[nodiscard]] TIME_WINDOW DataWindow(const ORBIT_HANDLE& handle);
+
 /// Solves V(t) . (S(t) - P) = 0 by Newton's method, slope A . (S - P) + V . V.
 /// @param point_m        ground point P
 /// @param range_m        receives |S - P| of the last state evaluated, one way: when the step test ended the iteration,
@@ -33,7 +37,7 @@ double CalcSlaveTime(const ORBIT_HANDLE& handle, const VECTOR_3D<double>& point_
                      double first_guess_s);
 
 /// The zero-Doppler solution, if it lies inside the span of the orbit's state vectors: never asks the orbit outside its
-/// data, where some interpolations end the process. The first guess must lie inside.
+/// data, where some interpolations end the process. A first guess outside starts at the nearer end.
 [[nodiscard]] std::optional<ZERO_DOPPLER> ZeroDopplerInsideData(const ORBIT_HANDLE& handle,
                                                                 const VECTOR_3D<double>& point_m, double first_guess_s);
 

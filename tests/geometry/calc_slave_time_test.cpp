@@ -9,10 +9,10 @@
 
 namespace {
 
-/// A point beside the track, below the satellite's place at t = 12.5 s.
-VECTOR_3D<double> PointBeside(const CIRCULAR_ORBIT<double>& motion) {
-    const VECTOR_3D<double> below = motion.Position(12.5);
-    const VECTOR_3D<double> across = CrossProduct(below, motion.Velocity(12.5));
+/// A point beside the track, below the satellite's place at the time.
+VECTOR_3D<double> PointBeside(const CIRCULAR_ORBIT<double>& motion, double time_s = 12.5) {
+    const VECTOR_3D<double> below = motion.Position(time_s);
+    const VECTOR_3D<double> across = CrossProduct(below, motion.Velocity(time_s));
     const VECTOR_3D<double> aside = below + (0.06 * Length(below) / Length(across)) * across;
     return (6371000.0 / Length(aside)) * aside;
 }
@@ -45,6 +45,31 @@ TEST(CalcSlaveTime, FindsSolutionsInsideTheDataOnly) {
     for (const double time_s : {-300.0, -82.0, 82.0, 300.0}) {
         EXPECT_FALSE(ZeroDopplerInsideData(handle, (6371000.0 / 7071000.0) * motion.Position(time_s), 0.0)) << time_s;
     }
+}
+
+/// The ends of the data plus or minus an offset are rounded; hermite ends the process a last place outside.
+TEST(CalcSlaveTime, NeverAsksOutsideTheDataWhateverTheOffset) {
+    const CIRCULAR_ORBIT<double> motion;
+    const POOL_TEXT text = OrbitPool({.reference = "0", .first_s = 17.123457}, MotionOf(motion));
+    ORBIT_OF_POOL orbit;
+    PARAMETER_POOL pool(text.Save());
+    orbit.ReadFromParameterPool(pool);
+    int rounded_outwards = 0;
+    for (int i = 0; i < 200; ++i) {
+        const double offset_s = (i % 2 == 0 ? 1.0 : -1.0) * (137.25 + 1.0371 * i);
+        const ORBIT_HANDLE handle = {&orbit, offset_s};
+        rounded_outwards += (orbit.FirstTime() - offset_s) + offset_s < orbit.FirstTime() ? 1 : 0;
+        const TIME_WINDOW data = DataWindow(handle);
+        EXPECT_GE(data.first_s + offset_s, orbit.FirstTime());
+        EXPECT_LE(data.last_s + offset_s, orbit.LastTime());
+        EXPECT_NEAR(data.first_s + offset_s, orbit.FirstTime(), 1e-12);
+        EXPECT_NEAR(data.last_s + offset_s, orbit.LastTime(), 1e-12);
+        // A first guess outside begins at the nearer end.
+        const auto solution = ZeroDopplerInsideData(handle, PointBeside(motion, 60.0), i % 3 == 0 ? 1e4 : -1e4);
+        ASSERT_TRUE(solution.has_value());
+        EXPECT_NEAR(solution->time_s + offset_s, 60.0, 1.0);
+    }
+    EXPECT_GT(rounded_outwards, 20) << "the offsets show nothing";
 }
 
 /// A float orbit knows its place to half a metre: the step never falls below the tolerance.

@@ -43,7 +43,19 @@ TEST(CartesianToGeographic, ClosesTheRoundTripEverywhere) {
             }
         }
     }
-    EXPECT_EQ(CartesianToGeographic({0.0, 0.0, 0.0}, kA, kE2).latitude_rad, 0.0);
+    const std::pair<VECTOR_3D<double>, GEOGRAPHIC> exact[] = {
+        {{0.0, 0.0, 0.0}, {0.0, 0.0, -kA}},
+        {{0.0, 0.0, 7e6}, {0.0, kPi / 2, 7e6 - kB}},
+        {{0.0, 0.0, -7e6}, {0.0, -kPi / 2, 7e6 - kB}},
+        {{-7e6, 0.0, 0.0}, {kPi, 0.0, 7e6 - kA}},
+        {{0.0, -7e6, 0.0}, {-kPi / 2, 0.0, 7e6 - kA}},
+    };
+    for (const auto& [point_m, expected] : exact) {
+        const GEOGRAPHIC position = CartesianToGeographic(point_m, kA, kE2);
+        EXPECT_NEAR(position.longitude_rad, expected.longitude_rad, 1e-15);
+        EXPECT_NEAR(position.latitude_rad, expected.latitude_rad, 1e-15);
+        EXPECT_NEAR(position.height_m, expected.height_m, 1e-8);
+    }
 }
 
 /// A quarter turn about z, doubled and shifted: every term of the formula shows in the result.
@@ -73,10 +85,17 @@ TEST(Datum, InverseClosesAlsoForSmallAngleMatrices) {
 }
 
 TEST(Datum, RefusesMatricesThatAreNoRotation) {
-    const double mirror[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, -1}};
-    const double sheared[3][3] = {{1, 1e-5, 0}, {0, 1, 0}, {0, 0, 1}};
-    EXPECT_FALSE(IsRotation(mirror, 1e-6));
-    EXPECT_FALSE(IsRotation(sheared, 1e-6));
+    const double cases[][3][3] = {
+        {{1, 0, 0}, {0, 1, 0}, {0, 0, -1}},  // mirrors
+        {{-1, 0, 0}, {0, 1, 0}, {0, 0, 1}},      {{0, 1, 0}, {1, 0, 0}, {0, 0, 1}},
+        {{1, 1e-5, 0}, {0, 1, 0}, {0, 0, 1}},  // sheared
+        {{1, 0, 0}, {0, 1, 0}, {0, -1e-5, 1}},   {{1, 0, 1e-5}, {0, 1, 0}, {0, 0, 1}},
+        {{1, 0, 0}, {0, 1.00001, 0}, {0, 0, 1}},  // stretched
+        {{1, 0, 0}, {0, 1, 0}, {0, 0, 0.99999}},
+    };
+    for (const auto& matrix : cases) EXPECT_FALSE(IsRotation(matrix, 1e-6)) << &matrix - cases;
+    const double cycle[3][3] = {{0, 0, 1}, {1, 0, 0}, {0, 1, 0}};
+    EXPECT_TRUE(IsRotation(cycle, 1e-15));
 }
 
 }  // namespace

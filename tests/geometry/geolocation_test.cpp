@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -51,6 +53,9 @@ TEST(GeolocationFast, MeetsRangeDopplerAndEllipsoidOnBothSides) {
             EXPECT_TRUE(g.longitude_deg >= 0.0 && g.longitude_deg < 360.0);
             const double latitude_rad = std::atan2(p.z / (b * b), std::hypot(p.x, p.y) / (a * a));
             EXPECT_NEAR(g.latitude_deg * kRadiansPerDegree, latitude_rad, 1e-9);
+            const VECTOR_3D<double> normal = {p.x / (a * a), p.y / (a * a), p.z / (b * b)};
+            const double incidence_rad = std::acos(-DotProduct(normal, sight) / (Length(normal) * Length(sight)));
+            EXPECT_NEAR(g.incidence_deg * kRadiansPerDegree, incidence_rad, 1e-8);
         }
     }
 }
@@ -96,8 +101,8 @@ TEST(GeolocationFast, FailsWithItsTexts) {
          {"geolocation_fast: No intersection of earth ellipsoid and sphere around the satellite\n",
           "geolocation_fast: during iteration in step: 1\n"}},
         {s, v, 1e300, {"geolocation_fast: No intersection of earth ellipsoid"}},
-        {s, {0.0, 0.0, 0.0}, 0.005, {"no part across the vertical"}},
         {s, 0.001 * s, 0.005, {"no part across the vertical"}},
+        {s, v, -0.0055, {"geolocation_fast: convergence problem\n"}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.texts[0]);
@@ -109,19 +114,49 @@ TEST(GeolocationFast, FailsWithItsTexts) {
     }
 }
 
-/// Steep sight near the nadir: the law of cosines amplifies each change of the radius, so the iteration does not
-/// settle.
+TEST(GeolocationFast, WorksOverEveryMeridian) {
+    for (const double y_m : {7071000.0, -7071000.0}) {  // x = 0, where the arc tangent has no quotient
+        const GEOLOCATION g = geolocation_fast({0.0, y_m, 0.0}, {0.0, 0.0, 7500.0}, 1.0, 0.0, kB, kA, 0.0055, 0.0);
+        EXPECT_NEAR(g.latitude_deg, 0.0, 1e-12);
+        EXPECT_GT(g.point_m.y * y_m, 0.0);
+        EXPECT_LT(g.point_m.x * y_m, 0.0) << "to the right of a flight north lies the east";
+    }
+}
+
+/// Steep sight near the nadir: the law of cosines amplifies each change of the radius, so the iteration takes more
+/// steps the steeper it is, and at last does not settle. Solutions that the 21st step would reach first are refused.
 TEST(GeolocationFast, GivesUpAfterTheLastStep) {
     const CIRCULAR_ORBIT<double> orbit = {7071000.0, 1.2, 0.0, 0.7};
-    const double nadir_range_m = Length(orbit.Position(0.0)) - kB;
-    std::string log;
-    for (double range_m = nadir_range_m - 21000.0; range_m < nadir_range_m; range_m += 1.0) {
-        const auto locate = [&] { EXPECT_THROW(Locate(orbit, 1.0, 0.0, 2.0 * range_m / kSpeedOfLight), ERROR_DATA); };
-        log = LoggedBy(locate, LOGGING_LEVEL::INFO);
-        if (log.find("geolocation_fast: convergence problem\n") != std::string::npos) break;
+    const auto log_at = [&](double range_m) {
+        return LoggedBy(
+            [&] {
+                try {
+                    (void)Locate(orbit, 1.0, 0.0, 2.0 * range_m / kSpeedOfLight);
+                } catch (const ERROR_DATA&) {  // told by the log, too
+                }
+            },
+            LOGGING_LEVEL::TRACE);
+    };
+    double fails_m = Length(orbit.Position(0.0)) - kA;
+    double converges_m = fails_m + 200e3;
+    int most_steps = 0;
+    std::string failure;
+    while (converges_m - fails_m > 1e-6) {
+        const double middle_m = 0.5 * (fails_m + converges_m);
+        const std::string log = log_at(middle_m);
+        int steps = 0;
+        const size_t at = log.find("geolocation_fast: ");
+        if (std::sscanf(log.c_str() + at, "geolocation_fast: %d iterations.", &steps) == 1) {
+            converges_m = middle_m;
+            most_steps = std::max(most_steps, steps);
+        } else {
+            fails_m = middle_m;
+            if (log.find("convergence problem\n") != std::string::npos) failure = log;
+        }
     }
-    EXPECT_THAT(log, testing::HasSubstr("geolocation_fast was called with look_direction 1 height 0 rpole "));
-    EXPECT_THAT(log, testing::HasSubstr("accuracy after 21 steps: "));
+    EXPECT_EQ(most_steps, 20);
+    EXPECT_THAT(failure, testing::HasSubstr("geolocation_fast was called with look_direction 1 height 0 rpole "));
+    EXPECT_THAT(failure, testing::HasSubstr("accuracy after 21 steps: "));
 }
 
 }  // namespace

@@ -80,24 +80,39 @@ TEST(UtmProjection, HoldsItsErrorBoundWithinThreeDegreesAndClosesToSix) {
 }
 
 TEST(UtmProjection, TakesLongitudesOfAnyTurnAndFoldsItsOwn) {
-    const UTM_PROJECTION zone1(kWgs84.a_m, kWgs84.e2, 1, false);  // central meridian 177 west
-    const MAP_POSITION west = zone1.Forward({-179.0 * kRadiansPerDegree, 0.9});
-    const MAP_POSITION east = zone1.Forward({181.0 * kRadiansPerDegree, 0.9});
-    EXPECT_NEAR(west.easting_m, east.easting_m, 1e-6);
-    // 4 degrees west of the meridian is 179 east.
-    const MAP_GEOGRAPHIC across = zone1.Inverse(zone1.Forward({179.0 * kRadiansPerDegree, 0.9}));
-    EXPECT_NEAR(across.longitude_rad, 179.0 * kRadiansPerDegree, 1e-12);
-    const MAP_POSITION far = zone1.Forward({-kPi / 2, 0.0});  // off the map: finite, for a later test to refuse
-    EXPECT_TRUE(std::isfinite(far.easting_m) && std::isfinite(far.northing_m));
+    constexpr double kDegree = kRadiansPerDegree;
+    struct CASE {
+        int zone;
+        double given_deg, in_another_turn_deg, folded_deg;
+    };
+    // Across the meridian of 180 degrees, from both sides.
+    for (const CASE& c : {CASE{1, 181.0, -179.0, -179.0}, CASE{1, 179.0, -181.0, 179.0},
+                          CASE{60, 181.0, -179.0, -179.0}, CASE{60, 539.0, 179.0, 179.0}}) {
+        SCOPED_TRACE(c.given_deg);
+        const UTM_PROJECTION utm(kWgs84.a_m, kWgs84.e2, c.zone, false);
+        const MAP_POSITION map = utm.Forward({c.given_deg * kDegree, 0.9});
+        EXPECT_NEAR(map.easting_m, utm.Forward({c.in_another_turn_deg * kDegree, 0.9}).easting_m, 1e-6);
+        EXPECT_NEAR(utm.Inverse(map).longitude_rad, c.folded_deg * kDegree, 1e-12);
+        EXPECT_NEAR(utm.CentralMeridian(), (6.0 * c.zone - 183.0) * kDegree, 1e-15);
+        EXPECT_EQ(utm.FalseEasting(), 500000.0);
+        for (const double off_the_map_deg : {-90.0, 90.0}) {  // finite, for a later test to refuse
+            const MAP_POSITION far = utm.Forward({off_the_map_deg * kDegree, 0.0});
+            EXPECT_TRUE(std::isfinite(far.easting_m) && std::isfinite(far.northing_m));
+            EXPECT_GT((far.easting_m - 500000.0) * std::sin(off_the_map_deg * kDegree - utm.CentralMeridian()), 1e6);
+        }
+    }
 }
 
 TEST(UtmProjection, FoldsLatitudesBeyondThePole) {
-    const UTM_PROJECTION zone33(kWgs84.a_m, kWgs84.e2, 33, false);
     const double quarter_m = kUtmScale * KruegerForward(kWgs84.a_m, kWgs84.e2, 0.0, kPi / 2).northing_m;
-    const MAP_GEOGRAPHIC beyond = zone33.Inverse({500000.0, quarter_m + 1000.0});
-    const MAP_GEOGRAPHIC before = zone33.Inverse({500000.0, quarter_m - 1000.0});
-    EXPECT_NEAR(beyond.latitude_rad, before.latitude_rad, 1e-9);
-    EXPECT_LT(beyond.latitude_rad, kPi / 2);
+    for (const double side : {1.0, -1.0}) {
+        const UTM_PROJECTION zone33(kWgs84.a_m, kWgs84.e2, 33, side < 0.0);
+        const double pole_m = (side < 0.0 ? 1e7 : 0.0) + side * quarter_m;
+        const MAP_GEOGRAPHIC beyond = zone33.Inverse({500000.0, pole_m + side * 1000.0});
+        const MAP_GEOGRAPHIC before = zone33.Inverse({500000.0, pole_m - side * 1000.0});
+        EXPECT_NEAR(beyond.latitude_rad, before.latitude_rad, 1e-9);
+        EXPECT_LT(side * beyond.latitude_rad, kPi / 2);
+    }
 }
 
 }  // namespace
