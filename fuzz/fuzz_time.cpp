@@ -7,7 +7,7 @@
 
 #include "fuzz/fuzz_target.h"
 #include "orbit/interpolation/interpolation_request.h"
-#include "orbit/samples/reference_time.h"
+#include "orbit/samples/axis_zero.h"
 #include "time/time_axis.h"
 
 namespace {
@@ -37,7 +37,7 @@ void ScanTime(const std::string& text) {
 
 void ScanReferenceTime(const std::string& text) {
     const ANY_TIME time = ReferenceTimeFromText(text);
-    Require(SecondsBetween(time, time) == 0.0);
+    Require(SecondsSince({time}, time) == 0.0);
 }
 
 void ScanInterpolation(const std::string& text) {

@@ -5,6 +5,8 @@
 #include <limits>
 #include <optional>
 
+#include "lib/baselib/logging/logging.h"
+
 namespace {
 
 constexpr int kNodes = 32;
@@ -15,11 +17,15 @@ using SERIES = std::array<long double, kNodes>;  ///< coefficients of T_0 .. T_3
 /// What may be dropped from the end of a series, and how far a compiled value may be from the orbit's own beside the
 /// rounding of a value of that size. Dropped coefficients are rounding noise of the samples: leaving them out makes the
 /// result smoother than its source.
+/// The interpolation's own rounding may be more than that; the coefficients that no polynomial of the orbit has any
+/// more show how much, and up to `noise` it is dropped, too.
 struct TOLERANCE {
     long double dropped;
     double error;
+    double noise;
 };
-constexpr TOLERANCE kTolerances[3] = {{4e-10L, 1e-9}, {1e-11L, 1e-9}, {1e-11L, 1e-8}};  // m, m/s, m/s^2
+constexpr TOLERANCE kTolerances[3] = {
+    {4e-10L, 1e-9, 1e-8}, {1e-11L, 1e-9, 1e-9}, {1e-11L, 1e-8, 1e-9}};  // m, m/s, m/s^2
 constexpr int kRoundings = 4;  ///< halves of an ulp: the interpolation's last operations and the compiled ones
 
 ORBIT_PIECE::TERM ComponentsOf(const ORBIT_STATE& s) {
@@ -53,6 +59,13 @@ int DegreeOf(const SERIES& series, long double dropped) {
     return degree;
 }
 
+/// Size of the coefficients beyond the highest degree.
+double NoiseOf(const SERIES& series) {
+    long double noise = 0.0L;
+    for (int k = ORBIT_PIECE::kMaxDegree + 1; k < kNodes; ++k) noise = std::max(noise, std::fabs(series[k]));
+    return static_cast<double>(noise);
+}
+
 /// Powers of u from the Chebyshev series, by T_(k+1) = 2 u T_k - T_(k-1).
 SERIES PowersOf(const SERIES& series, int degree) {
     SERIES powers{}, before{}, current{};
@@ -72,7 +85,11 @@ SERIES PowersOf(const SERIES& series, int degree) {
     return powers;
 }
 
-bool Agrees(const ORBIT_PIECE& piece, const ORBIT_OF_POOL& orbit) {
+/// @param noise  per component, of the orbit's own values
+bool Agrees(const ORBIT_PIECE& piece, const ORBIT_OF_POOL& orbit, const ORBIT_PIECE::TERM& noise) {
+    // A coefficient is the mean of 32 values with weights: noise of size s makes s / 4 of it, and the largest of 23 is
+    // some 3 s.
+    constexpr double kNoiseOfValues = 16.0;
     constexpr int kChecks = 23;  // prime to the number of nodes: none of them is met again
     constexpr double kHalfUlp = 0x1p-53;
     for (int i = 0; i < kChecks; ++i) {
@@ -80,7 +97,8 @@ bool Agrees(const ORBIT_PIECE& piece, const ORBIT_OF_POOL& orbit) {
         const ORBIT_PIECE::TERM expected = ComponentsOf(orbit.State(t_s));
         const ORBIT_PIECE::TERM compiled = ComponentsOf(piece.State(t_s));
         for (int c = 0; c < ORBIT_PIECE::kComponents; ++c) {
-            const double allowed = kTolerances[c / 3].error + kRoundings * kHalfUlp * std::abs(expected[c]);
+            const double allowed =
+                kTolerances[c / 3].error + kRoundings * kHalfUlp * std::abs(expected[c]) + kNoiseOfValues * noise[c];
             if (!(std::abs(compiled[c] - expected[c]) <= allowed)) return false;
         }
     }
@@ -105,10 +123,16 @@ std::optional<ORBIT_PIECE> Compile(const ORBIT_OF_POOL& orbit, double first_s, d
             samples[c][j] = c < 6 ? state[c] + state[c + 3] * (node_s - t_s) : state[c];
         }
     }
+    ORBIT_PIECE::TERM noise{};
     for (int c = 0; c < ORBIT_PIECE::kComponents; ++c) {
         const SERIES series = SeriesThrough(samples[c]);
-        const int degree = DegreeOf(series, kTolerances[c / 3].dropped);
-        if (degree > ORBIT_PIECE::kMaxDegree) return std::nullopt;
+        const TOLERANCE& tolerance = kTolerances[c / 3];
+        int degree = DegreeOf(series, tolerance.dropped);
+        if (degree > ORBIT_PIECE::kMaxDegree) {
+            noise[c] = NoiseOf(series);
+            if (noise[c] > tolerance.noise) return std::nullopt;
+            degree = DegreeOf(series, 2.0L * noise[c]);
+        }
         const SERIES powers = PowersOf(series, degree);
         long double scale = 1.0L;
         for (int k = 0; k <= degree; ++k, scale /= half_width_s) {
@@ -116,8 +140,17 @@ std::optional<ORBIT_PIECE> Compile(const ORBIT_OF_POOL& orbit, double first_s, d
         }
         piece.degree = std::max(piece.degree, degree);
     }
-    if (!Agrees(piece, orbit)) return std::nullopt;
+    if (!Agrees(piece, orbit, noise)) return std::nullopt;
     return piece;
+}
+
+/// @param failed_s  bounds of the pieces that can not be compiled
+void ReportFailed(const ORBIT_OF_POOL& orbit, const std::vector<double>& failed_s) {
+    const double zero_s = orbit.SecondsFromReferenceToZero();
+    Log().Message(LOGGING_LEVEL::INFO,
+                  "%s: %s: %zu pieces from %.6f s to %.6f s are no polynomials to 1e-9 m; points there take longer",
+                  orbit.Configuration().pool_file.c_str(), orbit.Configuration().interpolation.c_str(),
+                  failed_s.size() / 2, failed_s.front() + zero_s, failed_s.back() + zero_s);
 }
 
 }  // namespace
@@ -133,19 +166,47 @@ ORBIT_STATE ORBIT_PIECE::State(double t_s) const {
 
 COMPILED_ORBIT::COMPILED_ORBIT(const ORBIT_OF_POOL& orbit, double first_s, double last_s) : orbit_(orbit) {
     const std::vector<double> bounds = orbit.PieceBounds();
+    std::vector<ORBIT_PIECE> run;
+    std::vector<double> failed_s;
     for (std::size_t i = 0; i + 1 < bounds.size(); ++i) {
         if (bounds[i + 1] < first_s || bounds[i] > last_s || !(bounds[i] < bounds[i + 1])) continue;
         const std::optional<ORBIT_PIECE> piece = Compile(orbit, bounds[i], bounds[i + 1]);
-        if (!piece) {
-            pieces_.clear();
-            return;
+        if (piece) {
+            run.push_back(*piece);
+        } else {
+            failed_s.insert(failed_s.end(), {bounds[i], bounds[i + 1]});
+            KeepLonger(run);
         }
-        pieces_.push_back(*piece);
     }
-    if (pieces_.empty()) return;
-    // Where the data go on, the last time of all belongs to the piece that is not here.
-    end_s_ = pieces_.back().last_s;
-    if (end_s_ == bounds.back()) end_s_ = std::nextafter(end_s_, std::numeric_limits<double>::infinity());
+    KeepLonger(run);
+    if (!failed_s.empty() && !IsFloatType(orbit.TypeId())) ReportFailed(orbit, failed_s);
+    if (!pieces_.empty()) SetEnd(bounds);
+}
+
+/// Empties the run.
+void COMPILED_ORBIT::KeepLonger(std::vector<ORBIT_PIECE>& run) {
+    if (run.size() > pieces_.size()) pieces_.swap(run);
+    run.clear();
+}
+
+/// Gives the times at which pieces meet to the piece that answers there.
+void COMPILED_ORBIT::SetEnd(const std::vector<double>& bounds) {
+    constexpr double kLater = std::numeric_limits<double>::infinity();
+    if (orbit_.EarlierPieceAnswers()) {
+        // With one node, the first time of all is a cell of its own.
+        const bool first_apart = orbit_.Interpolation().support_point_count == 1;
+        for (ORBIT_PIECE& piece : pieces_) {
+            if (piece.first_s != bounds.front() || first_apart) piece.first_s = std::nextafter(piece.first_s, kLater);
+            if (piece.last_s != bounds.back()) piece.last_s = std::nextafter(piece.last_s, kLater);
+        }
+    }
+    ORBIT_PIECE& last = pieces_.back();
+    if (last.last_s == bounds.back()) {
+        end_s_ = std::nextafter(last.last_s, kLater);
+    } else {  // the data go on: the time at the end belongs to a piece that is not here
+        end_s_ = last.last_s;
+        last.last_s = std::nextafter(last.last_s, -kLater);
+    }
 }
 
 const ORBIT_PIECE* COMPILED_ORBIT::PieceAt(double t_s) const {

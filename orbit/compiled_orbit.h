@@ -5,9 +5,10 @@
 /// has the same answer whatever span was asked for. Position, velocity and acceleration are expanded separately, so
 /// that none is the derivative of another's rounding. Accuracy: every piece was held against the orbit when it was
 /// built: positions to 1e-9 m plus the rounding of both (an ulp of a satellite's coordinate is 9e-10 m), velocities to
-/// 1e-9 m/s. An orbit that can not be compiled so (single precision, a polynomial of too high a degree) has no pieces,
-/// and every question goes to the orbit itself. Frame: Earth-fixed, metres, seconds; times as the orbit's own (seconds
-/// since its reference time). Threads: constant after construction.
+/// 1e-9 m/s, or to the interpolation's own rounding where that is more (everett, 1e-8 m near the ends of the data). A
+/// piece that can not be compiled so (single precision, a polynomial of too high a degree) ends the span; questions
+/// outside it go to the orbit itself, which takes ten to a hundred times as long. Frame: Earth-fixed, metres, seconds;
+/// times as the orbit's own (seconds since its reference time). Threads: constant after construction.
 
 #pragma once
 
@@ -35,19 +36,24 @@ struct ORBIT_PIECE {
 class COMPILED_ORBIT {
   public:
     /// @param orbit            must outlive the object
-    /// @param first_s, last_s  the span that the pieces have to cover, as far as the orbit's data go
+    /// @param first_s, last_s  the span that the pieces have to cover, as far as the orbit's data go. What of it can
+    /// not
+    ///                         be compiled is told at INFO (but not for orbits of single precision: they never can)
     COMPILED_ORBIT(const ORBIT_OF_POOL& orbit, double first_s, double last_s);
 
     /// As the orbit's own State, for every time; faster inside the compiled span.
     [[nodiscard]] ORBIT_STATE State(double t_s) const;
 
     /// The piece that answers for a time, or nullptr outside the compiled span. A time at which two pieces meet belongs
-    /// to the later one.
+    /// to the one that the interpolation itself takes it from: the later one, but for hermite.
     [[nodiscard]] const ORBIT_PIECE* PieceAt(double t_s) const;
 
     [[nodiscard]] const std::vector<ORBIT_PIECE>& Pieces() const { return pieces_; }
 
   private:
+    void KeepLonger(std::vector<ORBIT_PIECE>& run);
+    void SetEnd(const std::vector<double>& bounds);
+
     const ORBIT_OF_POOL& orbit_;
     std::vector<ORBIT_PIECE> pieces_;  ///< in order of time, without gaps
     double end_s_ = 0.0;               ///< times below it have a piece

@@ -62,18 +62,26 @@ class GENERAL_ORBIT {
     [[nodiscard]] int StateVectorCount() const { return Core().StateVectorCount(); }
     /// See ORBIT_BASE.
     [[nodiscard]] std::vector<double> PieceBounds() const { return Core().PieceBounds(); }
+    [[nodiscard]] bool EndsOutsideItsData() const { return Core().EndsOutsideItsData(); }
+    [[nodiscard]] bool EarlierPieceAnswers() const { return Core().EarlierPieceAnswers(); }
 
     [[nodiscard]] ANY_TIME ReferenceTime() const { return Core().ReferenceTime(); }
     /// A time of the orbit's own type as seconds on the axis of the queries, leap seconds counted.
-    [[nodiscard]] double SecondsSinceReference(const ANY_TIME& t) const { return SecondsBetween(ReferenceTime(), t); }
+    [[nodiscard]] double SecondsSinceReference(const ANY_TIME& t) const { return SecondsSince(Core().Zero(), t); }
+    /// See ORBIT_BASE.
+    double CountFromNearbySecond() {
+        if (core_ == nullptr) RefuseCoreObject();
+        return core_->CountFromNearbySecond();
+    }
+    [[nodiscard]] double SecondsFromReferenceToZero() const { return Core().Zero().after_s; }
     /// True when both references are of one kind: plain seconds, UTC or MET.
     [[nodiscard]] bool HasReferenceOfSameKind(const GENERAL_ORBIT& other) const {
         return ReferenceTime().index() == other.ReferenceTime().index();
     }
-    /// The other orbit's reference time minus this one's in seconds, leap seconds counted: adding it to a time on the
-    /// other's axis gives the time on this one's. @throws ERROR_ARGUMENT, after logging, when the kinds differ
+    /// The zero of the other orbit's time axis minus this one's in seconds, leap seconds counted: adding it to a time
+    /// on the other's axis gives the time on this one's. @throws ERROR_ARGUMENT, after logging, when the kinds differ
     [[nodiscard]] double SecondsFromReferenceOf(const GENERAL_ORBIT& other) const {
-        return SecondsBetween(ReferenceTime(), other.ReferenceTime());
+        return SecondsBetween(Core().Zero(), other.Core().Zero());
     }
 
     /// See ORBIT_BASE.
@@ -81,6 +89,7 @@ class GENERAL_ORBIT {
 
     [[nodiscard]] ORBIT_TYPE_ID TypeId() const { return Core().TypeId(); }
     [[nodiscard]] const INTERPOLATION_REQUEST& Interpolation() const { return Core().Interpolation(); }
+    [[nodiscard]] const ORBIT_CONFIGURATION& Configuration() const { return Core().Configuration(); }
 
   private:
     [[nodiscard]] const ORBIT_BASE& Core() const {

@@ -63,6 +63,14 @@ ANY_TIME ORBIT_BASE::ReferenceTime() const {
     RefuseOperation("ReferenceTime()");
 }
 
+double ORBIT_BASE::CountFromNearbySecond() {
+    RefuseOperation("CountFromNearbySecond()");
+}
+
+AXIS_ZERO ORBIT_BASE::Zero() const {
+    RefuseOperation("Zero()");
+}
+
 void ORBIT_BASE::ReadFromParameterPool(PARAMETER_POOL&) {
     RefuseOperation("ReadFromParameterPool(PARAMETER_POOL&)");
 }

@@ -14,7 +14,7 @@
 #include "orbit/interpolation/interpolation_request.h"
 #include "orbit/orbit_ids.h"
 #include "orbit/orbit_state.h"
-#include "orbit/samples/reference_time.h"
+#include "orbit/samples/axis_zero.h"
 #include "orbit/source/orbit_configuration.h"
 
 class ORBIT_BASE {
@@ -42,11 +42,24 @@ class ORBIT_BASE {
     /// Increasing times, FirstTime() to LastTime(), between which every axis is one polynomial: the interpolation may
     /// hand over from one piece to the next at these times only.
     [[nodiscard]] virtual std::vector<double> PieceBounds() const;
+    /// True for hermite and localhermite, which end the process when they are asked outside their data.
+    [[nodiscard]] bool EndsOutsideItsData() const {
+        return interpolation_.id == INTERPOLATION_ID::HERMITE || interpolation_.id == INTERPOLATION_ID::LOCALHERMITE;
+    }
+    /// Which of two pieces answers at the time where they meet.
+    [[nodiscard]] bool EarlierPieceAnswers() const { return interpolation_.id == INTERPOLATION_ID::HERMITE; }
 
     /// To be set before the state vectors are read. @throws ERROR_ARGUMENT, after logging, for another time type than
-    /// the orbit's own
+    /// the orbit's own, and once there are state vectors: it would move them
     virtual void SetReferenceTime(const ANY_TIME& time);
     [[nodiscard]] virtual ANY_TIME ReferenceTime() const;
+
+    /// From now on all times of queries count from a whole second near the state vectors, where the reference time is
+    /// more than three days away: full accuracy, and only so can the orbit be compiled. @return how many seconds after
+    /// the reference time that is, 0 where it is near: what the caller's own times are to be moved by
+    virtual double CountFromNearbySecond();
+    /// The zero that all times of queries count from.
+    [[nodiscard]] virtual AXIS_ZERO Zero() const;
 
     /// Reads the state vectors from the pool, or from the place that the pool's configuration names, and creates the
     /// interpolation. A failure leaves the orbit as it was.

@@ -45,3 +45,8 @@ inline constexpr int kInterpolations = 10;
 [[nodiscard]] constexpr bool IsMdbType(ORBIT_TYPE_ID id) {
     return id >= ORBIT_TYPE_ID::MDB_DOUBLE_DOUBLE;
 }
+
+/// True for the types whose coordinates are of single precision.
+[[nodiscard]] constexpr bool IsFloatType(ORBIT_TYPE_ID id) {
+    return id <= ORBIT_TYPE_ID::POOL_FLOAT_MET;
+}

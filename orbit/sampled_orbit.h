@@ -25,13 +25,15 @@ class SAMPLED_ORBIT : public ORBIT_BASE {
 
     [[nodiscard]] ORBIT_STATE State(double t_s) const override;
 
-    [[nodiscard]] double FirstTime() const override { return Samples().t_s.front(); }
-    [[nodiscard]] double LastTime() const override { return Samples().t_s.back(); }
+    [[nodiscard]] double FirstTime() const override;
+    [[nodiscard]] double LastTime() const override;
     [[nodiscard]] int StateVectorCount() const override;
-    [[nodiscard]] std::vector<double> PieceBounds() const override { return PieceBoundsOf(Samples()); }
+    [[nodiscard]] std::vector<double> PieceBounds() const override;
 
     void SetReferenceTime(const ANY_TIME& time) override;
     [[nodiscard]] ANY_TIME ReferenceTime() const override { return reference_; }
+    double CountFromNearbySecond() override;
+    [[nodiscard]] AXIS_ZERO Zero() const override { return {reference_, zero_after_s_}; }
 
     void SavePolynomial(const std::string& file_name) const override;
 
@@ -53,10 +55,15 @@ class SAMPLED_ORBIT : public ORBIT_BASE {
     /// @throws ERROR_ARGUMENT, after logging, while there are none
     [[nodiscard]] const ORBIT_SAMPLES& Samples() const;
     [[nodiscard]] AXES MakeAxes(const ORBIT_SAMPLES& samples) const;
-    [[nodiscard]] JET AxisAt(size_t axis, double t_s) const;
+    [[nodiscard]] JET AxisAt(size_t axis, double sample_time_s) const;
+    /// A time of a query on the axis of the samples.
+    [[nodiscard]] double SampleTime(double t_s) const { return t_s + (zero_after_s_ - samples_->zero.after_s); }
+    /// Says what the hard stop does not that ends the process now.
+    void ReportOutside(double sample_time_s) const;
 
     ORBIT_TRAITS traits_;
     ANY_TIME reference_;
+    double zero_after_s_ = 0.0;  ///< from the reference to the zero of the times of queries
     std::shared_ptr<const ORBIT_SAMPLES> samples_;
     std::shared_ptr<const AXES> axes_;
 };

@@ -68,6 +68,11 @@ void ReadStarts(ACQUISITION& master, ACQUISITION& slave, PARAMETER_POOL& insar_p
     slave.start.range_time_s = Read<double>(insar_pool, "slave_first_rg_time");
 }
 
+/// Far from the reference time a double loses what the products need.
+void CountFromNearbySecond(ACQUISITION& acquisition) {
+    acquisition.start.azimuth_time_s -= acquisition.orbit.CountFromNearbySecond();
+}
+
 /// Both must agree before either is looked at more closely: a NaN differs from everything.
 void CheckOversampling(const ACQUISITION& master, const ACQUISITION& slave) {
     constexpr POOL_KEY<double> kKey = "oversampling";
@@ -128,6 +133,8 @@ ACQUISITIONS ReadAcquisitions(const REQUEST& request, RUN_POOLS& pools) {
         image = ReadSize(pools.insar);
         ReadStarts(master, slave, pools.insar);
     }
+    CountFromNearbySecond(master);
+    CountFromNearbySecond(slave);
     CheckOversampling(master, slave);
     Say(" - Adapt sampling frequ. for oversampling of: %f", master.oversampling);
     SayRates(master, "master");

@@ -21,7 +21,7 @@ struct IMAGE_SIZE {
 
 /// When the first pixel of an image was taken.
 struct IMAGE_START {
-    double azimuth_time_s = 0.0;  ///< since the reference time of the acquisition's orbit
+    double azimuth_time_s = 0.0;  ///< on the axis of the acquisition's orbit
     double range_time_s = 0.0;    ///< two-way
 };
 

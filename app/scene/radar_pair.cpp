@@ -38,7 +38,7 @@ ACQUISITION_SCENE SceneOf(const ACQUISITION& acquisition, double range_time_shif
 
 void LogStopTimes(const ACQUISITION_SCENE& scene, int number) {
     Log().Message(LOGGING_LEVEL::PARAMETER, "scene=%d  rg_stop_time=%f  az_stop_time=%f ", number,
-                  scene.far_range_time_s, scene.last_azimuth_time_s);
+                  scene.far_range_time_s, scene.last_azimuth_time_s + scene.orbit.orbit->SecondsFromReferenceToZero());
 }
 
 void CheckOrbits(const RADAR_PAIR& pair, const REQUEST& request) {

@@ -12,16 +12,13 @@
 
 #include "orbit/interpolation/cheby_poly.h"
 #include "orbit/interpolation/hermite_poly.h"
-#include "orbit/interpolation/poly_ref.h"
+#include "orbit/interpolation/local_pieces.h"
 #include "orbit/interpolation/polynom.h"
 #include "orbit/interpolation/polynom_fit.h"
 
 class LOCAL_CORE : public INTERPOLATOR {
   public:
     static constexpr int kDefaultSupportPointCount = 8;
-
-    using PIECE = POLY_REF<double, INTERPOLATOR, SUPPORT_POINTS>;
-    using MAKE_INTERPOLATOR = std::unique_ptr<INTERPOLATOR> (*)();
 
     [[nodiscard]] const char* Name() const override { return "LOCAL_INTERPOLATION"; }
     /// The pieces' order, where they have one.
@@ -33,21 +30,18 @@ class LOCAL_CORE : public INTERPOLATOR {
     void Create(const SUPPORT_POINTS& points) override;
     [[nodiscard]] JET At(double x) const override;
 
-    [[nodiscard]] int PieceCount() const { return static_cast<int>(pieces_->size()); }
-    [[nodiscard]] const PIECE& Piece(int index) const { return (*pieces_)[static_cast<size_t>(index)]; }
+    [[nodiscard]] int PieceCount() const { return pieces_ == nullptr ? 0 : pieces_->Count(); }
+    [[nodiscard]] const LOCAL_PIECES::PIECE& Piece(int index) const { return pieces_->Piece(index); }
 
   protected:
     /// @param make  the interpolator of a piece
-    explicit LOCAL_CORE(MAKE_INTERPOLATOR make) : make_(make) {}
+    explicit LOCAL_CORE(std::unique_ptr<INTERPOLATOR> (*make)()) : make_(make) {}
 
   private:
-    void CreatePiece(const SUPPORT_POINTS& points, int index, int piece_count, int point_count);
-
-    MAKE_INTERPOLATOR make_;
+    std::unique_ptr<INTERPOLATOR> (*make_)();
     int order_ = -1;
     int support_point_count_ = kDefaultSupportPointCount;
-    std::shared_ptr<std::vector<PIECE>> pieces_;  ///< constant once made: copies share them
-    std::vector<double> joints_;                  ///< joint i between piece i and i + 1
+    std::shared_ptr<LOCAL_PIECES> pieces_;  ///< copies share them
 };
 
 /// @tparam C  core of the pieces
@@ -62,7 +56,7 @@ template <class T, class I, class P>
 class LOCAL_INTERPOLATION final : public INTERPOLATION_BY<T, P, LOCAL_CORE_OF<typename I::CORE>> {
   public:
     [[nodiscard]] int PieceCount() const { return this->Core().PieceCount(); }
-    [[nodiscard]] const LOCAL_CORE::PIECE& Piece(int index) const { return this->Core().Piece(index); }
+    [[nodiscard]] const LOCAL_PIECES::PIECE& Piece(int index) const { return this->Core().Piece(index); }
 };
 
 extern template class LOCAL_INTERPOLATION<float, POLYNOM<float>, POINT<float>>;

@@ -29,18 +29,24 @@ void CheckTriple(const std::vector<double>& list, size_t entry, double largest, 
     }
 }
 
-double PlausibleSeconds(const ANY_TIME& reference, const ANY_TIME& time, const std::string& name, size_t entry) {
+/// Nothing computed from the time may overflow.
+void CheckTime(const ANY_TIME& reference, const ANY_TIME& time, const std::string& name, size_t entry) {
     const double* const number_s = std::get_if<double>(&time);
     if (number_s != nullptr && !IsPlausible(*number_s, kLongestSeconds)) {  // before the difference could overflow
         RefuseStateVectors("%s: state vector %zu: %.9g s is outside +-%g s", name.c_str(), entry, *number_s,
                            kLongestSeconds);
     }
-    const double seconds = SecondsBetween(reference, time);
+    const double seconds = SecondsSince({reference}, time);
     if (!IsPlausible(seconds, kLongestSeconds)) {
         RefuseStateVectors("%s: state vector %zu: %.9g s from the reference time are more than %g s", name.c_str(),
                            entry, seconds, kLongestSeconds);
     }
-    return seconds;
+}
+
+AXIS_ZERO ZeroOf(const STATE_VECTOR_LISTS& lists, const ANY_TIME& reference, const std::string& time_name) {
+    const size_t middle = lists.times.size() / 2;
+    CheckTime(reference, lists.times[middle], time_name, middle);
+    return ZeroNear(reference, lists.times[middle]);
 }
 
 void CheckCount(size_t count, const INTERPOLATION_REQUEST& request, const std::string& time_name) {
@@ -61,10 +67,12 @@ ORBIT_SAMPLES SamplesOf(const STATE_VECTOR_LISTS& lists, const ANY_TIME& referen
     CheckCount(lists.times.size(), request, time_name);
     ORBIT_SAMPLES samples;
     samples.is_float = is_float;
+    samples.zero = ZeroOf(lists, reference, time_name);
     for (size_t i = 0; i < lists.times.size(); ++i) {
         CheckTriple(lists.positions_m, i, kFarthestMetres, "m", position_name);
         CheckTriple(lists.velocities_m_s, i, kFastestMetresPerSecond, "m/s", velocity_name);
-        const double seconds = PlausibleSeconds(reference, lists.times[i], time_name, i);
+        CheckTime(reference, lists.times[i], time_name, i);
+        const double seconds = SecondsSince(samples.zero, lists.times[i]);
         samples.t_s.push_back(is_float ? static_cast<float>(seconds) : seconds);
         for (size_t axis = 0; axis < 3; ++axis) {
             samples.position_m[axis].push_back(lists.positions_m[3 * i + axis]);
@@ -76,16 +84,6 @@ ORBIT_SAMPLES SamplesOf(const STATE_VECTOR_LISTS& lists, const ANY_TIME& referen
         }
     }
     return samples;
-}
-
-std::vector<double> PieceBoundsOf(const ORBIT_SAMPLES& samples) {
-    std::vector<double> bounds;
-    for (size_t i = 0; i + 1 < samples.Count(); ++i) {
-        bounds.push_back(samples.t_s[i]);
-        bounds.push_back(Midway(samples.t_s[i], samples.t_s[i + 1], samples.is_float));
-    }
-    bounds.push_back(samples.t_s.back());
-    return bounds;
 }
 
 std::string NameOfList(const std::string& file, const std::string& key) {

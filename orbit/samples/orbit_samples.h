@@ -11,10 +11,12 @@
 #include "lib/baselib/containers/records.h"
 #include "orbit/interpolation/interpolation_request.h"
 #include "orbit/interpolation/support_points.h"
+#include "orbit/samples/axis_zero.h"
 #include "orbit/source/state_vector_lists.h"
 
 struct ORBIT_SAMPLES {
-    std::vector<double> t_s;  ///< since the orbit's reference time; strictly increasing
+    AXIS_ZERO zero;           ///< near the samples
+    std::vector<double> t_s;  ///< since the zero; strictly increasing
     std::array<std::vector<double>, 3> position_m;
     std::array<std::vector<double>, 3> velocity_m_s;
     bool is_float = false;  ///< every number is a float's
@@ -35,10 +37,6 @@ struct ORBIT_SAMPLES {
 /// that are not finite or beyond 1e9 m or 1e6 m/s
 [[nodiscard]] ORBIT_SAMPLES SamplesOf(const STATE_VECTOR_LISTS& lists, const ANY_TIME& reference, bool is_float,
                                       const INTERPOLATION_REQUEST& request);
-
-/// Times between which every axis is one polynomial: the state vectors and the middles between them. Whatever the
-/// interpolator, it hands over nowhere else.
-[[nodiscard]] std::vector<double> PieceBoundsOf(const ORBIT_SAMPLES& samples);
 
 /// "file: key "times"", for messages.
 [[nodiscard]] std::string NameOfList(const std::string& file, const std::string& key);

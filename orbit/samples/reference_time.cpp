@@ -41,16 +41,9 @@ ANY_TIME ReferenceTimeFromText(const std::string& text) {
     return Detected("UTC", TIME_AXIS<UNIVERSAL_TIME>::FromText(text));
 }
 
-double SecondsBetween(const ANY_TIME& reference, const ANY_TIME& t) {
-    if (reference.index() != t.index()) {
-        Log().Message(LOGGING_LEVEL::ALARM, "ORBIT: no difference between %s (%s) and %s (%s)",
-                      TextOf(reference).c_str(), KindOf(reference), TextOf(t).c_str(), KindOf(t));
-        throw ERROR_ARGUMENT();
-    }
-    return std::visit(
-        [&t](const auto& from) {
-            using S = PLAIN<decltype(from)>;
-            return TIME_AXIS<S>::SecondsSince(from, std::get<S>(t));
-        },
-        reference);
+void RequireSameKind(const ANY_TIME& a, const ANY_TIME& b) {
+    if (a.index() == b.index()) return;
+    Log().Message(LOGGING_LEVEL::ALARM, "ORBIT: no difference between %s (%s) and %s (%s)", TextOf(a).c_str(),
+                  KindOf(a), TextOf(b).c_str(), KindOf(b));
+    throw ERROR_ARGUMENT();
 }

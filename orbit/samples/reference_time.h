@@ -33,5 +33,5 @@ template <class S>
 /// @throws ERROR_DATA or ERROR_ARGUMENT, after logging
 [[nodiscard]] ANY_TIME ReferenceTimeFromText(const std::string& text);
 
-/// t - reference in seconds, leap seconds counted. @throws ERROR_ARGUMENT, after logging, when the kinds differ
-[[nodiscard]] double SecondsBetween(const ANY_TIME& reference, const ANY_TIME& t);
+/// @throws ERROR_ARGUMENT, after logging, for times of two kinds: nothing ties one to the other
+void RequireSameKind(const ANY_TIME& a, const ANY_TIME& b);

@@ -17,10 +17,8 @@ int GetIdOr(PARAMETER_POOL& pool, const char* key, int default_id) {
 
 MDB_LOCATION ReadMdbLocation(PARAMETER_POOL& pool) {
     MDB_LOCATION location;
-    if (pool.FindKey("mdb_orbit_data_file")) {
-        location.data_file = GetText(pool, "mdb_orbit_data_file");
-        return location;
-    }
+    if (pool.FindKey("mdb_orbit_data_file")) location.data_file = GetText(pool, "mdb_orbit_data_file");
+    if (!location.data_file.empty()) return location;
     location.root_path = GetText(pool, "root_path");
     location.mission_id = pool.Get<int>("mission_id");
     location.tape_id_number = pool.Get<int>("tape_id_number");

@@ -1,8 +1,11 @@
 #include "orbit/compiled_orbit.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
+
+#include <cmath>
 
 #include "lib/baselib/pool/parameter_pool.h"
+#include "tests/kit/log_capture.h"
 #include "tests/kit/orbit_pools.h"
 
 namespace {
@@ -14,6 +17,7 @@ struct CASE {
     bool compiles;
     const char* type = "orbit_pool_double_double";
     double first_s = 3.5;
+    int count = 24;
 };
 
 class CompiledOrbits : public testing::TestWithParam<CASE> {};
@@ -23,6 +27,7 @@ ORBIT_OF_POOL OrbitOf(const CASE& c) {
     sampling.interpolation = c.interpolation;
     sampling.type = c.type;
     sampling.first_s = c.first_s;
+    sampling.count = c.count;
     PARAMETER_POOL pool(OrbitPool(sampling).Save());
     ORBIT_OF_POOL orbit;
     orbit.ReadFromParameterPool(pool);
@@ -65,14 +70,103 @@ TEST(CompiledOrbit, KeepsToTheDataOfTheOrbit) {
     EXPECT_EQ(compiled.Pieces().front().first_s, orbit.FirstTime());
     EXPECT_EQ(compiled.PieceAt(orbit.FirstTime() - 1e-9), nullptr);
     EXPECT_EQ(compiled.PieceAt(orbit.FirstTime()), &compiled.Pieces().front());
-    EXPECT_EQ(compiled.PieceAt(orbit.FirstTime() + 5.0), &compiled.Pieces()[1]);  // where two meet: the later
     EXPECT_EQ(compiled.PieceAt(orbit.FirstTime() + 15.1), nullptr);
-    EXPECT_EQ(compiled.PieceAt(orbit.FirstTime() + 15.0), nullptr);  // the next piece's, which was not asked for
+    EXPECT_EQ(compiled.PieceAt(orbit.FirstTime() + 15.0), &compiled.Pieces().back());  // hermite: the earlier one's
     const COMPILED_ORBIT whole(orbit, orbit.FirstTime(), orbit.LastTime());
     EXPECT_EQ(whole.PieceAt(orbit.LastTime()), &whole.Pieces().back());
     // The hard stop outside the data stays.
     EXPECT_EXIT((void)compiled.State(orbit.FirstTime() - 1.0), testing::ExitedWithCode(1), "");
     EXPECT_TRUE(COMPILED_ORBIT(orbit, -500.0, -400.0).Pieces().empty());
+}
+
+/// At a support point hermite answers from the earlier cell, the others from the later one: with one node or two the
+/// cells differ by hundreds of metres.
+TEST(CompiledOrbit, AnswersFromTheInterpolationsOwnPieceWhereTwoMeet) {
+    for (const char* interpolation : {"hermite_0_1", "hermite_0_2", "localhermite_0_2", "localpolynom_0_2",
+                                      "localpolynom_0_3", "localhermite_0_3", "spline"}) {
+        const ORBIT_OF_POOL orbit = OrbitOf({interpolation, true});
+        const COMPILED_ORBIT compiled(orbit, orbit.FirstTime(), orbit.LastTime());
+        ASSERT_FALSE(compiled.Pieces().empty()) << interpolation;
+        for (const double bound_s : orbit.PieceBounds()) {
+            for (const double t_s : {std::nextafter(bound_s, 0.0), bound_s, std::nextafter(bound_s, 1e9)}) {
+                if (compiled.PieceAt(t_s) == nullptr) continue;  // outside the data
+                EXPECT_LE(Distance(compiled.State(t_s).position_m, orbit.State(t_s).position_m), 1e-8)
+                    << interpolation << " at " << t_s;
+            }
+        }
+        const COMPILED_ORBIT part(orbit, orbit.FirstTime() + 31.0, orbit.FirstTime() + 47.0);
+        const ORBIT_PIECE& last = part.Pieces().back();
+        EXPECT_NE(part.PieceAt(last.last_s), nullptr) << "a row of points is solved up to there";
+    }
+}
+
+TEST(CompiledOrbit, CompilesWhatItCanAndTellsTheRest) {
+    // Everett's own rounding is above what a polynomial leaves, in every fourth cell of this orbit.
+    const ORBIT_OF_POOL everett = OrbitOf({"everett_8", true, "orbit_pool_double_double", 3.5, 84});
+    const COMPILED_ORBIT inner(everett, everett.FirstTime() + 50.0, everett.LastTime() - 50.0);
+    EXPECT_EQ(inner.Pieces().size(), 2u * 73u + 2u);
+    // A polynomial through 60 vectors is worthless towards its ends.
+    const ORBIT_OF_POOL polynom = OrbitOf({"polynom", true, "orbit_pool_double_double", 3.5, 60});
+    std::size_t pieces = 0;
+    const std::string log = LoggedBy([&] {
+        const COMPILED_ORBIT compiled(polynom, polynom.FirstTime(), polynom.LastTime());
+        pieces = compiled.Pieces().size();
+        EXPECT_NE(compiled.PieceAt(0.5 * (polynom.FirstTime() + polynom.LastTime())), nullptr);
+        EXPECT_EQ(compiled.PieceAt(polynom.LastTime()), nullptr);
+    });
+    EXPECT_GT(pieces, 20u);
+    EXPECT_THAT(log, testing::HasSubstr("_orbit.pool: polynom: "));
+    EXPECT_THAT(log, testing::HasSubstr(" s to 593.500000 s are no polynomials to 1e-9 m; points there take longer\n"));
+}
+
+/// State vectors 2e9 s or 27 years from their reference time, against the same ones near theirs.
+TEST(FarOrbit, IsAsGoodAsANearOneWhenCountedFromANearbySecond) {
+    struct FAR {
+        const char* type;
+        const char* reference;
+        double seconds;  ///< between the two references
+    };
+    // From 1990 to the end of 2016, 23:58:00: 9861 days, less half a second, and eleven leap seconds.
+    for (const FAR& far :
+         {FAR{"orbit_pool_double_utc", "01-JAN-1990/00:00:00.500000", 9861 * 86400.0 + 86280 - 0.5 + 11},
+          FAR{"orbit_pool_double_double", "-2000000000.125", 2e9 + 1000.125}}) {
+        SCOPED_TRACE(far.type);
+        POOL_TEXT text = OrbitPool({.type = far.type});
+        const auto read = [&] {
+            PARAMETER_POOL pool(text.Save());
+            ORBIT_OF_POOL orbit;
+            orbit.ReadFromParameterPool(pool);
+            return orbit;
+        };
+        const ORBIT_OF_POOL near = read();
+        text.SetText("orbit_reference_time", far.reference);
+        ORBIT_OF_POOL orbit = read();
+        EXPECT_EQ(near.SecondsFromReferenceToZero(), 0.0);
+        EXPECT_NEAR(near.SecondsFromReferenceOf(orbit), -far.seconds, 1e-9 * far.seconds);
+        // Counted from the reference: half the last place of the time, 1.2e-7 s, at 7.5 km/s.
+        EXPECT_LT(Distance(orbit.State(far.seconds + 103.5).position_m, near.State(103.5).position_m), 2e-3);
+        (void)orbit.State(orbit.FirstTime());  // hermite: the ends lie inside
+        (void)orbit.State(orbit.LastTime());
+
+        const double moved_s = orbit.CountFromNearbySecond();
+        EXPECT_EQ(moved_s, std::floor(far.seconds + 123.5));
+        const double later_s = near.SecondsFromReferenceOf(orbit);  // its zero after that of the near one
+        EXPECT_EQ(later_s, moved_s - far.seconds);
+        EXPECT_EQ(orbit.FirstTime(), 3.5 - later_s);
+        const ORBIT_OF_POOL copy = orbit;
+        EXPECT_EQ(copy.SecondsFromReferenceToZero(), moved_s);
+        const COMPILED_ORBIT compiled(orbit, orbit.FirstTime(), orbit.LastTime());
+        ASSERT_FALSE(compiled.Pieces().empty());
+        for (double t_s = 3.5; t_s <= 233.5; t_s += 0.71) {
+            EXPECT_LE(Distance(orbit.State(t_s - later_s).position_m, near.State(t_s).position_m), 1e-8) << t_s;
+            EXPECT_LE(Distance(compiled.State(t_s - later_s).position_m, near.State(t_s).position_m), 1e-8) << t_s;
+        }
+    }
+    const ANY_TIME utc = UNIVERSAL_TIME::FromText("31-DEC-2016/23:59:00.000001");
+    const AXIS_ZERO zero = ZeroNear(UNIVERSAL_TIME::FromText("01-JAN-1970/00:00:00.000000"), utc);
+    EXPECT_EQ(SecondsSince(zero, utc), 1e-6) << "not a microsecond is lost over 47 years";
+    EXPECT_EQ(ZeroNear(0.0, kNearSeconds).after_s, 0.0);
+    EXPECT_EQ(ZeroNear(0.0, -kNearSeconds - 1.5).after_s, -kNearSeconds - 2.0);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <limits>
+#include <thread>
 
 #include "lib/baselib/errors/error_exception.h"
 #include "orbit/interpolation/everett.h"
@@ -80,6 +81,38 @@ TEST(InterpolatorLog, TellsOrdersDroppedValuesAndPieces) {
               "INFO  : global : INTERPOLATION::GetCoeffs() shall not be called\n");
     EXPECT_THAT(LoggedBy([] { EXPECT_EQ(SPLINE<double>().GetCoeffs().Count(), 0); }),
                 HasSubstr("WARN  : global : SPLINE::GetCoeffs() makes no sense\n"));
+}
+
+TEST(LocalInterpolation, MakesOfManyPiecesThoseThatAreAskedFor) {
+    constexpr int kPieces = LOCAL_PIECES::kMostMadeAtOnce + 1;
+    const X x = Grid(100, 10, kPieces + 8);
+    LOCAL_FIT local;
+    const std::string created = LoggedBy([&] { local.Create(Points(x), 7, 9); });
+    EXPECT_THAT(created, HasSubstr("LOCAL_INTERPOLATION: polynom count; " + std::to_string(kPieces) + "\n"));
+    EXPECT_EQ(Count(created, "idx_start="), 1u);
+    EXPECT_EQ(Count(LogOfCreate<LOCAL_FIT>(Grid(100, 10, kPieces + 7), 7, 9), "idx_start="), kPieces - 1u)
+        << "few: all";
+
+    const LOCAL_FIT copy = local;  // shares the pieces
+    double value = 0;
+    const std::string asked = LoggedBy([&] {
+        for (const double at : {1142.0, 1138.0, 1142.0}) value = copy.Value(at);
+    });
+    EXPECT_THAT(asked, HasSubstr("PARAM : global : idx_start=100 idx_stop=108 t_start=1135 t_stop=1145\n"));
+    EXPECT_EQ(Count(asked, "idx_start="), 1u);
+    POLYNOM_FIT<double> piece;
+    piece.Create(Points({x.begin() + 100, x.begin() + 109}), 7, -1);
+    EXPECT_EQ(value, piece.Value(1142.0));
+
+    const std::string made = LoggedBy([&] {
+        std::vector<std::thread> threads;
+        for (int i = 0; i < 4; ++i)
+            threads.emplace_back([&] {
+                for (const double at : x) (void)local.Value(at);
+            });
+        for (std::thread& thread : threads) thread.join();
+    });
+    EXPECT_EQ(Count(made, "idx_start="), kPieces - 2u) << "each of the others once";
 }
 
 TEST(Everett, RefusesWhatItCanNotInterpolate) {

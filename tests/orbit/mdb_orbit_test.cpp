@@ -109,6 +109,7 @@ TEST_F(ORBIT_DATABASE, IsFoundByIdsOrByAnExplicitPath) {
     unset.Set("tape_id_number", "INT_32 7");
     unset.Set("channel_id", "INT_32 9");
     unset.Remove("orbit_source_id");
+    unset.SetText("mdb_orbit_data_file", "");  // empty: none
     ORBIT_OF_POOL orbit;
     const std::string log = LogOfReading(unset, orbit);
     EXPECT_THAT(log, HasSubstr("ORBIT: orbit_source_id is not set\n"));

@@ -1,4 +1,5 @@
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/pool/parameter_pool.h"
@@ -209,6 +210,20 @@ TEST(PoolOrbit, RefusesListsThatDoNotFitNamingFileAndKey) {
     }
 }
 
+TEST(PoolOrbit, TellsEveryBadMetTextAndEndsAfterTheList) {
+    POOL_TEXT pool = OrbitPool({.type = "orbit_pool_double_met", .count = 4});
+    std::vector<std::string> items = TimeItems({.type = "orbit_pool_double_met", .count = 4});
+    items[1] = "\"+0012/24:00:13.750000\"";
+    items[3] = "\"12.5\"";
+    pool.SetList("times", "STR_V", items);
+    EXPECT_THAT(
+        RefusalOf(pool),
+        testing::MatchesRegex("EXCEP : global : MET_SCANNER: [^\n]*\n"
+                              "ALARM : global : [^\n]*key \"times\": entry 1 \"[^\n]*24:00:13.750000\" is no MET time\n"
+                              "EXCEP : global : MET_SCANNER: [^\n]*\n"
+                              "ALARM : global : [^\n]*entry 3 \"12.5\" is no MET time\n.data error."));
+}
+
 TEST(PoolOrbit, AsksForEnoughStateVectors) {
     const std::pair<const char*, int> fewest[] = {
         {"hermite_0_8", 8}, {"hermite_0_1", 2}, {"everett_6", 7}, {"polyfit_9", 2}, {"localhermite_0_8", 2}};
@@ -221,8 +236,14 @@ TEST(PoolOrbit, AsksForEnoughStateVectors) {
 }
 
 TEST(GeneralOrbit, TellsTheKindOfAReferenceTimeByItsForm) {
+    const std::string kUtcBeforeBlanks = "05-MAR-2012/14:03:07" + std::string(200, ' ');
     const std::tuple<const char*, const char*, const char*> references[] = {
         {"orbit_pool_double_double", "12.5", "INFO  : global : GENERAL_ORBIT: float reference time detected: 12.5\n"},
+        {"orbit_pool_double_double", " 12.5 \t", "float reference time detected: 12.5\n"},
+        {"orbit_pool_double_double", "   ", "TIME: \"   \" is no number of seconds\n"},
+        {"orbit_pool_double_double", "1 2", "TIME: \"1 2\" is no number of seconds\n"},
+        {"orbit_pool_double_utc", kUtcBeforeBlanks.c_str(),
+         "UTC reference time detected: 05-MAR-2012/14:03:07.000000\n"},
         {"orbit_pool_double_met", "0001/00:00:00.000000",
          "GENERAL_ORBIT: MET reference time detected: +0001/00:00:00.000000\n"},
         {"orbit_pool_double_utc", "12.5",
@@ -260,6 +281,46 @@ TEST(GeneralOrbit, IsAssignedFromItsOwnTypeOnly) {
     EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(copy = Read(OrbitPool({.interpolation = "polynom"})), ERROR_ARGUMENT); }),
                 HasSubstr("virtual GENERAL_ORBIT<T>& operator=( const GENERAL_ORBIT<T>& agen_orbit )\n"));
     EXPECT_EQ(copy.FirstTime(), 50.0) << "a refused assignment changes nothing";
+}
+
+TEST(GeneralOrbit, CopiesItsSetUp) {
+    const POOL_TEXT text = OrbitPool({.type = "orbit_pool_double_utc", .interpolation = "localpolyfit_5_9"});
+    const ORBIT_OF_POOL orbit = Read(text);
+    ORBIT_OF_POOL assigned("orbit_pool_double_utc", "localpolyfit_3_7");
+    assigned = orbit;
+    for (const ORBIT_OF_POOL& copy : {ORBIT_OF_POOL(orbit), assigned}) {
+        EXPECT_EQ(copy.TypeId(), ORBIT_TYPE_ID::POOL_DOUBLE_UTC);
+        EXPECT_EQ(copy.Interpolation().id, INTERPOLATION_ID::LOCALPOLYFIT);
+        EXPECT_EQ(copy.Interpolation().poly_fit_order, 5);
+        EXPECT_EQ(copy.Interpolation().support_point_count, 9);
+        EXPECT_EQ(copy.Configuration().pool_file, orbit.Configuration().pool_file);
+        EXPECT_EQ(copy.Configuration().value_key, "positions");
+        EXPECT_EQ(copy.ReferenceTime(), ANY_TIME(UNIVERSAL_TIME::FromText(kUsualUtc)));
+        EXPECT_EQ(copy.StateVectorCount(), 24);
+        EXPECT_EQ(copy.Position(100.0).x, orbit.Position(100.0).x);
+    }
+}
+
+TEST(GeneralOrbit, KeepsItsReferenceTimeOnceItHasStateVectors) {
+    ORBIT_OF_POOL orbit = Read(OrbitPool({}));
+    EXPECT_THAT(
+        LoggedBy([&] { EXPECT_THROW(orbit.SetReferenceTime("900"), ERROR_ARGUMENT); }),
+        HasSubstr("the reference time can not become 900: it would move the 24 state vectors read with 1000\n"));
+    EXPECT_EQ(orbit.FirstTime(), 3.5);
+}
+
+TEST(PoolOrbit, SaysWhichOrbitAndTimeBeforeTheHardStop) {
+    for (const char* interpolation : {"hermite_0_4", "localhermite_0_4"}) {
+        const ORBIT_OF_POOL orbit = Read(OrbitPool({.interpolation = interpolation}));
+        const auto query = [&] {
+            dup2(STDERR_FILENO, STDOUT_FILENO);  // where the child's log goes, to the pipe that is matched
+            (void)orbit.State(233.513);
+        };
+        EXPECT_EXIT(query(), testing::ExitedWithCode(1),
+                    AllOf(HasSubstr("orbit.pool: " + std::string(interpolation) + " is asked for 233.513000 s after "),
+                          HasSubstr("reach from 3.500000 s to 233.500000 s"),
+                          HasSubstr("interpolation point outside of data constraints")));
+    }
 }
 
 TEST(Orbit, SavesItsCheckTable) {
