@@ -133,6 +133,10 @@ def no_false_product(case):
     return all(case.content(name) in (case.sweep.old[name], case.sweep.new[name]) for name in PRODUCTS)
 
 
+def older_products_kept(case):
+    return case.status != 1 or all(case.content(name) == case.sweep.old[name] for name in PRODUCTS)
+
+
 def inputs_unchanged(case):
     return all(case.content(name) == case.sweep.old[name] for name in INPUTS)
 
@@ -172,6 +176,7 @@ EXPECTATIONS = [
     ("a signal is named", signal_is_named),
     ("a poor file system costs a WARNING", poor_file_system_is_told),
     ("each product old or complete", no_false_product),
+    ("status 1: every older product is there", older_products_kept),
     ("inputs unchanged", inputs_unchanged),
     ("status 1: no pool changed, or recovery told", pools_unchanged_by_failure),
     ("the next run is whole", next_run_is_whole),  # changes the folder: the last one

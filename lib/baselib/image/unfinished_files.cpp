@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 
@@ -27,16 +28,20 @@ UNFINISHED_FILE::~UNFINISHED_FILE() {
 
 void UNFINISHED_FILE::Undo() const noexcept {
     const STATE now = state;
-    if (now == STATE::REPLACING) {
-        struct stat placed {};
-        // Without a backup there was no older product: what lies there now is removed, but only if it is this run's.
-        if (rename(backup.c_str(), target.c_str()) != 0 && stat(target.c_str(), &placed) == 0 &&
-            placed.st_dev == device && placed.st_ino == inode) {
-            unlink(target.c_str());
-        }
-    }
     if (now != STATE::ACCEPTED) unlink(temporary.c_str());
+    if (now == STATE::REPLACING && !BringBack()) return;
     unlink(backup.c_str());  // rename() leaves it alone where target and backup are still one file
+}
+
+/// @return false when the older product is left under the backup's name alone
+bool UNFINISHED_FILE::BringBack() const noexcept {
+    struct stat placed {};
+    if (rename(backup.c_str(), target.c_str()) == 0) return true;
+    const bool had_older = errno != ENOENT;
+    // What lies there is removed, but only if it is this run's.
+    if (stat(target.c_str(), &placed) == 0 && placed.st_dev == device && placed.st_ino == inode)
+        unlink(target.c_str());
+    return !had_older || link(backup.c_str(), target.c_str()) == 0 || errno == EEXIST;
 }
 
 void RememberUnfinished(const UNFINISHED_FILE& file) noexcept {

@@ -35,6 +35,9 @@ struct UNFINISHED_FILE {
 
     /// Takes back what the state tells: the folder is then as it was before the run.
     void Undo() const noexcept;
+
+  private:
+    [[nodiscard]] bool BringBack() const noexcept;
 };
 
 /// From now on UndoUnfinishedFiles() knows the file.
