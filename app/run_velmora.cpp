@@ -1,6 +1,7 @@
 #include "app/run_velmora.h"
 
 #include <ctime>
+#include <new>
 #include <string>
 
 #include "app/keys/control_key.h"
@@ -58,6 +59,14 @@ void RunStages(CONTROLLER_IFC& controller, const VERSION_RECORD& version) {
     state.products.Accept();
 }
 
+/// Products and pools are complete: no memory for the last lines does not change that.
+void WriteFooter() {
+    try {
+        Log().Footer();
+    } catch (const std::bad_alloc&) {
+    }
+}
+
 void LogReason(const std::string& reason) {
     Log() << LOGGING_LEVEL::ALARM << reason << "\n";
 }
@@ -74,7 +83,7 @@ void RunVelmora(int argc, char** argv) {
         const VERSION_RECORD version = VelmoraVersion(controller.get_binary_name());
         Log().Header(version, controller.get_configuration_file_name());
         RunStages(controller, version);
-        Log().Footer();
+        WriteFooter();
         controller.exit_success();
     } catch (const BASIC::TYPES::ERROR_ENUM_BASE_INVALID_VALUE& error) {
         // Before its base class: the user needs the list of valid values.

@@ -152,10 +152,14 @@ def next_run_is_whole(case):
     for _ in range(4):
         again = subprocess.run([case.sweep.binary, "-pcf", "scene.pcf", "-lfn", "again"], cwd=case.folder, capture_output=True,
                                env={"PATH": os.environ["PATH"], "PARALLEL": "2"}, stdin=subprocess.DEVNULL, check=False)
-        advice = re.findall(r"to recover, while no other run works in this folder: (.*)", again.stdout.decode(errors="replace"))
+        advice = re.findall(r"to recover, while no other run works in this folder: (cat '(.*?)' > '(.*?)'.*)",
+                            again.stdout.decode(errors="replace"))
+        # Of several that an empty pool can be the beginning of, that with its keys.
+        advice = [line for line, source, pool in advice
+                  if case.content(source).split(b"\n")[0] == case.sweep.old[pathlib.Path(pool).name].split(b"\n")[0]]
         if again.returncode == 0 or not advice:
             break
-        subprocess.run(["sh", "-c", advice[-1]], cwd=case.folder, check=True)
+        subprocess.run(["sh", "-c", advice[0]], cwd=case.folder, check=True)
     left = [path.name for path in case.folder.iterdir() if path.name.startswith(".") or path.name.endswith("~")]
     whole = all(case.content(name) == case.sweep.new[name] for name in PRODUCTS + CHANGED_POOLS)
     return again.returncode == 0 and whole and not left

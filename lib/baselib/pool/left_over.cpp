@@ -57,8 +57,7 @@ void WarnOnce(const std::string& path, const char* what) {
     if (named.insert(path).second) Log().Message(LOGGING_LEVEL::WARNING, "%s %s", path.c_str(), what);
 }
 
-[[noreturn]] void Refuse(const POOL_FILE& pool, std::size_t bytes, const std::string& path,
-                         std::size_t complete_bytes) {
+void TellRecovery(const POOL_FILE& pool, std::size_t bytes, const std::string& path, std::size_t complete_bytes) {
     const char* const name = pool.Name().c_str();
     Log().Message(LOGGING_LEVEL::ALARM,
                   "pool %s is cut off: it has %zu bytes, %s holds all %zu of an update that was interrupted", name,
@@ -67,16 +66,22 @@ void WarnOnce(const std::string& path, const char* what) {
                   "to recover, while no other run works in this folder: cat '%s' > '%s' && rm -f '%s'", path.c_str(),
                   name, path.c_str());
     if (bytes == 0)
-        Log().Message(LOGGING_LEVEL::ALARM, "but if %s is the content of another pool of the folder, recover that one",
-                      path.c_str());
-    throw CORRUPTED_PARAMETER_POOL();
+        Log().Message(
+            LOGGING_LEVEL::ALARM,
+            "but compare the keys first: if %s is the content of another pool of the folder, recover that one",
+            path.c_str());
 }
 
-void CheckLeftOver(const POOL_FILE& pool, const std::string& content, const std::string& path) {
+/// @return whether the pool is the beginning of this one
+bool IsOfCutOffPool(const POOL_FILE& pool, const std::string& content, const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     const std::string complete{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    if (!pool.IsNew() && IsCutOff(content, complete)) Refuse(pool, content.size(), path, complete.size());
+    if (!pool.IsNew() && IsCutOff(content, complete)) {
+        TellRecovery(pool, content.size(), path, complete.size());
+        return true;
+    }
     WarnOnce(path, "holds the content of a pool whose update was interrupted: see \"Recovery\" in docs/pools.md");
+    return false;
 }
 
 }  // namespace
@@ -99,9 +104,11 @@ void CheckLeftOvers(const POOL_FILE& pool, const std::string& content) {
         }
     }
     closedir(folder);
+    bool is_cut_off = false;
     for (const auto& [path, kind] : found) {
-        if (kind == KIND::COMPLETE) CheckLeftOver(pool, content, path);
+        if (kind == KIND::COMPLETE && IsOfCutOffPool(pool, content, path)) is_cut_off = true;
         if (kind == KIND::UNFINISHED)
             WarnOnce(path, "is an update that was interrupted before it changed its pool: remove it");
     }
+    if (is_cut_off) throw CORRUPTED_PARAMETER_POOL();
 }

@@ -161,10 +161,12 @@ void POOL_REPLACEMENT::CopyIntoPool() {
 }
 
 void POOL_REPLACEMENT::LeaveToRecovery() {
-    if (Uninterrupted([this] { return ftruncate(pool_.Descriptor(), 0); }) != 0)
-        LogAlarm("can not empty ", pool_.Name());
-    LogAlarm("see \"Recovery\" in docs/pools.md: the complete new content of the pool is in ", temporary_name_);
-    temporary_name_.clear();  // the file stays
+    std::string name;
+    name.swap(temporary_name_);  // the file stays
+    const bool marked = fchmod(temporary_, 0400) == 0;
+    const bool emptied = Uninterrupted([this] { return ftruncate(pool_.Descriptor(), 0); }) == 0;
+    if (!marked || !emptied) LogAlarm("the next run will not know that this pool is damaged: ", pool_.Name());
+    LogAlarm("see \"Recovery\" in docs/pools.md: a complete content of the pool is in ", name);
 }
 
 void POOL_REPLACEMENT::Remove() {

@@ -28,6 +28,7 @@ class POOL_REPLACEMENT {
     void Announce() const;
     /// @throws ERROR_PARAMETER_POOL; HasTouchedPool() tells whether the pool is cut off
     void CopyIntoPool();
+    [[nodiscard]] bool HasTemporary() const { return temporary_ >= 0 && !temporary_name_.empty(); }
     [[nodiscard]] bool HasTouchedPool() const { return has_touched_pool_; }
     /// Removes the temporary, at most a WARNING.
     void Remove();

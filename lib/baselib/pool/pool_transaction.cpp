@@ -112,7 +112,10 @@ void POOL_TRANSACTION::PrepareAll() {
 
 void POOL_TRANSACTION::CopyAll() {
     try {
-        for (PART& part : parts_) part.update.CopyIntoPool();
+        for (PART& part : parts_) {
+            part.update.CopyIntoPool();
+            part.update.Remove();  // at once: a pool that is cut off then has one left-over, its own
+        }
         if (!SIGNALS_HELD_BACK::EndIsNear()) return;
         Log().Message(LOGGING_LEVEL::WARNING, "a signal came during the update of the pools: they are put back");
     } catch (...) {
@@ -127,11 +130,19 @@ void POOL_TRANSACTION::PutBackAll() {
     for (PART& part : parts_) {
         try {
             if (part.update.HasTouchedPool()) part.back.CopyIntoPool();
-            part.update.Remove();
-        } catch (const ERROR_EXCEPTION&) {
-            part.update.LeaveToRecovery();
+        } catch (...) {
+            LeaveToRecovery(part);
         }
+        part.update.Remove();
         part.back.Remove();
+    }
+}
+
+/// The other pools are still to be put back, so nothing may be thrown here.
+void POOL_TRANSACTION::LeaveToRecovery(PART& part) noexcept {
+    try {
+        (part.update.HasTemporary() ? part.update : part.back).LeaveToRecovery();
+    } catch (...) {  // no memory for the line that tells
     }
 }
 

@@ -46,6 +46,7 @@ class POOL_TRANSACTION {
     void PrepareAll();
     void CopyAll();
     void PutBackAll();
+    static void LeaveToRecovery(PART& part) noexcept;
     void RemoveAll();
     [[nodiscard]] PARAMETER_POOL_LIST PendingOf(const POOL_FILE& file) const;
 
