@@ -93,8 +93,8 @@ def draw(faults, seed):
 class WORKSHOP:
     """A copy of the tree with a build of its own."""
 
-    def __init__(self, jobs, end_to_end):
-        self.tree = REPOSITORY / "build" / "planted_faults" / "tree"
+    def __init__(self, place, jobs, end_to_end):
+        self.tree = place / "tree"
         self.build_folder = self.tree.parent / "build"
         self.scratch = self.tree.parent / "tmp"
         self.jobs = jobs
@@ -191,6 +191,7 @@ def main():
     parser.add_argument("--count", type=int, default=40, help="faults per folder")
     parser.add_argument("--seed", default="1")
     parser.add_argument("--jobs", type=int, default=2)
+    parser.add_argument("--place", type=pathlib.Path, default=REPOSITORY / "build" / "planted_faults", help="for another run beside")
     parser.add_argument("--unit", action="store_true", help="unit tests only: a header takes minutes to reach the program")
     parser.add_argument("--list", action="store_true", help="only tell the faults")
     options = parser.parse_args()
@@ -201,7 +202,7 @@ def main():
         if name.split("/")[0] not in NO_PRODUCT and (REPOSITORY / name).exists():
             texts[name] = (REPOSITORY / name).read_text()
     unobservable = [line for line in UNOBSERVABLE.read_text().splitlines() if line and line[0] not in "# "]
-    workshop = WORKSHOP(options.jobs, not options.unit)
+    workshop = WORKSHOP(options.place.resolve(), options.jobs, not options.unit)
     if not options.list:
         workshop.prepare()
     totals = {}
