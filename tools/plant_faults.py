@@ -108,7 +108,8 @@ class WORKSHOP:
                 copy.parent.mkdir(parents=True, exist_ok=True)
                 shutil.copyfile(source, copy)
         launcher = ["-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"] if shutil.which("ccache") else []
-        subprocess.run(["cmake", "-G", "Ninja", "-S", self.tree, "-B", self.build_folder, "-DCMAKE_CXX_FLAGS=-O1 -DNDEBUG -w",
+        subprocess.run(["cmake", "-G", "Ninja", "-S", self.tree, "-B", self.build_folder, "-DCMAKE_BUILD_TYPE=Debug",
+                        "-DCMAKE_CXX_FLAGS=-O1 -DNDEBUG -w", "-DCMAKE_CXX_FLAGS_DEBUG=",
                         "-DVELMORA_COMPILE_DATE=2000-01-01T00:00:00Z", *launcher],
                        check=True, stdout=subprocess.DEVNULL)
 
