@@ -5,12 +5,12 @@
 #include <new>
 
 #include "companions/companion_error.h"
+#include "fuzz/fuzz_target.h"
 #include "import/orbit_files/interpolation_choice.h"
 #include "import/orbit_files/orbit_file.h"
 #include "import/orbit_files/orbit_selection.h"
 #include "import/sentinel1/annotation.h"
 #include "import/sentinel1/image_grid.h"
-#include "fuzz/fuzz_target.h"
 
 namespace {
 

@@ -9,10 +9,10 @@
 #include <chrono>
 #include <random>
 
+#include "benchmarks/plain_kernel/plain_solution.h"
 #include "geometry/zero_doppler_rows.h"
 #include "lib/baselib/logging/logging.h"
 #include "simulation/triangle_filler.h"
-#include "benchmarks/plain_kernel/plain_solution.h"
 #include "tests/simulation/test_scene.h"
 
 namespace {

@@ -108,7 +108,8 @@ struct EIGHT_TRUTHS {
     TRUTH_VECTOR part[kVectors];
 };
 
-/// Intrinsics: the compiler's own comparison, once combined with others, is undone lane by lane where there is SSE2 only.
+/// Intrinsics: the compiler's own comparison, once combined with others, is undone lane by lane where there is SSE2
+/// only.
 VELMORA_INLINE TRUTH_VECTOR IsAtMost(const DOUBLE_VECTOR& a, double limit) {
 #if defined(__AVX2__)
     return (TRUTH_VECTOR)_mm256_cmp_pd(a, _mm256_set1_pd(limit), _CMP_LE_OS);
