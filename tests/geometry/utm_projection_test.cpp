@@ -103,6 +103,16 @@ TEST(UtmProjection, TakesLongitudesOfAnyTurnAndFoldsItsOwn) {
     }
 }
 
+TEST(UtmProjection, EastAndWestAreMirrorImagesHoweverFar) {
+    const UTM_PROJECTION utm(kWgs84.a_m, kWgs84.e2, 31, false);
+    for (const double degrees : {1.0, 6.5, 7.5, 80.0}) {  // beyond 7 the series alone
+        const MAP_POSITION east = utm.Forward({utm.CentralMeridian() + degrees * kRadiansPerDegree, 0.9});
+        const MAP_POSITION west = utm.Forward({utm.CentralMeridian() - degrees * kRadiansPerDegree, 0.9});
+        EXPECT_NEAR(east.easting_m - 500000.0, 500000.0 - west.easting_m, 1e-6) << degrees;
+        EXPECT_NEAR(east.northing_m, west.northing_m, 1e-6) << degrees;
+    }
+}
+
 TEST(UtmProjection, FoldsLatitudesBeyondThePole) {
     const double quarter_m = kUtmScale * KruegerForward(kWgs84.a_m, kWgs84.e2, 0.0, kPi / 2).northing_m;
     for (const double side : {1.0, -1.0}) {
