@@ -1,5 +1,7 @@
 #include "app/run_velmora.h"
 
+#include <fenv.h>
+
 #include <ctime>
 #include <new>
 #include <string>
@@ -31,6 +33,13 @@ void LogStage(const char* banner) {
 
 HISTORY_ENTRY EntryOfThisRun(const VERSION_RECORD& version) {
     return EntryOfRun(version, Log().OpeningTime(), std::time(nullptr));
+}
+
+/// Some processors have none (64-bit ARM need not): the run goes on without that net.
+void TellOfMissingTraps() {
+    if (fegetexcept() != 0) return;
+    Log().Message(LOGGING_LEVEL::WARNING,
+                  "this processor has no floating-point traps: values that are not finite would not end the run");
 }
 
 /// The stages in their order. State and pools live in here: the pools are closed before the footer is written.
@@ -82,6 +91,7 @@ void RunVelmora(int argc, char** argv) {
         controller.init(argc, argv, true);
         const VERSION_RECORD version = VelmoraVersion(controller.get_binary_name());
         Log().Header(version, controller.get_configuration_file_name());
+        TellOfMissingTraps();
         RunStages(controller, version);
         WriteFooter();
         controller.exit_success();

@@ -2,12 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
 
-#include "benchmarks/plain_kernel/plain_solution.h"
 #include "geometry/zero_doppler.h"
 #include "lib/baselib/errors/error_exception.h"
 #include "simulation/prepared_scene.h"
+#include "simulation/triangle.h"
+#include "tests/kit/environment_setting.h"
 #include "tests/kit/log_capture.h"
 #include "tests/simulation/test_scene.h"
 
@@ -156,31 +156,6 @@ TEST(PhaseKernel, WritesOnlyWhatIsWanted) {
     EXPECT_NE(s.y.At(5, 5), 0.0);
 }
 
-/// Sets PARALLEL while it lives.
-struct THREAD_COUNT_SETTING {
-    explicit THREAD_COUNT_SETTING(const char* count) { setenv("PARALLEL", count, 1); }
-    ~THREAD_COUNT_SETTING() { unsetenv("PARALLEL"); }
-};
-
-TEST(PhaseKernel, GivesTheSameImageWhateverTheThreadCount) {
-    TEST_SCENE alone(kDescendingRight);
-    {
-        const THREAD_COUNT_SETTING one("1");
-        alone.Run();
-    }
-    for (const char* count : {"2", "5", "90"}) {  // 90 rows: every row a block, every seam contested
-        const THREAD_COUNT_SETTING several(count);
-        TEST_SCENE s(kDescendingRight);
-        s.Run();
-        ASSERT_EQ(s.MaskCount(), alone.MaskCount());
-        for (int row = 0; row < s.request.image_rows; ++row) {
-            for (int column = 0; column < s.request.image_columns; ++column) {
-                EXPECT_EQ(s.phase.At(row, column), alone.phase.At(row, column));
-            }
-        }
-    }
-}
-
 TEST(PhaseKernel, WalksTheCellsOfItsRowsAndOfTheAreaOnly) {
     TEST_SCENE upper(kDescendingRight);
     upper.scene.simulated.last_row = 45;
@@ -234,7 +209,7 @@ TEST(PhaseKernel, DropsCellsWhoseFirstCornerIsFarOutside) {
 }
 
 TEST(PhaseKernel, ReportsProgressFromTheMiddleThread) {
-    const THREAD_COUNT_SETTING one("1");
+    const ENVIRONMENT_SETTING one("PARALLEL", "1");
     const auto log_of = [](int rows, unsigned thread_number) {
         TEST_SCENE s({.dem_size = 40});
         PREPARED_SCENE prepared(s.scene);
@@ -257,7 +232,7 @@ TEST(PhaseKernel, ReportsProgressFromTheMiddleThread) {
     EXPECT_THAT(more, testing::HasSubstr("ten percent are 2 lines\n"));
     EXPECT_THAT(more, testing::HasSubstr("    * processed 96 %\n"));
     EXPECT_THAT(more, testing::Not(testing::HasSubstr("    * processed 4 %\n")));
-    const THREAD_COUNT_SETTING two("2");
+    const ENVIRONMENT_SETTING two("PARALLEL", "2");
     EXPECT_THAT(log_of(4, 1), testing::HasSubstr("    * processed 25 %\n"));
     EXPECT_THAT(log_of(4, 0), testing::Not(testing::HasSubstr("processed")));
 }
@@ -268,19 +243,6 @@ TEST(PhaseKernel, RefusesAnUnknownGridInItsThread) {
     const std::string log =
         LoggedBy([&] { EXPECT_EQ(TextThrownBy([&] { s.Run(); }), "error in thread execution"); }, LOGGING_LEVEL::ALARM);
     EXPECT_THAT(log, testing::HasSubstr("DEM grid must be UTM or GEO : LCC\n"));
-}
-
-TEST(PlainSolution, TellsATriangleThatIsOnlyALine) {
-    TEST_SCENE s(kDescendingRight);
-    PLAIN_SOLUTION solution(s.scene);
-    for (const int slot : {0, 1, 2, 3}) {
-        solution.SolveMaster(slot, 40, 40);
-        solution.SolvePoint(slot);
-    }
-    const std::string log = LoggedBy([&] { EXPECT_FALSE(solution.IsInside(5, 5, PLAIN_SOLUTION::kTriangles[0])); });
-    EXPECT_THAT(log, testing::HasSubstr("RADAR_SOLUTION::IsInside : Not triangle, only line\n"));
-    solution.FillTriangles();
-    EXPECT_EQ(s.MaskCount(), 0);
 }
 
 TEST(Triangle, HoldsPointsALittleOutside) {

@@ -35,6 +35,7 @@ class TEST_GRID {
         }
     }
     [[nodiscard]] GRID_VIEW<T> View() { return {pixels_.data(), columns_ + kBeside, rows_, columns_}; }
+    [[nodiscard]] GRID_VIEW<const T> View() const { return {pixels_.data(), columns_ + kBeside, rows_, columns_}; }
     bool operator==(const TEST_GRID& other) const { return pixels_ == other.pixels_; }
     [[nodiscard]] T At(int row, int column) const { return pixels_[row * (columns_ + kBeside) + column]; }
     void Fill(T value) {
