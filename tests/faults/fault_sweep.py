@@ -94,7 +94,7 @@ def ends_in_time(case):
 
 def status_is_known(case):
     """Before main() there is no log yet, and nobody to handle a failed allocation; before the controller is there, 255."""
-    before_main = case.status == -signal.SIGABRT and " : global : " not in case.log
+    before_main = case.status in (-signal.SIGABRT, -(case.number or 0)) and " : global : " not in case.log
     at_the_start = case.status == 255 and "at the start of the run" in case.log
     return case.status in (0, 1) or case.killed() or before_main or at_the_start
 
@@ -126,7 +126,7 @@ def memory_is_named(case):
 
 
 def signal_is_named(case):
-    return case.number is None or case.status == 0 or SIGNALS[case.number] in case.log
+    return case.number is None or case.status in (0, -case.number) or SIGNALS[case.number] in case.log
 
 
 def no_false_product(case):
