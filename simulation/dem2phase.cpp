@@ -30,7 +30,7 @@ class PROGRESS {
 
 }  // namespace
 
-void DEM2PHASE_Thread(PREPARED_SCENE& scene, const DEM2PHASE_ARG& arg) {
+void DEM2PHASE_Thread(PREPARED_SCENE& scene, const DEM2PHASE_ARG& arg, PROGRESS_LINE& line) {
     Log().Message(LOGGING_LEVEL::TRACE, "   - thread nr: %u  start: %u  length: %u", arg.thread_number, arg.start,
                   arg.length);
     const PROGRESS progress(arg);
@@ -39,6 +39,7 @@ void DEM2PHASE_Thread(PREPARED_SCENE& scene, const DEM2PHASE_ARG& arg) {
     for (std::uint32_t i = 0; i < arg.length; ++i) {
         solution.SimulateRow(static_cast<int>(arg.start + i));
         progress.RowDone(i);
+        line.Done();
     }
     solution.Finish();
     scene.Counts(static_cast<int>(arg.thread_number)) = solution.Counts();
@@ -47,9 +48,10 @@ void DEM2PHASE_Thread(PREPARED_SCENE& scene, const DEM2PHASE_ARG& arg) {
 
 SOLUTION_COUNTS SimulateScene(const SCENE& scene) {
     PREPARED_SCENE prepared(scene);
+    PROGRESS_LINE line(scene.simulated.last_row - scene.simulated.first_row);
     THREADS<DEM2PHASE_ARG, unsigned int> threads(static_cast<unsigned int>(scene.simulated.first_row),
                                                  static_cast<unsigned int>(scene.simulated.last_row),
-                                                 [&prepared](DEM2PHASE_ARG* arg) { DEM2PHASE_Thread(prepared, *arg); });
+                                                 [&](DEM2PHASE_ARG* arg) { DEM2PHASE_Thread(prepared, *arg, line); });
     Log().Message(LOGGING_LEVEL::INFO, " Initialised dem2phase_arg");
     threads.Run();
     prepared.Settle();

@@ -217,7 +217,8 @@ TEST(PhaseKernel, ReportsProgressFromTheMiddleThread) {
         arg.start = 10;
         arg.length = static_cast<unsigned>(rows);
         arg.thread_number = thread_number;
-        return LoggedBy([&] { DEM2PHASE_Thread(prepared, arg); }, LOGGING_LEVEL::TRACE);
+        PROGRESS_LINE line(arg.length);
+        return LoggedBy([&] { DEM2PHASE_Thread(prepared, arg, line); }, LOGGING_LEVEL::TRACE);
     };
     const std::string few = log_of(4, 0);
     EXPECT_THAT(few, testing::HasSubstr("   - thread nr: 0  start: 10  length: 4\n"));

@@ -69,6 +69,13 @@ int OpenForAppending(const std::string& path) {
     return descriptor;
 }
 
+/// The customary ways to say that codes for emphasis are not wanted (no-color.org), or not understood.
+bool WantsEmphasis() {
+    const char* const no_color = std::getenv("NO_COLOR");
+    const char* const terminal = std::getenv("TERM");
+    return (no_color == nullptr || *no_color == '\0') && (terminal == nullptr || std::strcmp(terminal, "dumb") != 0);
+}
+
 std::string HostName() {
     char name[257] = "";
     gethostname(name, sizeof name - 1);
@@ -101,7 +108,7 @@ LOGGING& LOGGING::Get() {
     return logging == nullptr ? Request() : *logging;
 }
 
-LOGGING::LOGGING() : prefixes_{"global : "}, opening_time_(std::time(nullptr)) {
+LOGGING::LOGGING() : emphasis_(WantsEmphasis()), prefixes_{"global : "}, opening_time_(std::time(nullptr)) {
     prefix_ = &prefixes_.back();
     OpenTemporaryFile();
 }
@@ -146,7 +153,8 @@ void LOGGING::WriteLine(LOGGING_LEVEL level, const std::string& text) {
     const int number = static_cast<int>(level);
     const size_t row = RowOf(number);
     const std::string line = std::string(kTags[row]) + " : " + *prefix_ + text + "\n";
-    const bool emphasised = number > static_cast<int>(LOGGING_LEVEL::QA_WARNING);
+    const bool emphasised = emphasis_ && number > static_cast<int>(LOGGING_LEVEL::QA_WARNING);
+    tally_.AddLine(number, text);
     if (level == LOGGING_LEVEL::QA_WARNING) qa_warning_logged_ = true;
     const WRITER writer;
     if (!WRITER::MayWrite()) return;
@@ -163,11 +171,16 @@ LOGGING& LOGGING::operator<<(LOGGING_LEVEL level) {
               "This level is only provided to totally turn off screen logging.";
     if (level == LOGGING_LEVEL::QA_WARNING) qa_warning_logged_ = true;
     current_level_ = static_cast<int>(level);
-    Append(std::string(kTags[RowOf(current_level_)]) + " : " + *prefix_);
+    Show(std::string(kTags[RowOf(current_level_)]) + " : " + *prefix_);
     return *this;
 }
 
 void LOGGING::Append(std::string_view text) {
+    tally_.AddPiece(current_level_, text);
+    Show(text);
+}
+
+void LOGGING::Show(std::string_view text) {
     const WRITER writer;
     if (!WRITER::MayWrite()) return;
     const int level = current_level_;

@@ -3,8 +3,9 @@
 /// (standard output) and to a log file. A line is a tag of five characters, " : ", the prefix ("global : ") and the
 /// text.
 ///
-/// Two forms. Message() writes one whole line, emphasised on the screen from WARNING on; control bytes in its formatted
-/// text are shown as \xNN. The stream form begins a line with a level, adds values, and the caller ends it by "\n":
+/// Two forms. Message() writes one whole line, emphasised on the screen from WARNING on (not where NO_COLOR is set and
+/// not empty, nor on a terminal of the kind "dumb"); control bytes in its formatted text are shown as \xNN. The stream
+/// form begins a line with a level, adds values, and the caller ends it by "\n":
 ///
 ///     Log() << LOGGING_LEVEL::DEBUG << "copy " << source << " to " << target << "\n";
 ///
@@ -28,6 +29,7 @@
 #include <vector>
 
 #include "lib/baselib/logging/log_output.h"
+#include "lib/baselib/logging/log_tally.h"
 #include "lib/baselib/logging/version_record.h"
 
 /// The number orders the levels: a line is shown when its level is at or above a threshold.
@@ -102,6 +104,9 @@ class LOGGING {
     void SetCapture(bool on);
     [[nodiscard]] std::vector<std::string> CapturedLines() const;
 
+    /// Warnings and last errors, for the run's report.
+    [[nodiscard]] const LOG_TALLY& Tally() const { return tally_; }
+
     /// Nothing of ours waits in a buffer; what the C library still holds for standard output goes out.
     void Flush();
 
@@ -122,9 +127,12 @@ class LOGGING {
     void RemoveTemporaryFile(const std::string& name);
     void WriteLine(LOGGING_LEVEL level, const std::string& text);
     void Append(std::string_view text);
+    void Show(std::string_view text);
 
     mutable std::mutex mutex_;
     LOG_OUTPUT screen_{1};
+    LOG_TALLY tally_;
+    const bool emphasis_;  ///< unless the environment says that the screen shall stay plain
     LOG_OUTPUT file_{-1};
     std::atomic<int> screen_threshold_{2};
     std::atomic<int> file_threshold_{2};
