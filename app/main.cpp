@@ -3,6 +3,7 @@
 
 #include <optional>
 
+#include "app/check/check_run.h"
 #include "app/run_velmora.h"
 #include "app/usage.h"
 #include "lib/baselib/controller/fatal_signals.h"
@@ -23,5 +24,6 @@ int main(int argc, char** argv) {
     OccupyStandardDescriptors();
     if (const std::optional<int> status = AnswerInformationRequest(argc, argv)) return *status;
     InstallFatalSignalHandlers();
+    if (TakeCheckRequest(argc, argv)) CheckRun(argc, argv);
     RunVelmora(argc, argv);
 }

@@ -9,6 +9,7 @@
 #include "lib/baselib/pool/parameter_pool_read_write_change.h"
 
 struct RUN_POOLS {
+    bool only_looks = false;  ///< a log pool that is not there is not created
     PARAMETER_POOL master{};
     PARAMETER_POOL slave{};
     PARAMETER_POOL_READ_WRITE_CHANGE insar{};

@@ -10,7 +10,9 @@
 #include "app/out_of_memory.h"
 #include "app/products/output_products.h"
 #include "app/products/pool_write_back.h"
+#include "app/products/sidecars.h"
 #include "app/products/software_history.h"
+#include "app/report/run_report.h"
 #include "app/say.h"
 #include "app/simulation_state.h"
 #include "app/velmora_version.h"
@@ -42,22 +44,35 @@ void TellOfMissingTraps() {
                   "this processor has no floating-point traps: values that are not finite would not end the run");
 }
 
+/// Products and pools are complete: no memory for what stands beside them does not change that.
+void TellOfProducts(const REQUEST& request, RUN_REPORT& report) {
+    try {
+        BringSidecarsUpToDate(request);
+        report.ProductsAreWritten();
+    } catch (const std::bad_alloc&) {
+    }
+}
+
 /// The stages in their order. State and pools live in here: the pools are closed before the footer is written.
-void RunStages(CONTROLLER_IFC& controller, const VERSION_RECORD& version) {
+void RunStages(CONTROLLER_IFC& controller, const VERSION_RECORD& version, RUN_REPORT& report) {
     RUN_POOLS pools;
 
     SetOutOfMemoryLine("out of memory while the configuration, the pools and the DEM were read (stage A)");
+    report.BeginStage("A");
     LogStage("A. READ CONFIGURATION *************************************");
     (void)ChosenVectorLevel();  // stage B's affair, but refused before the work of stage A
     const REQUEST request = ReadRequest(controller, pools);
     TryHistory(pools.HistoryPool(), EntryOfThisRun(version));
     SIMULATION_STATE state(request, pools);
 
+    report.Describe(state);
     SetOutOfMemoryLine("out of memory in the phase simulation (stage B)");
+    report.BeginStage("B");
     LogStage("B. PHASE SIMULATION ***************************************");
     const COVERAGE_GAP gap = SimulateImage(state);
 
     SetOutOfMemoryLine("out of memory while the products were saved (stage C)");
+    report.BeginStage("C");
     LogStage("C. OUTPUT TO FILE SAVING **********************************");
     SaveProducts(state, gap, pools.insar);
 
@@ -66,6 +81,7 @@ void RunStages(CONTROLLER_IFC& controller, const VERSION_RECORD& version) {
     SetOutOfMemoryLine("out of memory while the pools were updated");
     WriteBackPools(pools, EntryOfThisRun(version));
     state.products.Accept();
+    TellOfProducts(request, report);
 }
 
 /// Products and pools are complete: no memory for the last lines does not change that.
@@ -86,13 +102,15 @@ void RunVelmora(int argc, char** argv) {
     ReportOutOfMemory();
     SetFatalSignalHelp({BusErrorText, UndoUnfinishedFiles});
     CONTROLLER_IFC controller;
+    RUN_REPORT report;  // read while the process ends: what calls exit() leaves this frame as it is
     controller.SetKnownKeys(ControlKeyNames());
+    controller.SetBeforeStart([&] { report.Begin(controller); });
     try {
         controller.init(argc, argv, true);
         const VERSION_RECORD version = VelmoraVersion(controller.get_binary_name());
         Log().Header(version, controller.get_configuration_file_name());
         TellOfMissingTraps();
-        RunStages(controller, version);
+        RunStages(controller, version, report);
         WriteFooter();
         controller.exit_success();
     } catch (const BASIC::TYPES::ERROR_ENUM_BASE_INVALID_VALUE& error) {

@@ -17,6 +17,7 @@ SCENE_IN_DEM Locate(const REQUEST& request, const ACQUISITIONS& acquisitions, co
 
 PRODUCT_WRITER OpenProducts(const REQUEST& request, const IMAGE_SIZE& image, const OUTPUT_SIZES& sizes) {
     CheckProductPaths(request);
+    if (request.only_looks) return {REQUEST{}, image, sizes};
     return {request, image, sizes};
 }
 

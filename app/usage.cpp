@@ -17,7 +17,10 @@ void PrintUsage() {
         "\n"
         "A key is looked up as -KEY among the arguments, as a line KEY VALUE in the control file,\n"
         "then in the environment; a mandatory key is finally asked at the keyboard.\n"
-        "Without a key, what stands in [] holds.\n");
+        "Without a key, what stands in [] holds.\n"
+        "\n"
+        "velmora --check with the same keys tries everything before the simulation, tells all that is wrong and\n"
+        "what the run needs, and writes nothing.\n");
     std::printf("%s", KeysAsHelp().c_str());
     std::printf(
         "\n"

@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "app/report/report_file.h"
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/errors/log_and_throw.h"
 
@@ -57,8 +58,16 @@ void RefuseSharedFiles(const REQUEST& request) {
     }
 }
 
+void RequireReportPath(const SOURCED_TEXT& report) {
+    const std::string problem = report.Given() ? ReportPathProblem(report.text) : "";
+    if (!problem.empty())
+        LogAndThrow<ERROR_CAN_NOT_CREATE_FILE>("configuration: key \"%s\": the report %s can not be written: %s",
+                                               report.source.key.c_str(), report.Text(), problem.c_str());
+}
+
 }  // namespace
 
 void CheckProductPaths(const REQUEST& request) {
     RefuseSharedFiles(request);
+    RequireReportPath(request.report);
 }

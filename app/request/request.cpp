@@ -1,5 +1,7 @@
 #include "app/request/request.h"
 
+#include <filesystem>
+
 #include "app/keys/mistyped_pool_keys.h"
 #include "app/keys/pool_values.h"
 #include "app/request/product_groups.h"
@@ -25,7 +27,8 @@ INPUT_FILES ReadPoolPaths(CONTROLLER_IFC& controller) {
 }
 
 void OpenPools(RUN_POOLS& pools, const INPUT_FILES& files) {
-    if (files.log_pool.text != files.insar_pool.text)
+    const bool log_pool_is_missing = pools.only_looks && !std::filesystem::exists(files.log_pool.text);
+    if (files.log_pool.text != files.insar_pool.text && !log_pool_is_missing)
         pools.own_log = std::make_unique<PARAMETER_POOL_READ_WRITE_CHANGE>(files.log_pool.text);
     pools.master.Open(files.master_pool.text);
     pools.slave.Open(files.slave_pool.text);
@@ -103,6 +106,8 @@ REQUEST ReadKeys(CONTROLLER_IFC& controller, RUN_POOLS& pools) {
     request.factors.geocoding = ReadGeocodingSubsampling(pools.insar);
     request.extension = ExtensionOf(request.factors);
     request.memory_limit_mib = ReadMemoryLimit(controller);
+    request.sidecars = IsGiven(controller, "VRT_SIDECARS");
+    request.report = OptionalText(controller, "REPORT").value_or(SOURCED_TEXT{});
     return request;
 }
 
@@ -124,7 +129,7 @@ std::vector<SOURCED_TEXT> REQUEST::OtherFiles() const {
     constexpr CONTROL_KEY kControlFile = "pcf";
     constexpr CONTROL_KEY kLogFile = "lfn";
     return GivenOnes({pools.master_pool, pools.slave_pool, pools.insar_pool, pools.log_pool, terrain.dem_pool,
-                      terrain.dem_file, SOURCED_TEXT{{"configuration", kControlFile.row.name}, control_file},
+                      terrain.dem_file, report, SOURCED_TEXT{{"configuration", kControlFile.row.name}, control_file},
                       SOURCED_TEXT{{"configuration", kLogFile.row.name}, Log().LogFileName()}});
 }
 

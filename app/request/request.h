@@ -56,6 +56,9 @@ struct REQUEST {
     bool permanent_scatterer = false;
     SHIFT_REQUEST shifts;
     EARTH_REQUEST earth;
+    bool sidecars = false;
+    SOURCED_TEXT report;      ///< may be empty
+    bool only_looks = false;  ///< no product is opened
     SUBSAMPLING_FACTORS factors;
     AREA_EXTENSION extension;
     std::optional<int> memory_limit_mib;  ///< for the grids

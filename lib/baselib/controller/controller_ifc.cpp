@@ -69,8 +69,9 @@ void CONTROLLER_IFC::init(int argc, char** argv, bool controller_messages) {
     if (!configuration_file_.IsOpen())
         Log() << LOGGING_LEVEL::WARNING << "Configuration file " << configuration_file_path_ << " does not exist!\n";
     SetLogThresholds();
+    if (before_start_) before_start_();
     EndWhenStopped();
-    TakeStatusFilesOver();
+    if (!only_looks_) TakeStatusFilesOver();
 }
 
 /// An OK file that stayed would say of a failed run that it succeeded, an ERROR file the opposite.
@@ -92,6 +93,11 @@ void CONTROLLER_IFC::RequireReadableConfiguration() {
         EndWithError("configuration file " + configuration_file_path_ + " can not be read: " + problem);
 }
 
+void CONTROLLER_IFC::init_to_look(int argc, char** argv) {
+    only_looks_ = true;
+    init(argc, argv, false);
+}
+
 void CONTROLLER_IFC::ResolveStatusPaths() {
     status_path_.clear();
     get_optional_parameter("status", status_path_);
@@ -101,8 +107,9 @@ void CONTROLLER_IFC::ResolveStatusPaths() {
     const std::string error_file_path = status_path_ + error_file_name;
     RequireFitting("pid", error_file_name);
     RequireFitting("status", error_file_path);
-    ok_file_path_ = status_path_ + "OK." + binary_name_;
     stop_file_path_ = status_path_ + "STOP." + binary_name_;
+    if (only_looks_) return;  // without their paths no status files are written
+    ok_file_path_ = status_path_ + "OK." + binary_name_;
     error_file_path_ = error_file_path;
     PublishForSignals();
 }
@@ -123,10 +130,11 @@ void CONTROLLER_IFC::NameLogFile(bool pid_given) {
         name = keep ? Log().LogFileName() : "log." + binary_name_;
     }
     RequireFitting("lfn", name);
-    Log().SetLogFile(name);
+    Log().SetLogFile(only_looks_ ? "/dev/null" : name);
 }
 
 void CONTROLLER_IFC::SetLogThresholds() {
+    if (only_looks_) return;
     std::string level;
     if (get_optional_parameter("lfl", level)) Log().SetFileThreshold(LevelFromName(level));
     if (get_optional_parameter("lsl", level)) Log().SetScreenThreshold(LevelFromName(level));
@@ -139,6 +147,7 @@ void CONTROLLER_IFC::EndWhenStopped() {
     Log() << LOGGING_LEVEL::INFO << "Program execution interrupted - STOP file was found!\n";
     Log() << LOGGING_LEVEL::INFO << kRule;
     Log() << LOGGING_LEVEL::INFO << "found file: " << stop_file_path_ << "\n";
+    if (only_looks_) std::printf("STOP file %s holds the run back\n", Printable(stop_file_path_).c_str());
     std::exit(kStatusStopped);
 }
 
@@ -161,12 +170,19 @@ bool CONTROLLER_IFC::parameter_exists(const std::string& name) {
     return Lookup(name, scratch);
 }
 
+const char* CONTROLLER_IFC::Find(const std::string& name, std::string& value) {
+    if (FindInArguments(name, value)) return "argument";
+    if (FindInConfigurationFile(name, value)) return "control file";
+    return FindInEnvironment(name, value) ? "environment" : nullptr;
+}
+
 bool CONTROLLER_IFC::Lookup(const std::string& name, std::string& value) {
     if (configuration_file_.IsOpen()) lookups_.asked_with_file.insert(name);
-    const bool found =
-        FindInArguments(name, value) || FindInConfigurationFile(name, value) || FindInEnvironment(name, value);
-    if (found) lookups_.found.insert(name);
-    return found;
+    const char* const source = Find(name, value);
+    if (source == nullptr) return false;
+    lookups_.found.insert(name);
+    found_[name] = {value, source};
+    return true;
 }
 
 bool CONTROLLER_IFC::FindInArguments(const std::string& name, std::string& value) {
@@ -216,6 +232,7 @@ bool CONTROLLER_IFC::FindInEnvironment(const std::string& name, std::string& val
 }
 
 std::string CONTROLLER_IFC::AskKeyboard(const std::string& name) {
+    if (only_looks_) EndWithError("parameter " + name + " is missing");
     WarnBeforeAsking(name);
     Log() << LOGGING_LEVEL::WARNING << "No configuration file or parameter not found!\n";
     Log() << LOGGING_LEVEL::WARNING << "\t  Please input value of parameter : <" << name << ">\n";
@@ -231,6 +248,7 @@ std::string CONTROLLER_IFC::AskKeyboard(const std::string& name) {
     if (value.empty()) EndWithError("end of input at the keyboard: no value of parameter " + name);
     RequireFitting(name, value);
     Log() << LOGGING_LEVEL::DEBUG << "Read from keyboard parameter " << name << " = " << value << "\n";
+    found_[name] = {value, "keyboard"};
     return value;
 }
 
@@ -317,6 +335,7 @@ void CONTROLLER_IFC::RequireFitting(const std::string& name, const std::string& 
 
 void CONTROLLER_IFC::EndWithError(const std::string& reason) {
     Log().Message(LOGGING_LEVEL::ALARM, "%s", reason.c_str());
+    if (only_looks_) std::printf("  problem: %s\n", Printable(reason).c_str());
     Log() << LOGGING_LEVEL::ALARM << "ORQ_MSG|ERROR|" << binary_name_ << " terminated with error!\n";
     exit_error();
 }

@@ -10,6 +10,8 @@
 #pragma once
 
 #include <deque>
+#include <functional>
+#include <map>
 #include <set>
 #include <string>
 #include <utility>
@@ -18,6 +20,12 @@
 #include "lib/baselib/controller/control_file.h"
 #include "lib/baselib/controller/fatal_signals.h"
 #include "lib/baselib/controller/unused_words.h"
+
+/// A parameter that some source had.
+struct FOUND_PARAMETER {
+    std::string value;
+    const char* source = "";  ///< "argument", "control file", "environment" or "keyboard"
+};
 
 class CONTROLLER_IFC {
   public:
@@ -29,10 +37,16 @@ class CONTROLLER_IFC {
     /// The keys that the program reads, for the recognition of mistyped ones. Call before init().
     void SetKnownKeys(std::vector<std::string> keys) { known_keys_ = std::move(keys); }
 
+    /// Called in init() when parameters can be looked up, before a STOP file ends the process.
+    void SetBeforeStart(std::function<void()> before_start) { before_start_ = std::move(before_start); }
+
     /// Resolves names and paths, opens the control file, moves the log to its final file, sets the log's thresholds.
     /// Ends the process with status 2 on a STOP file; otherwise the ERROR status file exists from here on.
     /// @param controller_messages fatal signals also produce the controller message line
     void init(int argc, char** argv, bool controller_messages);
+
+    /// The same for a program that only looks: no log file, no status file, nobody is asked at the keyboard.
+    void init_to_look(int argc, char** argv);
 
     /// Mandatory: asks the keyboard when no source has the parameter, and ends the process when there is no answer.
     [[nodiscard]] std::string get_parameter(const std::string& name);
@@ -43,6 +57,8 @@ class CONTROLLER_IFC {
     /// When all lookups are done: WARNINGs about words that nothing has read or that are doubtful, and one line at INFO
     /// with the keys of the control file that were not asked for (it may serve many programs).
     void ReportUnusedWords();
+    /// All parameters found so far, by name.
+    [[nodiscard]] const std::map<std::string, FOUND_PARAMETER>& Found() const { return found_; }
 
     /// Forms every file name: the last path component of the first argument, or the value of the parameter `pid`.
     [[nodiscard]] std::string get_binary_name() const;
@@ -65,6 +81,8 @@ class CONTROLLER_IFC {
     bool FindInArguments(const std::string& name, std::string& value);
     bool FindInConfigurationFile(const std::string& name, std::string& value);
     bool FindInEnvironment(const std::string& name, std::string& value);
+    /// The source that has it, or null.
+    const char* Find(const std::string& name, std::string& value);
     std::string AskKeyboard(const std::string& name);
     [[nodiscard]] GIVEN_WORDS GivenWords();
     void WarnOnce(const std::vector<std::string>& lines);
@@ -95,8 +113,11 @@ class CONTROLLER_IFC {
     std::string error_file_path_;
     std::string configuration_file_path_;
     bool controller_messages_ = false;
+    bool only_looks_ = false;
     std::vector<std::string> known_keys_;
     LOOKUP_RECORD lookups_;
     std::set<std::string> warned_;
+    std::function<void()> before_start_;
+    std::map<std::string, FOUND_PARAMETER> found_;
     std::deque<FATAL_SIGNAL_REACTION> reactions_;  ///< all published so far: a handler may be reading an earlier one
 };

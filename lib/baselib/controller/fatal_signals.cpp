@@ -18,6 +18,7 @@ constexpr int kFatalSignals[] = {SIGHUP, SIGINT,  SIGQUIT, SIGILL,  SIGIOT, SIGA
 std::atomic<const FATAL_SIGNAL_REACTION*> registered{nullptr};
 static_assert(std::atomic<const FATAL_SIGNAL_REACTION*>::is_always_lock_free);
 
+std::atomic<void (*)(int) noexcept> leave_report_of_others{nullptr};
 FATAL_SIGNAL_HELP help_of_others;  // constant once the handlers are installed
 
 std::string GotFatalSignal(int number) {
@@ -66,6 +67,7 @@ extern "C" void HandleFatalSignal(int number, siginfo_t* information, void* /*co
     if (!reaction->controller_lines[number].empty())
         LOGGING::EmergencyLine(LOGGING_LEVEL::ALARM, reaction->controller_lines[number].c_str());
     LeaveErrorStatus(*reaction);
+    if (const auto leave_report = leave_report_of_others.load(); leave_report != nullptr) leave_report(number);
     _exit(1);
 }
 
@@ -150,6 +152,10 @@ void InstallFatalSignalHandlers() {
 
 void SetFatalSignalHelp(const FATAL_SIGNAL_HELP& help) noexcept {
     help_of_others = help;
+}
+
+void SetLeaveReport(void (*leave_report)(int signal_number) noexcept) noexcept {
+    leave_report_of_others = leave_report;
 }
 
 void RegisterForFatalSignals(const FATAL_SIGNAL_REACTION* reaction) noexcept {

@@ -42,6 +42,9 @@ struct FATAL_SIGNAL_HELP {
 };
 void SetFatalSignalHelp(const FATAL_SIGNAL_HELP& help) noexcept;
 
+/// Called last, when the status file is there, with the number of the signal. Async-signal-safe.
+void SetLeaveReport(void (*leave_report)(int signal_number) noexcept) noexcept;
+
 /// Installs the handler, also on an alternate stack for the calling thread. Calling it again changes nothing.
 /// SIGPIPE and SIGALRM keep their default action: a broken pipe ends the run by the signal itself, and so does an
 /// unanswered keyboard question.

@@ -1,0 +1,217 @@
+#include "app/report/run_report.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstdlib>
+#include <cstring>
+#include <deque>
+
+#include "app/keys/control_key.h"
+#include "app/report/json_text.h"
+#include "app/report/report_file.h"
+#include "app/report/utc_text.h"
+#include "app/velmora_version.h"
+#include "lib/baselib/controller/fatal_signals.h"
+#include "lib/baselib/logging/logging.h"
+#include "lib/baselib/sidecar/product_kind.h"
+
+namespace {
+
+/// What a fatal signal's handler writes.
+struct PREPARED {
+    REPORT_FILE file;
+    std::string document;
+    std::array<std::string, kSignalCount> last_errors;  ///< by signal number, as JSON strings
+};
+
+/// Never destroyed, and all that were published stay: a handler may be reading an earlier one.
+std::atomic<const PREPARED*> prepared{nullptr};
+
+void WriteFromHandler(int signal_number) noexcept {
+    const PREPARED* const ready = prepared;
+    if (ready != nullptr) static_cast<void>(ready->file.Write(ready->document, {1, ready->last_errors[signal_number]}));
+}
+
+std::array<std::string, kSignalCount> LastErrors() {
+    std::array<std::string, kSignalCount> texts;
+    for (int number = 0; number < kSignalCount; ++number)
+        texts[number] = JsonString("got fatal signal " + std::to_string(number) + ": " + SignalText(number));
+    return texts;
+}
+
+std::string UtcOf(std::time_t time) {
+    char text[kUtcTextBytes];
+    UtcText(time, text);
+    return text;
+}
+
+void AddSize(JSON_TEXT& json, const char* key, const IMAGE_SIZE& size) {
+    json.BeginObject(key);
+    json.Add("columns", size.samples);
+    json.Add("rows", size.lines);
+    json.EndObject();
+}
+
+/// The last line that says more than that the program ended.
+std::string LastError() {
+    for (std::vector<std::string> errors = Log().Tally().LastErrors(); !errors.empty(); errors.pop_back()) {
+        if (!errors.back().starts_with("ORQ_MSG|")) return errors.back();
+    }
+    return "";
+}
+
+}  // namespace
+
+void RUN_REPORT::Begin(CONTROLLER_IFC& controller) {
+    constexpr CONTROL_KEY kReport = "REPORT";
+    if (!controller.get_optional_parameter(kReport.row.name, path_) || path_.empty()) return;
+    controller_ = &controller;
+    on_exit([](int status, void* report) { static_cast<RUN_REPORT*>(report)->WriteAtExit(status); }, this);
+    SetLeaveReport(WriteFromHandler);
+    Publish();
+}
+
+void RUN_REPORT::BeginStage(const std::string& name) {
+    if (controller_ == nullptr) return;
+    clock_.Begin(name);
+    Publish();
+}
+
+void RUN_REPORT::Describe(const SIMULATION_STATE& state) {
+    if (controller_ == nullptr) return;
+    const DEM_GRID& dem = state.terrain.grid;
+    sizes_ = SIZES{state.acquisitions.image, state.simulated,       state.sizes.shift,    state.sizes.earth,
+                   {dem.columns, dem.rows},  state.place.simulated, state.survey.excluded};
+}
+
+void RUN_REPORT::ProductsAreWritten() {
+    if (controller_ == nullptr) return;
+    for (const PRODUCT_KIND& kind : ProductKinds()) {
+        const auto found = controller_->Found().find(kind.key);
+        if (found != controller_->Found().end())
+            written_.push_back({kind.key, StatisticsOfProduct(found->second.value)});
+    }
+    products_written_ = true;
+    Publish();
+}
+
+void RUN_REPORT::AddKeys(JSON_TEXT& json) const {
+    json.BeginArray("keys");
+    for (const CONTROL_KEY_ROW& row : kControlKeys) {
+        const auto found = controller_->Found().find(row.name);
+        const bool given = found != controller_->Found().end();
+        const char* const text = given ? nullptr : std::getenv(row.name);
+        json.BeginObject();
+        json.Add("key", row.name);
+        if (given)
+            json.Add("value", found->second.value);
+        else if (text != nullptr && row.need == KEY_NEED::ENVIRONMENT)
+            json.Add("value", text);
+        else
+            json.AddNull("value");
+        if (given)
+            json.Add("source", found->second.source);
+        else if (text != nullptr && row.need == KEY_NEED::ENVIRONMENT)
+            json.Add("source", "environment");
+        else
+            json.Add("source", row.need == KEY_NEED::FORCES_POOL ? "pool" : "default");
+        json.EndObject();
+    }
+    json.EndArray();
+}
+
+void RUN_REPORT::AddSizes(JSON_TEXT& json) const {
+    if (!sizes_) {
+        json.AddNull("sizes");
+        json.AddNull("counts");
+        return;
+    }
+    json.BeginObject("sizes");
+    AddSize(json, "master_image", sizes_->image);
+    AddSize(json, "simulated_area", sizes_->simulated);
+    AddSize(json, "shift_maps", sizes_->shift);
+    AddSize(json, "earth_files", sizes_->earth);
+    AddSize(json, "dem", sizes_->dem);
+    json.EndObject();
+    const DEM_RANGE& used = sizes_->used;
+    const long long columns = std::max(used.last_column - used.first_column + 1LL, 0LL);
+    const long long rows = std::max(used.last_row - used.first_row + 1LL, 0LL);
+    json.BeginObject("counts");
+    json.Add("dem_points", columns * rows);
+    json.Add("pixels", static_cast<long long>(sizes_->simulated.samples) * sizes_->simulated.lines);
+    json.Add("voids", sizes_->voids);
+    json.EndObject();
+}
+
+void RUN_REPORT::AddStages(JSON_TEXT& json) const {
+    json.BeginArray("stages");
+    for (const STAGE_COST& stage : clock_.Costs()) {
+        json.BeginObject();
+        json.Add("name", stage.name);
+        json.Add("seconds", stage.seconds);
+        json.Add("peak_memory_bytes", stage.peak_memory_bytes);
+        json.EndObject();
+    }
+    json.EndArray();
+}
+
+void RUN_REPORT::AddProducts(JSON_TEXT& json) const {
+    json.BeginArray("products");
+    for (const PRODUCT_KIND& kind : ProductKinds()) {
+        const auto found = controller_->Found().find(kind.key);
+        if (found == controller_->Found().end()) continue;
+        json.BeginObject();
+        json.Add("key", kind.key);
+        json.Add("path", found->second.value);
+        json.Add("written", products_written_);
+        const auto written = std::ranges::find(written_, std::string(kind.key), &WRITTEN::key);
+        if (!products_written_) {
+            json.Add("reason", "the run ended before its products were complete");
+        } else if (written != written_.end() && written->statistics) {
+            json.Add("columns", written->statistics->columns);
+            json.Add("rows", written->statistics->rows);
+            json.Add("bytes", written->statistics->bytes);
+            json.Add("minimum", written->statistics->minimum);
+            json.Add("maximum", written->statistics->maximum);
+            json.Add("mean", written->statistics->mean);
+        }
+        json.EndObject();
+    }
+    json.EndArray();
+}
+
+std::string RUN_REPORT::Document() const {
+    const VERSION_RECORD version = VelmoraVersion(controller_->get_binary_name());
+    JSON_TEXT json;
+    json.BeginObject();
+    json.Add("report_version", 1);
+    json.Add("program", version.program_name);
+    json.Add("version", version.version);
+    json.Add("control_file", controller_->get_configuration_file_name());
+    json.Add("log_file", Log().LogFileName());
+    json.Add("start", UtcOf(Log().OpeningTime()));
+    AddKeys(json);
+    AddSizes(json);
+    json.Add("warnings", Log().Tally().Warnings());
+    AddStages(json);
+    AddProducts(json);
+    json.BeginArray("errors");
+    for (const std::string& error : Log().Tally().LastErrors()) json.Add("", error);
+    json.EndArray();
+    return json.Text();
+}
+
+void RUN_REPORT::Publish() const {
+    static auto* const published = new std::deque<PREPARED>;
+    published->push_back({REPORT_FILE(path_), Document(), LastErrors()});
+    prepared = &published->back();
+}
+
+void RUN_REPORT::WriteAtExit(int status) {
+    clock_.Begin("");
+    const std::string last_error = LastError();
+    const std::string quoted = last_error.empty() ? "" : JsonString(last_error);
+    const int error = REPORT_FILE(path_).Write(Document(), {status, quoted});
+    if (error != 0)
+        Log().Message(LOGGING_LEVEL::WARNING, "report %s can not be written: %s", path_.c_str(), std::strerror(error));
+}
