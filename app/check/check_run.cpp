@@ -136,7 +136,7 @@ void PrintFigures(const SIMULATION_STATE& state) {
     PrintSize("memory for grids and DEM", MemoryNeeded_bytes(state));
     PrintSize("disk for products", DiskNeeded_bytes(state));
     if (state.slabs.IsWholeImage())
-        std::printf("  %-24s about %.1f s\n", "simulation", ExpectedSimulationTime_s(state));
+        std::printf("  %-24s about %.2g s\n", "simulation", ExpectedSimulationTime_s(state));
     else
         std::printf("  %-24s in %d slabs, time not estimated\n", "simulation", state.slabs.count);
 }
