@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 #include "app/scene/image_to_dem.h"
 #include "app/scene/scene_meets_dem.h"
@@ -88,14 +89,17 @@ const char* Cause(const SIMULATION_STATE& state, const COVERAGE_GAP& gap) {
     bool crosses_void = false;
     bool large_cells = false;
     bool leaves_heights = false;
-    for (const int sample : {gap.first_sample, gap.last_sample}) {
-        for (const int line : {gap.first_line, gap.last_line}) {
-            const PIXEL_IN_DEM pixel(state, sample, line);
-            leaves = leaves || pixel.LeavesDem();
-            crosses_void = crosses_void || pixel.CrossesVoid();
-            large_cells = large_cells || pixel.HasLargeCells();
-            leaves_heights = leaves_heights || pixel.LeavesHeights();
-        }
+    const std::pair<int, int> places[] = {{gap.sample_in_first_line, gap.first_line},
+                                          {gap.first_sample, gap.first_line},
+                                          {gap.last_sample, gap.first_line},
+                                          {gap.first_sample, gap.last_line},
+                                          {gap.last_sample, gap.last_line}};
+    for (const auto& [sample, line] : places) {
+        const PIXEL_IN_DEM pixel(state, sample, line);
+        leaves = leaves || pixel.LeavesDem();
+        crosses_void = crosses_void || pixel.CrossesVoid();
+        large_cells = large_cells || pixel.HasLargeCells();
+        leaves_heights = leaves_heights || pixel.LeavesHeights();
     }
     if (large_cells) return "the DEM's cells are larger than 1000 samples";
     if (crosses_void) return "a void of the DEM lies there";
@@ -119,7 +123,7 @@ void COVERAGE_GAP::Add(const GRID_VIEW<const unsigned char>& mask) {
 void COVERAGE_GAP::Add(int sample, int line) {
     if (count++ == 0) {
         WarnAboutMissingPoint(sample, line);
-        first_sample = last_sample = sample;
+        first_sample = last_sample = sample_in_first_line = sample;
         first_line = line;
     }
     first_sample = std::min(first_sample, sample);

@@ -183,9 +183,9 @@ def test_missing_pool(fresh_scene, key):
 
 
 def void(made, folder):
-    """A square of voids in the middle of the DEM."""
-    row, column = made.heights.shape[0] // 2, made.heights.shape[1] // 2
-    made.heights[row:row + 6, column:column + 6] = -32768
+    """Voids in the middle third of the DEM, askew to the image: no corner of the gap's box lies in them."""
+    rows, columns = made.heights.shape
+    made.heights[rows // 3:2 * rows // 3, columns // 3:2 * columns // 3] = -32768
     raster.write_int16(folder / "dem.ras", made.heights)
 
 
