@@ -39,8 +39,7 @@ bool UNFINISHED_FILE::BringBack() const noexcept {
     if (rename(backup.c_str(), target.c_str()) == 0) return true;
     const bool had_older = errno != ENOENT;
     // What lies there is removed, but only if it is this run's.
-    if (stat(target.c_str(), &placed) == 0 && placed.st_dev == device && placed.st_ino == inode)
-        unlink(target.c_str());
+    if (stat(target.c_str(), &placed) == 0 && placed.st_dev == device && placed.st_ino == inode) unlink(target.c_str());
     return !had_older || link(backup.c_str(), target.c_str()) == 0 || errno == EEXIST;
 }
 
