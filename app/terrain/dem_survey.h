@@ -17,7 +17,8 @@ struct DEM_SURVEY {
 };
 
 /// Looks at every sample of the simulated rows and columns. Excluded ones are reported once at WARNING, with their
-/// number and the first position; their values are used as they are.
+/// number and the first position; their values are used as they are. Without a range of valid heights samples outside
+/// -500 .. 9000 m count as well, and the report tells the box around them and what they look like.
 /// @param dem_file  for the report
 [[nodiscard]] DEM_SURVEY SurveyDem(const DEM_GRID& dem, const DEM_RANGE& simulated, const VALID_HEIGHTS& valid,
                                    const std::string& dem_file);

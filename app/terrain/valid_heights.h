@@ -10,9 +10,11 @@ struct VALID_HEIGHTS {
     float minimum_m = 0.0F;
     float maximum_m = 0.0F;
 
+    [[nodiscard]] bool HasRange() const { return maximum_m > minimum_m; }
+
     /// Whether a height (DEM_GRID::Height) is a void or, when the maximum is above the minimum, outside the range.
     [[nodiscard]] bool Excludes(float height_m) const {
-        return height_m == kDemVoid_m || (maximum_m > minimum_m && (height_m < minimum_m || height_m > maximum_m));
+        return height_m == kDemVoid_m || (HasRange() && (height_m < minimum_m || height_m > maximum_m));
     }
 };
 

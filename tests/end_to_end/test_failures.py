@@ -11,6 +11,7 @@ import pytest
 import judge
 from scene_maker import raster
 
+from test_real_heights import write_reals
 from velmora_run import LAST_LINE, SMALL, edit_control_file, edit_pool, pool_bytes, velmora
 
 PRODUCTS = [name + ".ras" for name in ("simu_phase", "rg_coreg", "az_coreg", "x_earth", "y_earth", "z_earth", "h_earth")]
@@ -109,6 +110,8 @@ CASES = [
     ("DEM shorter than its header says", cut("dem.ras", 5000), ["dem.ras"]),
     ("DEM empty", cut("dem.ras", 0), ["MEM_MGR: can not read header from: dem.ras"]),
     ("DEM header that lies", overwrite("dem.ras", 4, struct.pack(">II", 0x7FFFFFFF, 0x7FFFFFFF)), ["dem.ras"]),
+    ("DEM of 32-bit reals", lambda folder: write_reals(folder / "dem.ras", raster.read(folder / "dem.ras")),
+     ["flt_6 pixels, it is to be read as int_16"]),
     ("DEM missing", keys(DEM="nowhere.ras"), ["MEM_MGR: can not open: nowhere.ras"]),
     ("DEM of another country", pool("dem.pool", "upper_northing", "upper_northing FLT_15 10.5", "lower_northing FLT_15 10.3"),
      ["the DEM dem.ras ", "a corner of the scene: longitude ", "the DEM: longitude "]),
@@ -282,3 +285,17 @@ def test_terrain_below_the_simulated_heights_is_the_cause_of_its_gap(fresh_scene
     edit_pool(folder / "dem.pool", "dem_correction", "dem_correction FLT_15 -2000")
     run = velmora(folder)
     assert run.status == 1 and "the terrain lies outside -1000 .. 9000 m" in run.lines("WARN")[-1], run.explanation()
+
+
+@pytest.mark.parametrize("value, words", [(None, "the file seems to be in the other byte order"),
+                                          (32767, "")])
+def test_samples_that_are_no_heights_are_told_with_what_they_look_like(fresh_scene, value, words):
+    made, folder = fresh_scene(**SMALL)
+    heights = made.heights.astype("<i2").byteswap() if value is None else made.heights.copy()
+    if value is not None:
+        row, column = (size // 2 for size in heights.shape)
+        heights[row:row + 2, column:column + 3] = value
+        words = "in rows %d..%d, columns %d..%d: %d seems" % (row, row + 1, column, column + 2, value)
+    raster.write_int16(folder / "dem.ras", heights)
+    told = [line for line in velmora(folder).lines("WARN") if " of the simulated samples are voids or outside -500 .. 9000 m" in line]
+    assert len(told) == 1 and words in told[0]

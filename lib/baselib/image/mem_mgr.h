@@ -66,7 +66,8 @@ class MEM_MGR {
     ///         ERROR_CAN_NOT_MMAP, ERROR_NOT_SUPPORTED_PIXEL_TYPE
     void MapFile(const std::string& path, ACCESS_MODE mode, PIXEL_TYPE pixel_type);
 
-    /// As MapFile, for an input that the work depends on: a file without pixels is refused, too, and a header whose
+    /// As MapFile, for an input that the work depends on: a file without pixels is refused, too, or one whose type and
+    /// depth words and size all say a pixel type of another size (ERROR_IMAGE), and a header whose
     /// magic, depth or length words do not fit the pixel type is told at WARNING.
     /// @throws as MapFile; ERROR_IMAGE (no pixels)
     void MapFileChecked(const std::string& path, ACCESS_MODE mode, PIXEL_TYPE pixel_type);

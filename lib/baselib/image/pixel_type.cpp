@@ -27,6 +27,12 @@ const PIXEL_TYPE_RECORD* FindPixelType(PIXEL_TYPE pixel_type) {
     return &kPixelTypes[number - 1];
 }
 
+const PIXEL_TYPE_RECORD* FindPixelType(std::uint32_t type_word, std::uint32_t depth) {
+    for (const PIXEL_TYPE_RECORD& type : kPixelTypes)
+        if (type.type_word == type_word && 8U * static_cast<unsigned>(type.bytes) == depth) return &type;
+    return nullptr;
+}
+
 const PIXEL_TYPE_RECORD& KnownPixelType(PIXEL_TYPE pixel_type) {
     const PIXEL_TYPE_RECORD* const type = FindPixelType(pixel_type);
     if (type == nullptr) {

@@ -33,6 +33,9 @@ struct PIXEL_TYPE_RECORD {
 /// The record of a pixel type, or null for a value outside 1 to 12.
 const PIXEL_TYPE_RECORD* FindPixelType(PIXEL_TYPE pixel_type);
 
+/// The record of the pixel type that a raster file's header tells, or null where none is told so.
+const PIXEL_TYPE_RECORD* FindPixelType(std::uint32_t type_word, std::uint32_t depth);
+
 /// The record of a pixel type.
 /// @throws ERROR_NOT_SUPPORTED_PIXEL_TYPE for a value outside 1 to 12
 const PIXEL_TYPE_RECORD& KnownPixelType(PIXEL_TYPE pixel_type);

@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <limits>
 
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/image/file_descriptor.h"
@@ -47,29 +48,45 @@ RASTER_HEADER ReadHeader(const std::string& path, int file_descriptor) {
     return DecodeRasterHeader(bytes);
 }
 
-/// Width, height and map length are 32-bit, a pixel at most 16 bytes: the product can exceed 64 bits.
-bool IsWithinFile(int file_descriptor, const RASTER_HEADER& header, int bytes_per_pixel) {
+long long BytesOfFile(int file_descriptor) {
     struct stat status {};
-    if (fstat(file_descriptor, &status) != 0) return false;
+    return fstat(file_descriptor, &status) == 0 ? status.st_size : 0;
+}
+
+/// What the header promises in pixels of this size; beyond 64 bits, which no file has, the largest number. Width,
+/// height and map length are 32-bit, a pixel at most 16 bytes.
+long long PromisedBytes(const RASTER_HEADER& header, const PIXEL_TYPE_RECORD& type) {
     long long bytes = 0;
-    return !__builtin_mul_overflow(static_cast<long long>(header.width), static_cast<long long>(header.height),
-                                   &bytes) &&
-           !__builtin_mul_overflow(bytes, bytes_per_pixel, &bytes) &&
-           !__builtin_add_overflow(bytes, kRasterHeaderBytes + static_cast<long long>(header.map_length), &bytes) &&
-           bytes <= status.st_size;
+    const bool beyond =
+        __builtin_mul_overflow(static_cast<long long>(header.width), static_cast<long long>(header.height), &bytes) ||
+        __builtin_mul_overflow(bytes, type.bytes, &bytes) ||
+        __builtin_add_overflow(bytes, kRasterHeaderBytes + static_cast<long long>(header.map_length), &bytes);
+    return beyond ? std::numeric_limits<long long>::max() : bytes;
+}
+
+/// Header words alone may be odd; a file that has the size of what they say is what they say.
+void RefuseOtherType(const std::string& path, int file_descriptor, const RASTER_HEADER& header,
+                     const PIXEL_TYPE_RECORD& type) {
+    const PIXEL_TYPE_RECORD* const told = FindPixelType(header.type, header.depth);
+    if (told == nullptr || told->bytes == type.bytes) return;
+    const long long bytes = BytesOfFile(file_descriptor);
+    if (bytes != PromisedBytes(header, *told)) return;
+    Log().Message(LOGGING_LEVEL::ALARM,
+                  "%s: header (type %u, depth %u) and size (%lld bytes) say %s pixels, it is to be read as %s",
+                  path.c_str(), header.type, header.depth, bytes, told->data_type, type.data_type);
+    throw ERROR_IMAGE();
 }
 
 void RefuseShortFile(const std::string& path, int file_descriptor, const RASTER_HEADER& header,
                      const PIXEL_TYPE_RECORD& type) {
-    if (IsWithinFile(file_descriptor, header, type.bytes)) return;
-    struct stat status {};
-    fstat(file_descriptor, &status);
+    const long long bytes = BytesOfFile(file_descriptor);
+    if (PromisedBytes(header, type) <= bytes) return;
     Log().Message(
         LOGGING_LEVEL::ALARM,
         "%s: too short: the header promises %u x %u pixels of %d bytes (%s) after %lld bytes, the file has %lld "
         "bytes",
         path.c_str(), header.width, header.height, type.bytes, type.data_type,
-        kRasterHeaderBytes + static_cast<long long>(header.map_length), static_cast<long long>(status.st_size));
+        kRasterHeaderBytes + static_cast<long long>(header.map_length), bytes);
     throw ERROR_IMAGE();
 }
 
@@ -112,7 +129,10 @@ void MEM_MGR::Map(const std::string& path, ACCESS_MODE mode, PIXEL_TYPE pixel_ty
     Log().Message(LOGGING_LEVEL::DEBUG, "map file with prot flag %d", Protection(mode));
     FILE_DESCRIPTOR file(OpenForMapping(path, mode));
     const RASTER_HEADER header = ReadHeader(path, file.Get());
-    if (checked) RefuseNoPixels(path, header);
+    if (checked) {
+        RefuseNoPixels(path, header);
+        RefuseOtherType(path, file.Get(), header, type);
+    }
     RefuseShortFile(path, file.Get(), header, type);
     if (checked) WarnOfOddHeader(path, header, type);
     const long long map_length = header.map_length;
