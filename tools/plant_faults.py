@@ -119,7 +119,7 @@ class WORKSHOP:
     def run(self, command, limit_s):
         """True when the command succeeds in time, within bounds of memory and file size."""
         def bounds():
-            os.nice(10)
+            os.setpriority(os.PRIO_PROCESS, 0, 10)
             resource.setrlimit(resource.RLIMIT_AS, (8 << 30, 8 << 30))
             resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
         self.scratch.mkdir(exist_ok=True)
