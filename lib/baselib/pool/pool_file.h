@@ -38,7 +38,7 @@ class POOL_FILE {
     struct IDENTITY {
         dev_t device = 0;
         ino_t inode = 0;
-        auto operator<=>(const IDENTITY&) const = default;
+        friend auto operator<=>(const IDENTITY&, const IDENTITY&) = default;
     };
     [[nodiscard]] IDENTITY Identity() const { return identity_; }
     /// Whether its name now belongs to another file: an editor replaced it while it was open.

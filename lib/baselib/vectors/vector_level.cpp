@@ -26,8 +26,15 @@ const char* TextOf(VECTOR_LEVEL level) {
 
 bool MachineHas(VECTOR_LEVEL level) {
 #if defined(__x86_64__)
-    if (level == VECTOR_LEVEL::AVX512) return __builtin_cpu_supports("x86-64-v4") != 0;
-    if (level == VECTOR_LEVEL::AVX2) return __builtin_cpu_supports("x86-64-v3") != 0;
+    // What x86-64-v3 and x86-64-v4 add, as far as every compiler knows the names; machines have these only together
+    // with the rest.
+    const bool v3 = __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma") && __builtin_cpu_supports("bmi") &&
+                    __builtin_cpu_supports("bmi2");
+    if (level == VECTOR_LEVEL::AVX2) return v3;
+    if (level == VECTOR_LEVEL::AVX512)
+        return v3 && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
+               __builtin_cpu_supports("avx512cd") && __builtin_cpu_supports("avx512dq") &&
+               __builtin_cpu_supports("avx512vl");
 #endif
     return level == VECTOR_LEVEL::PLAIN;
 }
