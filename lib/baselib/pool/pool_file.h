@@ -38,7 +38,10 @@ class POOL_FILE {
     struct IDENTITY {
         dev_t device = 0;
         ino_t inode = 0;
-        friend auto operator<=>(const IDENTITY&, const IDENTITY&) = default;
+        bool operator==(const IDENTITY&) const = default;
+        bool operator<(const IDENTITY& other) const {
+            return device != other.device ? device < other.device : inode < other.inode;
+        }
     };
     [[nodiscard]] IDENTITY Identity() const { return identity_; }
     /// Whether its name now belongs to another file: an editor replaced it while it was open.
