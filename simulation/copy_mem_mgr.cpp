@@ -70,8 +70,9 @@ void CopyMemMgr(const MEM_MGR& source, long long columns, long long rows, PRODUC
         Log().Message(LOGGING_LEVEL::ALARM, "an image of %lld rows has too many to be copied", rows);
         throw ERROR_ARGUMENT();
     }
+    std::vector<MEM_MGR> bands;  // before the runner, whose destructor joins the threads that a failure left running
     THREADS<COPY_MEM_MGR_ARG, unsigned int> threads(0, static_cast<unsigned>(rows), CopyMemMgrThread);
-    std::vector<MEM_MGR> bands(static_cast<std::size_t>(threads.Count()));
+    bands.resize(static_cast<std::size_t>(threads.Count()));
     const long long band_rows = std::max(kProductBufferBytes / std::max(columns * kPixelBytes, 1LL), 1LL);
     for (int i = 0; i < threads.Count(); ++i) {
         bands[i].Allocate(0, 0, columns - 1, band_rows - 1, source.PixelType());
