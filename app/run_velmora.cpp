@@ -69,12 +69,12 @@ void RunStages(CONTROLLER_IFC& controller, const VERSION_RECORD& version, RUN_RE
     SetOutOfMemoryLine("out of memory in the phase simulation (stage B)");
     report.BeginStage("B");
     LogStage("B. PHASE SIMULATION ***************************************");
-    const COVERAGE_GAP gap = SimulateImage(state);
+    const SIMULATED_IMAGE image = SimulateImage(state);
 
     SetOutOfMemoryLine("out of memory while the products were saved (stage C)");
     report.BeginStage("C");
     LogStage("C. OUTPUT TO FILE SAVING **********************************");
-    SaveProducts(state, gap, pools.insar);
+    SaveProducts(state, image, pools.insar);
 
     Say(" ");
     Say("***********************************************************");

@@ -37,6 +37,6 @@ SIMULATION_STATE::SIMULATION_STATE(const REQUEST& what_was_asked, RUN_POOLS& poo
       survey(SurveyDem(terrain.grid, place.simulated, valid_heights, request.terrain.dem_file.text)),
       sizes(SizeOutputs(request, acquisitions.image, simulated)),
       products(OpenProducts(request, acquisitions.image, sizes)),
-      slabs(PlanSlabs(request, sizes)),
+      slabs(PlanSlabs(request, sizes, !request.only_looks && products.MayBeWrittenEarly())),
       images(AllocateResultImages(request, sizes, slabs, initial_phase)),
       scene(MakeKernelScene(request, acquisitions, pair, terrain, place, images)) {}

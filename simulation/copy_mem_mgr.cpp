@@ -46,7 +46,7 @@ void CopyBands(const COPY_MEM_MGR_ARG& argument) {
         const long long rows = std::min(band.Rows(), end - first);
         for (long long i = 0; i < rows; ++i)
             std::memcpy(band.PixelAddress(0, i), argument.source->PixelAddress(0, first + i), row_bytes);
-        argument.file->WriteRows(first, rows, band.Data());
+        argument.file->WriteRows(argument.file_row + first, rows, band.Data());
     }
 }
 
@@ -65,7 +65,7 @@ void CopyMemMgrThread(COPY_MEM_MGR_ARG* argument) {
     Log().Message(LOGGING_LEVEL::TRACE, "   - end of thread nr: %d", static_cast<int>(argument->thread_number));
 }
 
-void CopyMemMgr(const MEM_MGR& source, long long columns, long long rows, PRODUCT_FILE& file) {
+void CopyMemMgr(const MEM_MGR& source, long long columns, long long rows, PRODUCT_FILE& file, long long file_row) {
     if (rows > std::numeric_limits<std::uint32_t>::max()) {
         Log().Message(LOGGING_LEVEL::ALARM, "an image of %lld rows has too many to be copied", rows);
         throw ERROR_ARGUMENT();
@@ -80,6 +80,7 @@ void CopyMemMgr(const MEM_MGR& source, long long columns, long long rows, PRODUC
         argument.source = &source;
         argument.destination = &bands[i];
         argument.file = &file;
+        argument.file_row = file_row;
     }
     threads.Run();
 }

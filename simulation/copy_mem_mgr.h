@@ -12,6 +12,7 @@ struct COPY_MEM_MGR_ARG : THREAD_ARG {
     const MEM_MGR* source = nullptr;
     MEM_MGR* destination = nullptr;  ///< a band of rows: it takes the place of one after the other
     PRODUCT_FILE* file = nullptr;    ///< receives the bands
+    long long file_row = 0;          ///< of the source's row 0
 };
 
 /// Kernel, for pixels of 4 bytes: for each row index start .. start + length - 1, copies the pixels of the columns
@@ -21,6 +22,7 @@ struct COPY_MEM_MGR_ARG : THREAD_ARG {
 ///         as PRODUCT_FILE::WriteRows
 void CopyMemMgrThread(COPY_MEM_MGR_ARG* argument);
 
-/// Runs the kernel over rows 0 .. rows - 1 and columns 0 .. columns - 1, the file's size.
+/// Runs the kernel over rows 0 .. rows - 1 and columns 0 .. columns - 1: the file's size, or the last rows of it.
+/// @param file_row  of row 0
 /// @throws const char* "error in thread execution", "can not create thread"; ERROR_ARGUMENT for more than 2^32 - 1 rows
-void CopyMemMgr(const MEM_MGR& source, long long columns, long long rows, PRODUCT_FILE& file);
+void CopyMemMgr(const MEM_MGR& source, long long columns, long long rows, PRODUCT_FILE& file, long long file_row = 0);

@@ -2,61 +2,50 @@
 
 #include "lib/baselib/logging/logging.h"
 #include "simulation/radar_solution.h"
-#include "simulation/thread_count.h"
 #include "simulation/threads.h"
 
-namespace {
-
-/// One thread, about the middle one, tells the user how far it is: at every tenth of its rows.
-class PROGRESS {
-  public:
-    explicit PROGRESS(const DEM2PHASE_ARG& arg)
-        : reporting_(static_cast<int>(arg.thread_number) == ThreadCount() / 2),
-          length_(arg.length),
-          step_(length_ > 9 ? length_ / 10 : 1) {
-        if (reporting_) Log().Message(LOGGING_LEVEL::TRACE, "ten percent are %lld lines", step_);
-    }
-
-    void RowDone(long long rows_before) const {
-        if (!reporting_ || rows_before == 0 || rows_before % step_ != 0) return;
-        Log().Message(LOGGING_LEVEL::INFO, "    * processed %lld %%", rows_before * 100 / length_);
-    }
-
-  private:
-    bool reporting_;
-    long long length_;
-    long long step_;
-};
-
-}  // namespace
-
-void DEM2PHASE_Thread(PREPARED_SCENE& scene, const DEM2PHASE_ARG& arg, PROGRESS_LINE& line) {
+void DEM2PHASE_Thread(PREPARED_SCENE& scene, const DEM2PHASE_ARG& arg, SIMULATION_PROGRESS& progress) {
     Log().Message(LOGGING_LEVEL::TRACE, "   - thread nr: %u  start: %u  length: %u", arg.thread_number, arg.start,
                   arg.length);
-    const PROGRESS progress(arg);
+    progress.Begin(arg);
     const CONVERGENCE_REPORT report;
     RADAR_SOLUTION solution(scene, static_cast<int>(arg.thread_number));
     for (std::uint32_t i = 0; i < arg.length; ++i) {
         solution.SimulateRow(static_cast<int>(arg.start + i));
-        progress.RowDone(i);
-        line.Done();
+        progress.RowDone(arg);
     }
     solution.Finish();
     scene.Counts(static_cast<int>(arg.thread_number)) = solution.Counts();
     Log().Message(LOGGING_LEVEL::TRACE, "   - end of thread nr: %u", arg.thread_number);
 }
 
-SOLUTION_COUNTS SimulateScene(const SCENE& scene) {
+namespace {
+
+SOLUTION_COUNTS RunThreads(const SCENE& scene, SIMULATION_PROGRESS& progress, THREADS_LOG log) {
     PREPARED_SCENE prepared(scene);
-    PROGRESS_LINE line(scene.simulated.last_row - scene.simulated.first_row);
-    THREADS<DEM2PHASE_ARG, unsigned int> threads(static_cast<unsigned int>(scene.simulated.first_row),
-                                                 static_cast<unsigned int>(scene.simulated.last_row),
-                                                 [&](DEM2PHASE_ARG* arg) { DEM2PHASE_Thread(prepared, *arg, line); });
-    Log().Message(LOGGING_LEVEL::INFO, " Initialised dem2phase_arg");
+    THREADS<DEM2PHASE_ARG, unsigned int> threads(
+        static_cast<unsigned int>(scene.simulated.first_row), static_cast<unsigned int>(scene.simulated.last_row),
+        [&](DEM2PHASE_ARG* arg) { DEM2PHASE_Thread(prepared, *arg, progress); }, log);
+    if (log == THREADS_LOG::SPOKEN) Log().Message(LOGGING_LEVEL::INFO, " Initialised dem2phase_arg");
     threads.Run();
     prepared.Settle();
-    const SOLUTION_COUNTS counts = prepared.TotalCounts();
+    return prepared.TotalCounts();
+}
+
+}  // namespace
+
+SOLUTION_COUNTS SimulateScenes(const std::vector<SCENE>& slabs, const std::function<void(std::size_t)>& complete) {
+    SIMULATION_PROGRESS progress(slabs);
+    SOLUTION_COUNTS total;
+    for (std::size_t i = 0; i < slabs.size(); ++i) {
+        total += RunThreads(slabs[i], progress, i == 0 ? THREADS_LOG::SPOKEN : THREADS_LOG::SILENT);
+        complete(i);
+    }
     Log().Message(LOGGING_LEVEL::DEBUG, " - Solutions of DEM samples: %lld in rows (%s), %lld one by one",
-                  counts.in_rows, TextOf(prepared.VectorLevel()), counts.one_by_one);
-    return counts;
+                  total.in_rows, TextOf(ChosenVectorLevel()), total.one_by_one);
+    return total;
+}
+
+SOLUTION_COUNTS SimulateScene(const SCENE& scene) {
+    return SimulateScenes({scene}, [](std::size_t) {});
 }

@@ -57,10 +57,7 @@ PREPARED_SCENE::PREPARED_SCENE(const SCENE& scene)
 
 SOLUTION_COUNTS PREPARED_SCENE::TotalCounts() const {
     SOLUTION_COUNTS total;
-    for (const SOLUTION_COUNTS& counts : counts_) {
-        total.in_rows += counts.in_rows;
-        total.one_by_one += counts.one_by_one;
-    }
+    for (const SOLUTION_COUNTS& counts : counts_) total += counts;
     return total;
 }
 

@@ -19,6 +19,12 @@
 struct SOLUTION_COUNTS {
     long long in_rows = 0;     ///< by the vector code
     long long one_by_one = 0;  ///< where that gave up, or the orbit could not be compiled
+
+    SOLUTION_COUNTS& operator+=(const SOLUTION_COUNTS& other) {
+        in_rows += other.in_rows;
+        one_by_one += other.one_by_one;
+        return *this;
+    }
 };
 
 class PREPARED_SCENE {

@@ -4,6 +4,8 @@
 /// ARG is a struct that begins with the fields status (64-bit), start, length, thread_number (32-bit unsigned); the
 /// runner fills them, the caller fills what follows them before Run(). ROW is the type of a row index.
 ///
+/// A silent run leaves out the two lines at INFO: where one stage runs several times, the log tells of it once.
+///
 /// Count: ThreadCount(). A count of 1 runs the routine in the calling thread; otherwise there are min(count, rows)
 /// blocks, and the first rows % count of them have one row more than the others. An empty range runs nothing.
 ///
@@ -33,6 +35,8 @@
 #include "simulation/row_blocks.h"
 #include "simulation/thread_count.h"
 
+enum class THREADS_LOG { SPOKEN, SILENT };
+
 template <class ARG, class ROW>
 class THREADS {
   public:
@@ -40,7 +44,7 @@ class THREADS {
 
     /// @param start_row, end_row  the rows start_row <= row < end_row
     /// @throws ERROR_ARGUMENT when the range ends before it starts; const char* "out of memory"
-    THREADS(ROW start_row, ROW end_row, START_ROUTINE start_routine);
+    THREADS(ROW start_row, ROW end_row, START_ROUTINE start_routine, THREADS_LOG log = THREADS_LOG::SPOKEN);
 
     /// Joins what still runs. Throws "error in thread execution" for a failure found here, unless an exception is
     /// already under way.
@@ -86,6 +90,7 @@ class THREADS {
     bool direct_;  ///< PARALLEL asks for one thread: the calling one
     int count_;
     START_ROUTINE start_routine_;
+    THREADS_LOG log_;
     ARRAY<ARG> arguments_;
     ARRAY<pthread_t> handles_;
     ARRAY<WORKER> workers_;
@@ -95,11 +100,12 @@ class THREADS {
 };
 
 template <class ARG, class ROW>
-THREADS<ARG, ROW>::THREADS(ROW start_row, ROW end_row, START_ROUTINE start_routine)
+THREADS<ARG, ROW>::THREADS(ROW start_row, ROW end_row, START_ROUTINE start_routine, THREADS_LOG log)
     : range_{start_row, static_cast<ROW>(end_row - start_row)},
       direct_(false),
       count_(ThreadCount()),
-      start_routine_(std::move(start_routine)) {
+      start_routine_(std::move(start_routine)),
+      log_(log) {
     if (end_row < start_row) {
         Log() << LOGGING_LEVEL::ALARM << "work range of rows " << static_cast<long long>(start_row) << " to "
               << static_cast<long long>(end_row) << " ends before it starts\n";
@@ -113,7 +119,7 @@ THREADS<ARG, ROW>::THREADS(ROW start_row, ROW end_row, START_ROUTINE start_routi
     Resize(blocks_, count_ + 2);
     std::fill(handles_.begin(), handles_.end(), kNotRunning);
     CutIntoBlocks();
-    Log().Message(LOGGING_LEVEL::INFO, " Initialised work_range");
+    if (log_ == THREADS_LOG::SPOKEN) Log().Message(LOGGING_LEVEL::INFO, " Initialised work_range");
 }
 
 template <class ARG, class ROW>
@@ -125,7 +131,7 @@ THREADS<ARG, ROW>::~THREADS() noexcept(false) {  // NOLINT(bugprone-exception-es
 
 template <class ARG, class ROW>
 void THREADS<ARG, ROW>::Run() {
-    Log().Message(LOGGING_LEVEL::INFO, " Running threads");
+    if (log_ == THREADS_LOG::SPOKEN) Log().Message(LOGGING_LEVEL::INFO, " Running threads");
     if (count_ == 0) return;
     if (direct_ && !force_threads_) {
         PrepareArgument(0);

@@ -135,7 +135,7 @@ void PrintFigures(const SIMULATION_STATE& state) {
     std::printf("  %-24s %.2f m\n", "height of ambiguity", centre.height_of_ambiguity_m);
     PrintSize("memory for grids and DEM", MemoryNeeded_bytes(state));
     PrintSize("disk for products", DiskNeeded_bytes(state));
-    if (state.slabs.IsWholeImage())
+    if (!state.slabs.exceeds_limit)
         std::printf("  %-24s about %.2g s\n", "simulation", ExpectedSimulationTime_s(state));
     else
         std::printf("  %-24s in %d slabs, time not estimated\n", "simulation", state.slabs.count);

@@ -122,7 +122,6 @@ void COVERAGE_GAP::Add(const GRID_VIEW<const unsigned char>& mask) {
 
 void COVERAGE_GAP::Add(int sample, int line) {
     if (count++ == 0) {
-        WarnAboutMissingPoint(sample, line);
         first_sample = last_sample = sample_in_first_line = sample;
         first_line = line;
     }
@@ -133,6 +132,7 @@ void COVERAGE_GAP::Add(int sample, int line) {
 
 void RequireCoverage(const SIMULATION_STATE& state, const COVERAGE_GAP& gap) {
     if (gap.IsEmpty()) return;
+    WarnAboutMissingPoint(gap.sample_in_first_line, gap.first_line);
     Log().Message(LOGGING_LEVEL::WARNING, "%lld points are missing, rg=%d..%d, az=%d..%d: %s (DEM %s)", gap.count,
                   gap.first_sample, gap.last_sample, gap.first_line, gap.last_line, Cause(state, gap),
                   state.request.terrain.dem_file.Text());

@@ -16,8 +16,7 @@ struct COVERAGE_GAP {
     int last_line = 0;
     int sample_in_first_line = 0;  ///< a missing point for certain; the corners of the box may be none
 
-    /// Looks through a mask, line by line; the first point of all is told at WARNING. Masks come in the order of their
-    /// lines.
+    /// Looks through a mask, line by line. Masks come in the order of their lines.
     void Add(const GRID_VIEW<const unsigned char>& mask);
     [[nodiscard]] bool IsEmpty() const { return count == 0; }
 

@@ -7,12 +7,16 @@
 #include "app/products/coverage_check.h"
 #include "app/simulation_state.h"
 
+struct SIMULATED_IMAGE {
+    COVERAGE_GAP gap{};
+    SCENE in_memory{};  ///< whose lines are still to be written: the whole image, or its last slab
+};
+
 /// Simulates the image, or slab after slab, each of which is written before the next one takes its memory; none is
 /// written any more once there is a gap.
-/// @return the gap in the slabs; empty for an image that is simulated as a whole
-COVERAGE_GAP SimulateImage(SIMULATION_STATE& state);
+[[nodiscard]] SIMULATED_IMAGE SimulateImage(SIMULATION_STATE& state);
 
 /// Phase (cropped to the master image), shift maps, radar DEM and Earth files as raster files; the offsets of the Earth
-/// files go into the InSAR pool as well. Of slabs all is written already: what is left is to say so.
+/// files go into the InSAR pool as well. Of slabs the last one is left to be written.
 /// @throws ERROR_PARAMETER for a coverage gap; the image errors. No product appears then.
-void SaveProducts(SIMULATION_STATE& state, COVERAGE_GAP gap, PARAMETER_POOL_READ_WRITE_CHANGE& insar_pool);
+void SaveProducts(SIMULATION_STATE& state, const SIMULATED_IMAGE& image, PARAMETER_POOL_READ_WRITE_CHANGE& insar_pool);

@@ -2,10 +2,18 @@
 
 #include <algorithm>
 #include <cstring>
+#include <exception>
+#include <functional>
+#include <iterator>
+#include <vector>
 
 #include "lib/baselib/image/product_rows.h"
 #include "simulation/copy_mem_mgr.h"
 #include "simulation/perturbation_file.h"
+#include "simulation/scene_lines.h"
+#include "simulation/thread_arg.h"
+#include "simulation/thread_count.h"
+#include "simulation/threads.h"
 
 namespace {
 
@@ -57,8 +65,9 @@ void PRODUCT_WRITER::WritePhase(const MASTER_GRIDS& grids) {
     WriteSingles(*phase_, grids.phase_rad, image_);
 }
 
-void PRODUCT_WRITER::WriteCroppedPhase(const MEM_MGR& phase) {
-    CopyMemMgr(phase, image_.samples, image_.lines, *phase_);
+void PRODUCT_WRITER::WriteCroppedPhase(const MASTER_GRIDS& grids, const MEM_MGR& phase) {
+    const int first_row = grids.phase_rad.first_row;
+    CopyMemMgr(phase, image_.samples, EndOfCommonRows(grids.phase_rad, image_) - first_row, *phase_, first_row);
 }
 
 /// @param x_step, y_step  master pixels per column and row where the map is relative, else 0
@@ -98,10 +107,43 @@ void PRODUCT_WRITER::WriteEarth(const EARTH_GRIDS& grids, int axis) {
                           earth_offsets_m_[axis], kRequiredPrecision_m);
 }
 
+void PRODUCT_WRITER::WriteShare(const SCENE& share, bool backward) {
+    const std::function<void()> steps[] = {
+        [&] {
+            if (phase_ != nullptr) WritePhase(share.image);
+        },
+        [&] {
+            if (range_shifts_ != nullptr) WriteShifts(share.shifts);
+        },
+        [&] {
+            for (int axis = 0; axis < 3; ++axis)
+                if (earth_[axis] != nullptr) WriteEarth(share.earth, axis);
+        },
+        [&] {
+            if (height_ != nullptr) WriteHeight(share.earth);
+        },
+    };
+    if (backward)
+        std::for_each(std::rbegin(steps), std::rend(steps), [](const auto& step) { step(); });
+    else
+        std::for_each(std::begin(steps), std::end(steps), [](const auto& step) { step(); });
+}
+
 void PRODUCT_WRITER::WriteSlab(const SCENE& scene) {
-    if (phase_ != nullptr) WritePhase(scene.image);
-    if (range_shifts_ != nullptr) WriteShifts(scene.shifts);
-    if (height_ != nullptr) WriteHeight(scene.earth);
-    for (int axis = 0; axis < 3; ++axis)
-        if (earth_[axis] != nullptr) WriteEarth(scene.earth, axis);
+    const GRID_VIEW<unsigned char>& mask = scene.image.mask;
+    std::vector<std::exception_ptr> failures(static_cast<std::size_t>(ThreadCount()));
+    const auto write = [&](THREAD_ARG* part) {
+        const int first_line = mask.first_row + static_cast<int>(part->start);
+        try {
+            WriteShare(LinesOf(scene, first_line, first_line + static_cast<int>(part->length)),
+                       part->thread_number % 2 == 1);
+        } catch (...) {
+            failures[part->thread_number] = std::current_exception();
+            files_.Abandon();  // others may wait for these rows
+        }
+    };
+    THREADS<THREAD_ARG, unsigned>(0, static_cast<unsigned>(mask.rows), write, THREADS_LOG::SILENT).Run();
+    for (const std::exception_ptr& failure : failures)
+        if (failure) std::rethrow_exception(failure);
+    files_.BeginSynchronising();
 }

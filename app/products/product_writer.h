@@ -1,7 +1,8 @@
 /// \file product_writer.h
 /// The products of one run on their way to the disk: opened, with all their room, at the end of stage A; written band
 /// by band from what the kernel has filled; put in place when all are complete. A scene's grids tell which of a
-/// product's rows they hold: those of the whole image, or those of one slab.
+/// product's rows they hold: those of the whole image, or those of one slab. What the grids hold last is written in
+/// stage C; slabs before it are written as soon as they are there, by all threads.
 
 #pragma once
 
@@ -19,10 +20,13 @@ class PRODUCT_WRITER {
     /// @throws ERROR_CAN_NOT_CREATE_FILE, ERROR_NO_DISK_SPACE
     PRODUCT_WRITER(const REQUEST& request, const IMAGE_SIZE& image, const OUTPUT_SIZES& sizes);
 
-    /// The phase of an image without border, or of a slab.
+    /// Whether nobody sees rows that are written before stage C.
+    [[nodiscard]] bool MayBeWrittenEarly() const { return files_.AreHiddenUntilPlaced(); }
+
     void WritePhase(const MASTER_GRIDS& grids);
-    /// The phase of a whole image with a border, by the parallel copy kernel with its log lines.
-    void WriteCroppedPhase(const MEM_MGR& phase);
+    /// The phase of an image with a border, by the parallel copy kernel with its log lines.
+    /// @param phase      the pixels of the grids
+    void WriteCroppedPhase(const MASTER_GRIDS& grids, const MEM_MGR& phase);
     void WriteShifts(const SHIFT_GRIDS& grids);
     void WriteHeight(const EARTH_GRIDS& grids);
 
@@ -31,7 +35,7 @@ class PRODUCT_WRITER {
     [[nodiscard]] double EarthOffset(int axis) const { return earth_offsets_m_[axis]; }
     void WriteEarth(const EARTH_GRIDS& grids, int axis);
 
-    /// All products that are wanted, silently.
+    /// All products that are wanted, silently, on ThreadCount() threads.
     void WriteSlab(const SCENE& scene);
 
     [[nodiscard]] const PRODUCT_FILE& RangeShifts() const { return *range_shifts_; }
@@ -45,6 +49,9 @@ class PRODUCT_WRITER {
 
   private:
     PRODUCT_FILE* Add(const SOURCED_TEXT& file, const IMAGE_SIZE& size);
+    /// One thread's part of a slab. Threads begin at different products: the system lets one write into a file at a
+    /// time.
+    void WriteShare(const SCENE& share, bool backward);
     void WriteShiftMap(PRODUCT_FILE& file, const GRID_VIEW<const double>& positions, int x_step, int y_step);
 
     PRODUCT_SET files_;

@@ -7,6 +7,7 @@
 #include "app/say.h"
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/errors/log_and_throw.h"
+#include "simulation/scene_lines.h"
 #include "simulation/thread_count.h"
 
 namespace {
@@ -41,33 +42,45 @@ void RequireMemory(const IMAGE_SIZE& area, const SLAB_PLAN& plan, double bytes_p
         area.samples, area.lines, required / kBytesPerGibibyte, available / kBytesPerGibibyte, fitting);
 }
 
-/// The rows that belong to the lines.
-template <class T>
-void Move(GRID_VIEW<T>& grid, int factor, int first_line, int end_line) {
-    if (!grid) return;
-    grid.first_row = (first_line + factor - 1) / factor;
-    grid.rows = (end_line - 1) / factor + 1 - grid.first_row;
+/// Slabs of about equal height.
+/// @param lines  at most, 1 or more
+SLAB_PLAN CutInto(int all_lines, double lines) {
+    SLAB_PLAN plan{all_lines, 1};
+    if (lines >= all_lines) return plan;
+    plan.count = static_cast<int>(std::ceil(all_lines / lines));
+    plan.lines = (all_lines + plan.count - 1) / plan.count;
+    plan.count = (all_lines + plan.lines - 1) / plan.lines;
+    return plan;
+}
+
+SLAB_PLAN CutByLimit(int all_lines, double bytes_per_line, double limit) {
+    const double fitting = std::floor(limit / bytes_per_line);
+    if (fitting < 1.0)
+        LogAndThrow<ERROR_NO_MEMORY>("MEMORY_LIMIT: one line of the grids needs %.0f MiB",
+                                     std::ceil(bytes_per_line / kBytesPerMebibyte));
+    SLAB_PLAN plan = CutInto(all_lines, fitting);
+    plan.exceeds_limit = !plan.IsWholeImage();
+    return plan;
+}
+
+/// Cells at the border of two slabs are walked twice: slabs of fewer lines would cost more than they save.
+SLAB_PLAN CutForSpeed(int all_lines, double bytes_per_line) {
+    constexpr double kBytesOfSlab = 64.0 * kBytesPerMebibyte;
+    constexpr double kFewestLines = 512.0;
+    return CutInto(all_lines, std::max(std::floor(kBytesOfSlab / bytes_per_line), kFewestLines));
 }
 
 }  // namespace
 
-SLAB_PLAN PlanSlabs(const REQUEST& request, const OUTPUT_SIZES& sizes) {
+SLAB_PLAN PlanSlabs(const REQUEST& request, const OUTPUT_SIZES& sizes, bool early) {
     const double bytes_per_line = BytesPerLine(request, sizes);
     const double limit =
         request.memory_limit_mib ? *request.memory_limit_mib * kBytesPerMebibyte : 0.75 * MachineBytes();
     const int all_lines = sizes.simulated.lines;
-    SLAB_PLAN plan{all_lines, 1};
-    if (bytes_per_line * all_lines > limit) {
-        const double fitting = std::floor(limit / bytes_per_line);
-        if (fitting < 1.0)
-            LogAndThrow<ERROR_NO_MEMORY>("MEMORY_LIMIT: one line of the grids needs %.0f MiB",
-                                         std::ceil(bytes_per_line / kBytesPerMebibyte));
-        plan.count = static_cast<int>(std::ceil(all_lines / fitting));
-        plan.lines = (all_lines + plan.count - 1) / plan.count;
-        plan.count = (all_lines + plan.lines - 1) / plan.lines;
-    }
+    SLAB_PLAN plan = CutByLimit(all_lines, bytes_per_line, limit);
+    if (plan.IsWholeImage() && early) plan = CutForSpeed(all_lines, bytes_per_line);
     RequireMemory(sizes.simulated, plan, bytes_per_line);
-    if (!plan.IsWholeImage())
+    if (plan.exceeds_limit)
         Say(" - The image is simulated in %d slabs of %d lines: its grids exceed %.0f MiB", plan.count, plan.lines,
             limit / kBytesPerMebibyte);
     return plan;
@@ -78,14 +91,7 @@ int RowsInMemory(const SLAB_PLAN& plan, int factor, int rows_of_grid) {
 }
 
 SCENE SceneOfLines(const SCENE& first_slab, const DEM_LINES& dem_lines, int first_line, int end_line) {
-    SCENE scene = first_slab;
-    Move(scene.image.mask, 1, first_line, end_line);
-    Move(scene.image.phase_rad, 1, first_line, end_line);
-    for (GRID_VIEW<double>* grid : {&scene.shifts.range, &scene.shifts.azimuth})
-        Move(*grid, scene.shifts.azimuth_factor, first_line, end_line);
-    for (GRID_VIEW<double>* grid : {&scene.earth.x, &scene.earth.y, &scene.earth.z})
-        Move(*grid, scene.earth.azimuth_factor, first_line, end_line);
-    Move(scene.earth.radar_dem, scene.earth.azimuth_factor, first_line, end_line);
+    SCENE scene = MovedToLines(first_slab, first_line, end_line);
     dem_lines.LimitTo(first_line, end_line, scene);
     return scene;
 }

@@ -61,7 +61,9 @@ int main(int argc, char** argv) {
     controller.SetKnownKeys(ControlKeyNames());
     controller.init(argc, argv, false);
     RUN_POOLS pools;
-    const SIMULATION_STATE state(ReadRequest(controller, pools), pools);
+    REQUEST request = ReadRequest(controller, pools);
+    request.only_looks = true;  // no products, and the grids of the whole image
+    const SIMULATION_STATE state(request, pools);
 
     const COST fresh = CostOf([&] { SimulateScene(state.scene); });
     std::map<VECTOR_LEVEL, COST> best;

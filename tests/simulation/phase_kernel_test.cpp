@@ -6,6 +6,7 @@
 #include "geometry/zero_doppler.h"
 #include "lib/baselib/errors/error_exception.h"
 #include "simulation/prepared_scene.h"
+#include "simulation/thread_count.h"
 #include "simulation/triangle.h"
 #include "tests/kit/environment_setting.h"
 #include "tests/kit/log_capture.h"
@@ -217,8 +218,10 @@ TEST(PhaseKernel, ReportsProgressFromTheMiddleThread) {
         arg.start = 10;
         arg.length = static_cast<unsigned>(rows);
         arg.thread_number = thread_number;
-        PROGRESS_LINE line(arg.length);
-        return LoggedBy([&] { DEM2PHASE_Thread(prepared, arg, line); }, LOGGING_LEVEL::TRACE);
+        s.scene.simulated = {10, 10 + rows * ThreadCount(), s.scene.simulated.first_column,
+                             s.scene.simulated.last_column};
+        SIMULATION_PROGRESS progress({s.scene});
+        return LoggedBy([&] { DEM2PHASE_Thread(prepared, arg, progress); }, LOGGING_LEVEL::TRACE);
     };
     const std::string few = log_of(4, 0);
     EXPECT_THAT(few, testing::HasSubstr("   - thread nr: 0  start: 10  length: 4\n"));

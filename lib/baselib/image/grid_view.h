@@ -23,6 +23,11 @@ struct GRID_VIEW {
     [[nodiscard]] int EndRow() const { return first_row + rows; }
     explicit operator bool() const { return data != nullptr; }
 
+    /// Its rows first .. end - 1, all of which it has.
+    [[nodiscard]] GRID_VIEW Rows(int first, int end) const {
+        return {(*this)[first], row_stride, end - first, columns, first};
+    }
+
     /// The same grid, for readers.
     operator GRID_VIEW<const T>() const  // NOLINT(google-explicit-constructor)
         requires(!std::is_const_v<T>) {

@@ -45,6 +45,8 @@ class PRODUCT_FILE {
     ~PRODUCT_FILE() = default;
 
     [[nodiscard]] const std::string& Path() const { return path_; }
+    /// Whether nothing can be seen of it before Place(): its rows may come early and in any order.
+    [[nodiscard]] bool IsHiddenUntilPlaced() const { return way_ == WAY::TEMPORARY; }
     /// Header and pixels, in bytes.
     [[nodiscard]] long long Bytes() const { return bytes_; }
 
@@ -70,7 +72,7 @@ class PRODUCT_FILE {
     /// No more rows will come from a thread that has failed: those that wait for them fail, too.
     void Abandon();
 
-    /// Everything is written: starts its way to the disk.
+    /// What is written starts its way to the disk.
     void BeginSynchronising() const;
     /// Waits until the file is on the disk, and closes it.
     /// @throws ERROR_CAN_NOT_WRITE_FILE

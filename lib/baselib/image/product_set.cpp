@@ -4,6 +4,7 @@
 #include <pthread.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
@@ -51,8 +52,20 @@ void PRODUCT_SET::ReserveRoom() {
     for (const auto& file : files_) file->ReserveRoom();
 }
 
-void PRODUCT_SET::Place() {
+bool PRODUCT_SET::AreHiddenUntilPlaced() const {
+    return std::all_of(files_.begin(), files_.end(), [](const auto& file) { return file->IsHiddenUntilPlaced(); });
+}
+
+void PRODUCT_SET::BeginSynchronising() const {
     for (const auto& file : files_) file->BeginSynchronising();
+}
+
+void PRODUCT_SET::Abandon() {
+    for (const auto& file : files_) file->Abandon();
+}
+
+void PRODUCT_SET::Place() {
+    BeginSynchronising();
     for (const auto& file : files_) file->Synchronise();
     {
         const BLOCKED_SIGNALS blocked;

@@ -25,6 +25,13 @@ class PRODUCT_SET {
     /// @throws ERROR_NO_DISK_SPACE
     void ReserveRoom();
 
+    [[nodiscard]] bool AreHiddenUntilPlaced() const;
+
+    /// What is written starts its way to the disk, while the run goes on.
+    void BeginSynchronising() const;
+    /// As PRODUCT_FILE's, for all.
+    void Abandon();
+
     /// @throws ERROR_CAN_NOT_WRITE_FILE
     void Place();
     void Accept();
