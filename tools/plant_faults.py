@@ -24,11 +24,29 @@ import time
 REPOSITORY = pathlib.Path(__file__).resolve().parents[1]
 UNOBSERVABLE = pathlib.Path(__file__).with_name("plant_faults_unobservable.txt")
 NO_PRODUCT = {"tests", "fuzz", "benchmarks", "demo", "tools"}
-END_TO_END = ["test_failures.py", "test_process_frame.py", "test_main_job.py", "test_threads.py", "test_properties.py"]
 SWAPPED = {"<": "<=", "<=": "<", ">": ">=", ">=": ">", "==": "!=", "!=": "==", "+": "-", "-": "+", "*": "/", "/": "*",
            "+=": "-=", "-=": "+=", "*=": "/=", "/=": "*=", "&&": "||", "||": "&&", "++": "--", "--": "++", "true": "false",
            "false": "true", "min": "max", "max": "min", "sin": "cos", "cos": "sin", "floor": "ceil", "ceil": "floor"}
-TESTED_WITH = {"lib/baselib/mem_allocation": "containers"}
+TESTED_WITH = {"lib/baselib/mem_allocation": "containers", "companions": "import"}
+
+JUDGE = collections.namedtuple("JUDGE", "programs tests")  # what is built, and the files of tests/ that run it
+MAIN_JOB = JUDGE(("velmora",), ("end_to_end/test_main_job.py", "end_to_end/test_failures.py"))
+IMPORT = JUDGE(("velmora_import", "geolocation_grid_check", "velmora"),
+               ("import/test_acquisitions.py", "import/test_dem.py", "import/test_pair.py"))
+# The end-to-end tests of a folder's behaviour: a handful that together take less than a minute. Elsewhere: MAIN_JOB.
+END_TO_END = {
+    "app": JUDGE(("velmora",), MAIN_JOB.tests + (
+        "end_to_end/test_process_frame.py", "end_to_end/test_products.py", "end_to_end/test_report_and_check.py",
+        "end_to_end/test_orbit_corners.py")),
+    "companions": IMPORT,
+    "import": IMPORT,
+    "lib/baselib/controller": JUDGE(("velmora",), ("end_to_end/test_process_frame.py", "end_to_end/test_failures.py")),
+    "lib/baselib/logging": JUDGE(("velmora",), ("end_to_end/test_process_frame.py", "end_to_end/test_report_and_check.py")),
+    "lib/baselib/sidecar": JUDGE(("velmora",), ("end_to_end/test_report_and_check.py",)),
+    "orbit": JUDGE(("velmora",), MAIN_JOB.tests + ("end_to_end/test_orbit_corners.py",)),
+    "simulation": JUDGE(("velmora",), MAIN_JOB.tests + ("end_to_end/test_threads.py",)),
+    "view": JUDGE(("velmora-view", "velmora"), ("view/test_view.py",)),
+}
 NO_STATEMENT = r"(?!\s*(?:return|throw|using|delete|static_assert|case|default|EXPECT|friend)\b)"
 
 FAULT = collections.namedtuple("FAULT", "path line kind start end new")
@@ -124,7 +142,11 @@ class WORKSHOP:
             resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
         self.scratch.mkdir(exist_ok=True)
         environment = dict(os.environ, TMPDIR=str(self.scratch), VELMORA_RANDOM_SCENES="1", PYTHONDONTWRITEBYTECODE="1",
-                           VELMORA_BINARY=str(self.build_folder / "app" / "velmora"))
+                           VELMORA_SHARED=os.environ.get("VELMORA_SHARED", str(REPOSITORY.parent / "shared")),
+                           VELMORA_BINARY=str(self.build_folder / "app" / "velmora"),
+                           VELMORA_IMPORT=str(self.build_folder / "import" / "velmora-import"),
+                           VELMORA_GRID_CHECK=str(self.build_folder / "tests" / "import" / "geolocation_grid_check"),
+                           VELMORA_VIEW=str(self.build_folder / "view" / "velmora-view"))
         process = subprocess.Popen(command, cwd=self.build_folder, env=environment, stdin=subprocess.DEVNULL,
                                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, preexec_fn=bounds,
                                    start_new_session=True)
@@ -165,10 +187,11 @@ class WORKSHOP:
                 return "unit"
         if not self.end_to_end:
             return ""
-        if not self.build("velmora"):
+        judge = END_TO_END.get(folder, MAIN_JOB)
+        if not self.build(*judge.programs):
             return None
-        files = [str(self.tree / "tests" / "end_to_end" / name) for name in END_TO_END]
-        passed = self.timed(["/usr/bin/python3", "-m", "pytest", "-qx", "-p", "no:cacheprovider", *files], "end_to_end")
+        files = [str(self.tree / "tests" / name) for name in judge.tests]
+        passed = self.timed(["/usr/bin/python3", "-m", "pytest", "-qx", "-p", "no:cacheprovider", *files], files[-1])
         return "" if passed else "end_to_end"
 
     def plant(self, folder, fault):

@@ -12,7 +12,7 @@ sys.path.insert(0, str(REPOSITORY / "demo"))
 from scene_maker import pool_file  # noqa: E402
 
 PROGRAM = os.environ["VELMORA_IMPORT"]
-INPUTS = REPOSITORY.parent / "shared" / "inputs"
+INPUTS = pathlib.Path(os.environ.get("VELMORA_SHARED", REPOSITORY.parent / "shared")) / "inputs"
 
 
 @dataclasses.dataclass
