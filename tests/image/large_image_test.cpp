@@ -4,7 +4,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/mman.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -70,20 +69,9 @@ TEST(LargeImage, BetweenTwoAndFourGibAreSaved) {
     image.Allocate(0, 0, 59999, 49999, PIXEL_TYPE::U_INT_8);  // 3e9 bytes: b2d05e00
     image.GetNumRecMatrix<std::uint8_t>()[49999][59998] = 0xab;
     image.SaveSunRasterFile(path, 0666);
-    const std::string header = Bytes("59a66a95 0000ea60 0000c350 00000008 b2d05e00 00000001 00000000 00000000");
-    EXPECT_EQ(header, BytesAt(path, 0, 32));
+    EXPECT_EQ(Bytes("59a66a95 0000ea60 0000c350 00000008 b2d05e00 00000001 00000000 00000000"), BytesAt(path, 0, 32));
     EXPECT_EQ(3000000032U, std::filesystem::file_size(path));
     EXPECT_EQ(Bytes("00ab00"), BytesAt(path, 3000000032 - 3, 3));
-
-    image.CreateFile(path, 60000, 50000, PIXEL_TYPE::U_INT_8);
-    struct stat status {};
-    ASSERT_EQ(0, stat(path.c_str(), &status));
-    EXPECT_EQ(3000000032, status.st_size);
-    EXPECT_GE(512LL * status.st_blocks, status.st_size) << "all room is reserved";
-    image.GetNumRecMatrix<std::uint8_t>()[49999][59999] = 0xcd;
-    image.Free();
-    EXPECT_EQ(header, BytesAt(path, 0, 32));
-    EXPECT_EQ(Bytes("0000cd"), BytesAt(path, 3000000032 - 3, 3));
 }
 
 TEST(LargeImage, MoreThan4GibAreWrittenWithALengthOf0AndMapped) {

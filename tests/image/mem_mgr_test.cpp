@@ -136,7 +136,9 @@ TEST(MemMgr, CopyIsDeepAndTakesTheColourMap) {
 TEST(MemMgr, FlushReportsEveryErrorOfMsync) {
     const TEMPORARY_FOLDER folder;
     MEM_MGR image;
-    image.CreateFile(folder.Path("a"), 5000, 3, PIXEL_TYPE::U_INT_8);
+    image.Allocate(0, 0, 4999, 2, PIXEL_TYPE::U_INT_8);
+    image.SaveSunRasterFile(folder.Path("a"), 0666);
+    image.MapUInt8(folder.Path("a"), ACCESS_MODE::READ_WRITE);
     image.Flush(MS_SYNC);
     EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(image.Flush(MS_SYNC | MS_ASYNC), ERROR_CAN_NOT_MSYNC); }),
                 testing::AllOf(HasSubstr("ALARM : global : MEM_MGR: msync error ..\n"

@@ -85,15 +85,6 @@ class MEM_MGR {
     void MapCFlt15(const std::string& path, ACCESS_MODE mode) { MapFile(path, mode, PIXEL_TYPE::C_FLT_15); }
     void MapRgb(const std::string& path, ACCESS_MODE mode) { MapFile(path, mode, PIXEL_TYPE::RGB); }
 
-    /// Creates (or replaces) a raster file of this size, gives it all its room on disk and maps it for reading and
-    /// writing; its pixels are zero. Flush(MS_SYNC) before Free() tells of write errors, Free() alone does not.
-    /// @param permissions  of a new file, before the process's mask
-    /// @throws ERROR_IMAGE when the header's 32-bit words cannot hold columns or rows (nothing is created),
-    ///         ERROR_CAN_NOT_CREATE_FILE, ERROR_NO_DISK_SPACE, ERROR_CAN_NOT_WRITE_FILE, ERROR_CAN_NOT_MMAP,
-    ///         ERROR_NOT_SUPPORTED_PIXEL_TYPE; the file of a failed creation is removed
-    void CreateFile(const std::string& path, long long columns, long long rows, PIXEL_TYPE pixel_type,
-                    mode_t permissions = 0666);
-
     /// Writes the whole image as a raster file, which is created or replaced.
     /// @param permissions  of a new file, before the process's mask
     /// @throws ERROR_IMAGE when the header's 32-bit words cannot hold columns or rows (nothing is written),

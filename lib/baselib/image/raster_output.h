@@ -1,5 +1,5 @@
 /// \file raster_output.h
-/// What creating and saving a raster file have in common.
+/// What saving an image and writing a product have in common: the header, and the output file.
 
 #pragma once
 
