@@ -29,13 +29,8 @@ std::string BehindLink(const std::string& path) {
     return target.empty() ? path : target.string();
 }
 
-std::string FolderOf(const std::string& path) {
-    const std::string folder = fs::path(path).parent_path().string();
-    return folder.empty() ? "." : folder;
-}
-
 std::string CreateTemporary(const std::string& path) {
-    std::string name = FolderOf(path) + "/." + fs::path(path).filename().string() + ".XXXXXX";
+    std::string name = fs::path(path).replace_filename("." + fs::path(path).filename().string() + ".XXXXXX").string();
     const int descriptor = mkostemp(name.data(), O_CLOEXEC);
     if (descriptor < 0) RefuseSystemError(path, "create");
     RememberTemporary(name);
@@ -118,7 +113,7 @@ void OUTPUT_SET::Commit() {
     const TEMPORARY_NAMES_KEPT until_all_are_placed;
     for (const OUTPUT& output : outputs_) Flush(output.temporary);
     for (OUTPUT& output : outputs_) Place(output);
-    for (const OUTPUT& output : outputs_) Flush(FolderOf(output.path));
+    for (const OUTPUT& output : outputs_) Flush(fs::path(output.path).parent_path() / ".");
     committed_ = true;
 }
 

@@ -8,23 +8,12 @@
 #include <cstdio>
 #include <cstring>
 #include <ctime>
-#include <filesystem>
 #include <fstream>
 
 #include "app/report/utc_text.h"
+#include "lib/baselib/image/output_path.h"
 
 namespace {
-
-std::string BehindLinks(const std::string& path) {
-    std::error_code ignored;
-    const std::filesystem::path target = std::filesystem::weakly_canonical(path, ignored);
-    return target.empty() ? path : target.string();
-}
-
-std::string FolderOf(const std::string& path) {
-    const std::string folder = std::filesystem::path(path).parent_path().string();
-    return folder.empty() ? "." : folder;
-}
 
 constexpr std::string_view kBeginning = "{\n  \"report_version\": ";
 
@@ -91,10 +80,11 @@ int REPORT_FILE::Write(std::string_view document, const RUN_END& end) const noex
 
 std::string ReportPathProblem(const std::string& path) {
     const std::string target = BehindLinks(path);
+    if (target.empty()) return std::strerror(errno);
     struct stat status {};
     if (stat(target.c_str(), &status) == 0 && !S_ISREG(status.st_mode))
         return "is there already and is no regular file";
     if (IsForeign(target)) return "is there already and is no report";
     if (path.back() == '/') return "names a folder";
-    return access(FolderOf(target).c_str(), W_OK | X_OK) == 0 ? "" : std::strerror(errno);
+    return access(FOLDER_AND_NAME(target).FolderPath(), W_OK | X_OK) == 0 ? "" : std::strerror(errno);
 }

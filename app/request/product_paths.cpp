@@ -14,6 +14,7 @@
 #include "app/report/report_file.h"
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/errors/log_and_throw.h"
+#include "lib/baselib/image/output_path.h"
 
 namespace {
 
@@ -27,17 +28,12 @@ struct FILE_IDENTITY {
     bool operator==(const FILE_IDENTITY&) const = default;
 };
 
-std::string FolderOf(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    if (slash == std::string::npos) return ".";
-    return slash == 0 ? "/" : path.substr(0, slash);
-}
-
 std::optional<FILE_IDENTITY> IdentityOf(const std::string& path) {
     struct stat status {};
     if (stat(path.c_str(), &status) == 0) return FILE_IDENTITY{status.st_dev, status.st_ino, ""};
-    if (stat(FolderOf(path).c_str(), &status) != 0) return std::nullopt;
-    return FILE_IDENTITY{status.st_dev, status.st_ino, path.substr(path.rfind('/') + 1)};
+    const FOLDER_AND_NAME place(path);
+    if (stat(place.FolderPath(), &status) != 0) return std::nullopt;
+    return FILE_IDENTITY{status.st_dev, status.st_ino, place.name};
 }
 
 void RefuseSharedFiles(const REQUEST& request) {

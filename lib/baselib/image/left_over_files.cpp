@@ -32,9 +32,9 @@ std::string NamePrefix(const FOLDER_AND_NAME& product) {
     return text;
 }
 
-std::vector<std::string> NamesWith(const std::string& prefix, const std::string& folder) {
+std::vector<std::string> NamesWith(const std::string& prefix, const char* folder) {
     std::vector<std::string> names;
-    const std::unique_ptr<DIR, int (*)(DIR*)> entries(opendir(folder.empty() ? "." : folder.c_str()), &closedir);
+    const std::unique_ptr<DIR, int (*)(DIR*)> entries(opendir(folder), &closedir);
     if (entries == nullptr) return names;
     while (const dirent* const entry = readdir(entries.get())) {
         if (std::strncmp(entry->d_name, prefix.c_str(), prefix.size()) == 0) names.emplace_back(entry->d_name);
@@ -64,7 +64,7 @@ bool IsOurs(int descriptor) {
 }  // namespace
 
 void RemoveLeftOvers(const FOLDER_AND_NAME& product) {
-    for (const std::string& name : NamesWith(NamePrefix(product), product.folder))
+    for (const std::string& name : NamesWith(NamePrefix(product), product.FolderPath()))
         RemoveUnlessHeld(product.PathOf(name));
 }
 

@@ -5,11 +5,13 @@
 
 #include <string>
 
-/// The path's folder ("." for a bare name) and its last name, for example "out/" and "phase.ras".
+/// The path's folder and its last name, for example "out/" and "phase.ras".
 struct FOLDER_AND_NAME {
     explicit FOLDER_AND_NAME(const std::string& path);
     /// Of another name in this folder.
     [[nodiscard]] std::string PathOf(const std::string& other_name) const { return folder + other_name; }
+    /// For the system's calls, which know no empty path.
+    [[nodiscard]] const char* FolderPath() const { return folder.empty() ? "." : folder.c_str(); }
 
     std::string folder;  ///< ends with a slash; empty for the current folder
     std::string name;
