@@ -6,6 +6,7 @@
 #include "geometry/constants.h"
 #include "geometry/vector_arithmetic.h"
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/logging/logging.h"
 
 namespace {
@@ -95,9 +96,8 @@ WORKSPACE LocalFrame(const ARGUMENTS& arguments) {
     const double across_velocity_m_s = Length(across);
     // Rounding leaves some 1e-13 m/s across the vertical when the velocity is vertical; a satellite has km/s.
     if (across_velocity_m_s < 1e-6) {
-        Log().Message(LOGGING_LEVEL::ALARM, "geolocation_fast: velocity (%f, %f, %f) has no part across the vertical",
-                      arguments.velocity_m_s.x, arguments.velocity_m_s.y, arguments.velocity_m_s.z);
-        throw ERROR_DATA();
+        LogAndThrow<ERROR_DATA>("geolocation_fast: velocity (%f, %f, %f) has no part across the vertical",
+                                arguments.velocity_m_s.x, arguments.velocity_m_s.y, arguments.velocity_m_s.z);
     }
     work.e3 = (1.0 / across_velocity_m_s) * across;
     work.e2 = CrossProduct(work.e3, work.e1);

@@ -18,7 +18,7 @@ constexpr double kSmallestSlope = 1e6;  ///< m^2/s^2; a low orbit has 5e7. It bo
 ///                 the only one and becomes vector code.
 template <int DEGREE>
 [[gnu::always_inline]] inline long long Step(const double* __restrict terms, double centre_s, double piece_first_s,
-                                             double piece_last_s, const STEP_FRAME& span,
+                                             double piece_last_s, const STEP_FRAME frame,
                                              ZERO_DOPPLER_BLOCK& __restrict block) {
     // Plain pointers: the compiler does not vectorise over the members themselves.
     const double* __restrict x_m = block.x_m;
@@ -28,14 +28,10 @@ template <int DEGREE>
     double* __restrict ranges_m = block.range_m;
     double* __restrict last_steps_s = block.last_step_s;
     double* __restrict given_up = block.given_up;
-    const double offset_s = span.offset_s;
-    const double guess_s = span.first_guess_s;
-    const double first_s = span.first_s;
-    const double last_s = span.last_s;
     long long unsolved = 0;
     for (int i = 0; i < kSize; ++i) {
         const double time_s = times_s[i];
-        const double at_s = time_s + offset_s;
+        const double at_s = time_s + frame.offset_s;
         const double u = at_s - centre_s;
         double sx = 0.0, sy = 0.0, sz = 0.0;
         double vx = 0.0, vy = 0.0, vz = 0.0;
@@ -67,13 +63,13 @@ template <int DEGREE>
         const double moves =
             One(__builtin_fabs(last_step_s) > kZeroDopplerTolerance, at_s >= piece_first_s, at_s < piece_last_s);
         const double next_s = time_s - moves * step_s;
-        const double next_at_s = next_s + offset_s;
-        const double stays = One(slope > kSmallestSlope, next_at_s >= first_s, next_at_s <= last_s);
+        const double next_at_s = next_s + frame.offset_s;
+        const double stays = One(slope > kSmallestSlope, next_at_s >= frame.first_s, next_at_s <= frame.last_s);
         const double leaves = moves * (1.0 - stays);
         const double kept_step_s = moves * step_s + (1.0 - moves) * last_step_s;
         const double next_step_s = (1.0 - leaves) * kept_step_s;
         ranges_m[i] = moves * range_m + (1.0 - moves) * ranges_m[i];
-        times_s[i] = (1.0 - leaves) * next_s + leaves * guess_s;
+        times_s[i] = (1.0 - leaves) * next_s + leaves * frame.first_guess_s;
         last_steps_s[i] = next_step_s;
         given_up[i] += leaves;
         unsolved += __builtin_fabs(next_step_s) > kZeroDopplerTolerance ? 1 : 0;

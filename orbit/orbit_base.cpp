@@ -1,21 +1,20 @@
 #include "orbit/orbit_base.h"
 
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/logging/logging.h"
 
 namespace {
 
 /// For operations that a concrete orbit has not taken over.
 [[noreturn]] void RefuseOperation(const char* operation) {
-    Log().Message(LOGGING_LEVEL::ALARM, "ORBIT_BASE: %s", operation);
-    throw ERROR_NOT_IMPLEMENTED();
+    LogAndThrow<ERROR_NOT_IMPLEMENTED>("ORBIT_BASE: %s", operation);
 }
 
 }  // namespace
 
 void RefuseAssignment(const char* signature) {
-    Log().Message(LOGGING_LEVEL::ALARM, "%s", signature);
-    throw ERROR_ARGUMENT();
+    LogAndThrow<ERROR_ARGUMENT>("%s", signature);
 }
 
 void RefuseCoreObject() {

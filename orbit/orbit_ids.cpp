@@ -1,7 +1,7 @@
 #include "orbit/orbit_ids.h"
 
 #include "lib/baselib/errors/error_exception.h"
-#include "lib/baselib/logging/logging.h"
+#include "lib/baselib/errors/log_and_throw.h"
 
 namespace {
 
@@ -28,14 +28,12 @@ ORBIT_TYPE_ID OrbitTypeIdFromText(const std::string& text) {
     for (int i = 0; i < kOrbitTypes; ++i) {
         if (text == kOrbitTypeTexts[i]) return static_cast<ORBIT_TYPE_ID>(i + 1);
     }
-    Log().Message(LOGGING_LEVEL::ALARM, "GENERAL_ORBIT: can not convert %s to orbit_type_id", text.c_str());
-    throw ERROR_ARGUMENT();
+    LogAndThrow<ERROR_ARGUMENT>("GENERAL_ORBIT: can not convert %s to orbit_type_id", text.c_str());
 }
 
 INTERPOLATION_ID InterpolationIdFromText(const std::string& text) {
     for (int i = 0; i < kInterpolations; ++i) {
         if (text == kInterpolationTexts[i]) return static_cast<INTERPOLATION_ID>(i);
     }
-    Log().Message(LOGGING_LEVEL::ALARM, "GENERAL_ORBIT: can not convert %s to interpolation_id", text.c_str());
-    throw ERROR_ARGUMENT();
+    LogAndThrow<ERROR_ARGUMENT>("GENERAL_ORBIT: can not convert %s to interpolation_id", text.c_str());
 }

@@ -7,6 +7,7 @@
 #include <typeinfo>
 
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/logging/logging.h"
 #include "orbit/samples/check_table.h"
 
@@ -98,15 +99,13 @@ int SAMPLED_ORBIT::StateVectorCount() const {
 
 void SAMPLED_ORBIT::SetReferenceTime(const ANY_TIME& time) {
     if (samples_ != nullptr) {
-        Log().Message(LOGGING_LEVEL::ALARM,
-                      "ORBIT: the reference time can not become %s: it would move the %zu state vectors read with %s",
-                      TextOf(time).c_str(), samples_->Count(), TextOf(reference_).c_str());
-        throw ERROR_ARGUMENT();
+        LogAndThrow<ERROR_ARGUMENT>(
+            "ORBIT: the reference time can not become %s: it would move the %zu state vectors read with %s",
+            TextOf(time).c_str(), samples_->Count(), TextOf(reference_).c_str());
     }
     if (time.index() != reference_.index()) {
-        Log().Message(LOGGING_LEVEL::ALARM, "ORBIT: the reference time %s is %s, but the times of %s are %s",
-                      TextOf(time).c_str(), KindOf(time), TextOf(TypeId()), KindOf(reference_));
-        throw ERROR_ARGUMENT();
+        LogAndThrow<ERROR_ARGUMENT>("ORBIT: the reference time %s is %s, but the times of %s are %s",
+                                    TextOf(time).c_str(), KindOf(time), TextOf(TypeId()), KindOf(reference_));
     }
     reference_ = time;
 }

@@ -6,6 +6,7 @@
 #include "geometry/vector_arithmetic.h"
 #include "geometry/zero_doppler.h"
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/logging/logging.h"
 #include "orbit/general_orbit.h"
 
@@ -66,9 +67,8 @@ double ReferenceAperture(const SCENE& scene) {
 void CheckAperture(const SCENE& scene, double aperture_s) {
     const double data_s = scene.slave.orbit.orbit->LastTime() - scene.slave.orbit.orbit->FirstTime();
     if (aperture_s > 0.0 && aperture_s <= data_s) return;
-    Log().Message(LOGGING_LEVEL::ALARM,
-                  "bistatic solution: aperture time %g s of the slave is not above 0 and within its orbit's data of "
-                  "%g s (az_bandwidth %g Hz, radar_frequency %g Hz)",
-                  aperture_s, data_s, scene.slave.azimuth_bandwidth_hz, scene.slave.carrier_frequency_hz);
-    throw ERROR_PARAMETER();
+    LogAndThrow<ERROR_PARAMETER>(
+        "bistatic solution: aperture time %g s of the slave is not above 0 and within its orbit's data of "
+        "%g s (az_bandwidth %g Hz, radar_frequency %g Hz)",
+        aperture_s, data_s, scene.slave.azimuth_bandwidth_hz, scene.slave.carrier_frequency_hz);
 }

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "lib/baselib/errors/error_exception.h"
-#include "lib/baselib/logging/logging.h"
+#include "lib/baselib/errors/log_and_throw.h"
 
 namespace {
 
@@ -31,21 +31,18 @@ double AzimuthShiftCorrection(const AZIMUTH_SHIFT_CORRECTION& correction, double
 void CheckAzimuthShiftCorrection(const AZIMUTH_SHIFT_CORRECTION& correction, const ACQUISITION_SCENE& slave) {
     const double reference_s = correction.fast_time_reference_s;
     if (!std::isfinite(reference_s)) {
-        Log().Message(LOGGING_LEVEL::ALARM,
-                      "slave pool: key \"focussed_slow_time_corr_poly_fast_time_reference\": value %g is not finite",
-                      reference_s);
-        throw ERROR_PARAMETER();
+        LogAndThrow<ERROR_PARAMETER>(
+            "slave pool: key \"focussed_slow_time_corr_poly_fast_time_reference\": value %g is not finite",
+            reference_s);
     }
     const double argument_s =
         std::max(std::abs(slave.near_range_time_s - reference_s), std::abs(slave.far_range_time_s - reference_s));
     for (std::size_t i = 0; i < correction.coefficients.size(); ++i) {
         if (!IsTooLarge(correction.coefficients[i], i, argument_s)) continue;
-        Log().Message(
-            LOGGING_LEVEL::ALARM,
+        LogAndThrow<ERROR_PARAMETER>(
             "slave pool: key \"focussed_slow_time_corr_poly_coefficients\": element %zu, %g, moves the slave by "
             "more than %g s at a range time %g s from "
             "\"focussed_slow_time_corr_poly_fast_time_reference\" (%g s)",
             i, correction.coefficients[i], kLargestTermSeconds, argument_s, reference_s);
-        throw ERROR_PARAMETER();
     }
 }

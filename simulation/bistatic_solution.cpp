@@ -5,6 +5,7 @@
 
 #include "geometry/constants.h"
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/logging/logging.h"
 #include "orbit/fit/svdfit.h"
 #include "orbit/general_orbit.h"
@@ -135,12 +136,11 @@ void BISTATIC_SOLUTION::Finish(const POINTS& points, int first, int size) const 
 
 void BISTATIC_SOLUTION::RefuseMaximum(const POINTS& points, int element, int i) const {
     const double half_s = 0.5 * aperture_s_;
-    Log().Message(LOGGING_LEVEL::ALARM,
-                  "bistatic solution: the travel times of DEM column %d, row %d have no minimum (squared travel time "
-                  "%g + %g t + %g t^2); check the orbits of master and slave",
-                  points.first_dem_column + element, points.dem_row, block_.c0[i], block_.c1[i] / half_s,
-                  block_.c2[i] / (half_s * half_s));
-    throw ERROR_ALGORITHM();
+    LogAndThrow<ERROR_ALGORITHM>(
+        "bistatic solution: the travel times of DEM column %d, row %d have no minimum (squared travel time "
+        "%g + %g t + %g t^2); check the orbits of master and slave",
+        points.first_dem_column + element, points.dem_row, block_.c0[i], block_.c1[i] / half_s,
+        block_.c2[i] / (half_s * half_s));
 }
 
 void BISTATIC_SOLUTION::LogStatistics() const {

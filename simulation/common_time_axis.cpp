@@ -1,6 +1,7 @@
 #include "simulation/common_time_axis.h"
 
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/logging/logging.h"
 #include "orbit/general_orbit.h"
 
@@ -8,12 +9,10 @@ void CarrySlaveOntoMasterAxis(const ACQUISITION_SCENE& master, ACQUISITION_SCENE
     const ORBIT_OF_POOL& master_orbit = *master.orbit.orbit;
     const ORBIT_OF_POOL& slave_orbit = *slave.orbit.orbit;
     if (!master_orbit.HasReferenceOfSameKind(slave_orbit)) {
-        Log().Message(
-            LOGGING_LEVEL::ALARM,
+        LogAndThrow<ERROR_PARAMETER>(
             "single-pass pair: the orbit_reference_time of the master is of the kind \"%s\", that of the slave "
             "\"%s\"; both must be of one kind, since their times are counted from one instant",
             KindOf(master_orbit.ReferenceTime()), KindOf(slave_orbit.ReferenceTime()));
-        throw ERROR_PARAMETER();
     }
     const double difference_s = master_orbit.SecondsFromReferenceOf(slave_orbit);
     if (difference_s == 0.0) return;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/image/product_rows.h"
 #include "lib/baselib/logging/logging.h"
 #include "simulation/threads.h"
@@ -23,17 +24,16 @@ void CheckArgument(const COPY_MEM_MGR_ARG& argument) {
     const MEM_MGR& source = *argument.source;
     const MEM_MGR& destination = *argument.destination;
     if (source.PixelType() != destination.PixelType() || source.BytesPerPixel() != kPixelBytes) {
-        Log().Message(LOGGING_LEVEL::ALARM, "pixels of type \"%s\" can not be copied to \"%s\"",
-                      source.DataType().Text().c_str(), destination.DataType().Text().c_str());
-        throw ERROR_NOT_SUPPORTED_PIXEL_TYPE();
+        LogAndThrow<ERROR_NOT_SUPPORTED_PIXEL_TYPE>("pixels of type \"%s\" can not be copied to \"%s\"",
+                                                    source.DataType().Text().c_str(),
+                                                    destination.DataType().Text().c_str());
     }
     const long long first_row = argument.start;
     const long long last_row = first_row + argument.length - 1;
     const long long columns = destination.Columns();
     if (!Holds(source, columns, first_row, last_row)) {
-        Log().Message(LOGGING_LEVEL::ALARM, "columns 0..%lld of rows %lld..%lld are not in the image", columns - 1,
-                      first_row, last_row);
-        throw ERROR_ARGUMENT();
+        LogAndThrow<ERROR_ARGUMENT>("columns 0..%lld of rows %lld..%lld are not in the image", columns - 1, first_row,
+                                    last_row);
     }
 }
 
@@ -67,8 +67,7 @@ void CopyMemMgrThread(COPY_MEM_MGR_ARG* argument) {
 
 void CopyMemMgr(const MEM_MGR& source, long long columns, long long rows, PRODUCT_FILE& file, long long file_row) {
     if (rows > std::numeric_limits<std::uint32_t>::max()) {
-        Log().Message(LOGGING_LEVEL::ALARM, "an image of %lld rows has too many to be copied", rows);
-        throw ERROR_ARGUMENT();
+        LogAndThrow<ERROR_ARGUMENT>("an image of %lld rows has too many to be copied", rows);
     }
     std::vector<MEM_MGR> bands;  // before the runner, whose destructor joins the threads that a failure left running
     THREADS<COPY_MEM_MGR_ARG, unsigned int> threads(0, static_cast<unsigned>(rows), CopyMemMgrThread);

@@ -7,13 +7,12 @@
 
 #include "geometry/constants.h"
 #include "lib/baselib/errors/error_exception.h"
-#include "lib/baselib/logging/logging.h"
+#include "lib/baselib/errors/log_and_throw.h"
 
 namespace {
 
 [[noreturn]] void RefuseKind(const DEM_GRID& dem) {
-    Log().Message(LOGGING_LEVEL::ALARM, "DEM grid must be UTM or GEO : %s", dem.kind.c_str());
-    throw ERROR_DATA();
+    LogAndThrow<ERROR_DATA>("DEM grid must be UTM or GEO : %s", dem.kind.c_str());
 }
 
 GEOGRAPHIC GeographicOfUtmSample(const DEM_GRID& dem, int column, int row) {
@@ -56,8 +55,7 @@ void Get_Local_DEM_From_GEO(const DEM_GRID& dem, double& column, double& row, do
                             double latitude_deg) {
     const GRID_KIND kind = GridKindOf(dem.kind);
     if (kind == GRID_KIND::UTM) {
-        Log().Message(LOGGING_LEVEL::ALARM, "Get_Local_DEM_From_GEO not yet implemented for UTM");
-        throw ERROR_NOT_IMPLEMENTED();
+        LogAndThrow<ERROR_NOT_IMPLEMENTED>("Get_Local_DEM_From_GEO not yet implemented for UTM");
     }
     if (kind == GRID_KIND::REFUSED) RefuseKind(dem);
     double d = longitude_deg - dem.x0;

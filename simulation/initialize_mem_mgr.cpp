@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/logging/logging.h"
 #include "simulation/threads.h"
 
@@ -30,14 +31,12 @@ void FillWords(std::byte* at, long long words, std::uint32_t pattern) {
 void CheckArgument(const INITIALIZE_MEM_MGR_ARG& argument) {
     const MEM_MGR& image = *argument.image;
     if (image.BytesPerPixel() == 0 || image.BytesPerPixel() % kWordBytes != 0) {
-        Log().Message(LOGGING_LEVEL::ALARM, "pixels of type \"%s\" can not be filled with a 32-bit value",
-                      image.DataType().Text().c_str());
-        throw ERROR_NOT_SUPPORTED_PIXEL_TYPE();
+        LogAndThrow<ERROR_NOT_SUPPORTED_PIXEL_TYPE>("pixels of type \"%s\" can not be filled with a 32-bit value",
+                                                    image.DataType().Text().c_str());
     }
     if (static_cast<long long>(argument.start) + argument.length > image.Rows()) {
-        Log().Message(LOGGING_LEVEL::ALARM, "rows %u + %u to be filled exceed the %lld rows of the image",
-                      argument.start, argument.length, image.Rows());
-        throw ERROR_ARGUMENT();
+        LogAndThrow<ERROR_ARGUMENT>("rows %u + %u to be filled exceed the %lld rows of the image", argument.start,
+                                    argument.length, image.Rows());
     }
 }
 
@@ -59,8 +58,7 @@ void InitializeMemMgrThread(INITIALIZE_MEM_MGR_ARG* argument) {
 
 void InitializeMemMgr(MEM_MGR& image, std::uint32_t pattern) {
     if (image.Rows() > std::numeric_limits<std::uint32_t>::max()) {
-        Log().Message(LOGGING_LEVEL::ALARM, "an image of %lld rows has too many to be filled", image.Rows());
-        throw ERROR_ARGUMENT();
+        LogAndThrow<ERROR_ARGUMENT>("an image of %lld rows has too many to be filled", image.Rows());
     }
     THREADS<INITIALIZE_MEM_MGR_ARG, unsigned int> threads(0, static_cast<unsigned>(image.Rows()),
                                                           InitializeMemMgrThread);

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/image/product_rows.h"
 #include "lib/baselib/logging/logging.h"
 
@@ -45,19 +46,16 @@ class PRECISION_CHECK {
 };
 
 void RefuseValue(const std::string& path, long long x, long long y, double value) {
-    Log().Message(LOGGING_LEVEL::ALARM, "%s: value %g at x=%lld y=%lld can not be written as a 32-bit real",
-                  path.c_str(), value, x, y);
-    throw ERROR_INVALID_VALUE();
+    LogAndThrow<ERROR_INVALID_VALUE>("%s: value %g at x=%lld y=%lld can not be written as a 32-bit real", path.c_str(),
+                                     value, x, y);
 }
 
 void CheckParameters(const std::string& path, double offset, double precision) {
     if (!IsUsable(offset)) {
-        Log().Message(LOGGING_LEVEL::ALARM, "%s: offset %g is not usable", path.c_str(), offset);
-        throw ERROR_INVALID_VALUE();
+        LogAndThrow<ERROR_INVALID_VALUE>("%s: offset %g is not usable", path.c_str(), offset);
     }
     if (!std::isfinite(precision) || precision <= 0.0 || precision > kLargestValue) {
-        Log().Message(LOGGING_LEVEL::ALARM, "%s: precision %g is not above 0", path.c_str(), precision);
-        throw ERROR_ARGUMENT();
+        LogAndThrow<ERROR_ARGUMENT>("%s: precision %g is not above 0", path.c_str(), precision);
     }
 }
 
@@ -65,8 +63,7 @@ void CheckParameters(const std::string& path, double offset, double precision) {
 
 double PerturbationOffset(double centre) {
     if (!IsUsable(centre)) {
-        Log().Message(LOGGING_LEVEL::ALARM, "the centre value %g of a matrix is no usable offset", centre);
-        throw ERROR_INVALID_VALUE();
+        LogAndThrow<ERROR_INVALID_VALUE>("the centre value %g of a matrix is no usable offset", centre);
     }
     return std::rint(centre);
 }

@@ -1,6 +1,7 @@
 #include "time/met_scanner.h"
 
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/logging/logging.h"
 #include "time/time_scanner.h"
 
@@ -50,6 +51,5 @@ MISSION_ELAPSED_TIME MET_SCANNER::Scan(const std::string& text) const {
     } catch (const char* message) {
         Log().Message(LOGGING_LEVEL::ALARM, "MET_SCANNER: %s: %s", message, text.c_str());
     }
-    Log().Message(LOGGING_LEVEL::ALARM, kErrorDuringScan, text.c_str());
-    throw ERROR_DATA();
+    LogAndThrow<ERROR_DATA>(kErrorDuringScan, text.c_str());
 }

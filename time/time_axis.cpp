@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/errors/parse_number.h"
 #include "lib/baselib/logging/logging.h"
 
@@ -31,8 +32,7 @@ double TIME_AXIS<double>::FromText(const std::string& text) {
     double value = 0.0;
     if (ParseReal(text.substr(first, end < first ? 0 : end - first), value) != PARSE_RESULT::OK ||
         !std::isfinite(value)) {
-        Log().Message(LOGGING_LEVEL::ALARM, "TIME: \"%s\" is no number of seconds", text.c_str());
-        throw ERROR_DATA();
+        LogAndThrow<ERROR_DATA>("TIME: \"%s\" is no number of seconds", text.c_str());
     }
     return value;
 }

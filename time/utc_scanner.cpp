@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/logging/logging.h"
 #include "time/calendar.h"
 #include "time/time_scanner.h"
@@ -152,8 +153,7 @@ UNIVERSAL_TIME UTC_SCANNER::Scan(const std::string& text) const {
         return ScanForm(text);
     } catch (const char* message) {
         Log().Message(LOGGING_LEVEL::ALARM, "UTC_SCANNER: %s: %s", message, text.c_str());
-        Log().Message(LOGGING_LEVEL::ALARM, kErrorDuringScan, text.c_str());
-        throw ERROR_DATA();
+        LogAndThrow<ERROR_DATA>(kErrorDuringScan, text.c_str());
     } catch (const ERROR_EXCEPTION&) {  // the value that is wrong has been logged, not yet the text around it
         Log().Message(LOGGING_LEVEL::ALARM, kErrorDuringScan, text.c_str());
         throw;

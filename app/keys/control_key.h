@@ -103,7 +103,7 @@ inline constexpr CONTROL_KEY_ROW kControlKeys[] = {
 
 /// A row of the table by its name: a name that is not in the table does not compile.
 struct CONTROL_KEY {
-    consteval CONTROL_KEY(const char* name) : row(Find(name)) {}  // NOLINT(google-explicit-constructor)
+    consteval CONTROL_KEY(const char* name) : row(Find(name)) {}
 
     const CONTROL_KEY_ROW& row;
 

@@ -141,7 +141,7 @@ inline constexpr POOL_KEY_ROW kRows[] = {
 /// A row of the table by its name and the C++ type of its values: another name or type does not compile.
 template <class T>
 struct POOL_KEY {
-    consteval POOL_KEY(const char* name) : row(Find(name)) {}  // NOLINT(google-explicit-constructor)
+    consteval POOL_KEY(const char* name) : row(Find(name)) {}
 
     const POOL_KEY_ROW& row;
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/logging/logging.h"
 #include "orbit/fit/basis_functions.h"
 
@@ -12,8 +13,7 @@ CHEBY_POLY_CORE& CHEBY_POLY_CORE::operator=(const CHEBY_POLY_CORE& other) {
         CHEBY_POLY_CORE copy(other);
         *this = std::move(copy);
     } catch (const std::bad_alloc&) {
-        Log().Message(LOGGING_LEVEL::ALARM, "CHEBY_POLY::operator =: not enough memory.");
-        throw ERROR_NO_MEMORY();
+        LogAndThrow<ERROR_NO_MEMORY>("CHEBY_POLY::operator =: not enough memory.");
     }
     return *this;
 }
@@ -28,8 +28,7 @@ void CHEBY_POLY_CORE::Create(const SUPPORT_POINTS& points) {
         order_ = ReducedFitOrder(order_, points.Count(), "CHEBY_POLY::Create: reduce polynomial fit order ");
         fit_ = FitScaled<CHEBY_POLY_FUNCTION>(points, order_);
     } catch (const std::bad_alloc&) {
-        Log().Message(LOGGING_LEVEL::ALARM, "CHEBY_POLY::Create: not enough memory.");
-        throw ERROR_NO_MEMORY();
+        LogAndThrow<ERROR_NO_MEMORY>("CHEBY_POLY::Create: not enough memory.");
     }
     Log().Message(LOGGING_LEVEL::INFO, "CHEBY_POLY::Create: chi^2 = %.10g", fit_.chi_square);
     if (warn_about_dropped_) WarnAboutDroppedValues(fit_, "CHEBY_POLY::Create");

@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/logging/logging.h"
 
 namespace {
@@ -36,14 +37,11 @@ bool EVERETT_CORE::IsEquidistant(std::span<const double> x) {
 
 void EVERETT_CORE::CheckOrder(int point_count) const {
     if (point_count < 2) {
-        Log().Message(LOGGING_LEVEL::ALARM, "EVERETT::Create: more than 1 value needed.");
-        throw ERROR_ARGUMENT();
+        LogAndThrow<ERROR_ARGUMENT>("EVERETT::Create: more than 1 value needed.");
     }
     if (order_ % 2 != 0) {
-        Log().Message(LOGGING_LEVEL::ALARM,
-                      "EVERETT::Create: Everett interpolation only possible with even order, not for given order %d",
-                      order_);
-        throw ERROR_ARGUMENT();
+        LogAndThrow<ERROR_ARGUMENT>(
+            "EVERETT::Create: Everett interpolation only possible with even order, not for given order %d", order_);
     }
     if (order_ < 0 || order_ > kMaxOrder)
         RefuseArgument("EVERETT::Create", "the order %d is outside 0..%d", order_, kMaxOrder);

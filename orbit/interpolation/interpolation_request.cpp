@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/errors/parse_number.h"
 #include "lib/baselib/logging/logging.h"
 
@@ -63,10 +64,9 @@ int NumberOrRefuse(const std::string& word, const WORD& description) {
     long long value = 0;
     const bool is_number = IsDecimal(word) && ParseInteger(word, value) == PARSE_RESULT::OK;
     if (!is_number || value < description.smallest || value > description.largest) {
-        Log().Message(LOGGING_LEVEL::ALARM, "ORBIT: interpolation \"%s\": the %s \"%s\" is no number from %d to %d",
-                      description.text.c_str(), description.name, word.c_str(), description.smallest,
-                      description.largest);
-        throw ERROR_ARGUMENT();
+        LogAndThrow<ERROR_ARGUMENT>("ORBIT: interpolation \"%s\": the %s \"%s\" is no number from %d to %d",
+                                    description.text.c_str(), description.name, word.c_str(), description.smallest,
+                                    description.largest);
     }
     return static_cast<int>(value);
 }
@@ -98,8 +98,7 @@ int ParameterOfWord(const std::vector<std::string>& words, size_t position, int 
 INTERPOLATION_REQUEST ParseInterpolationText(const std::string& text) {
     const std::vector<std::string> words = Words(text);
     if (words.empty()) {
-        Log().Message(LOGGING_LEVEL::ALARM, "ORBIT: can not determine interpolation type from: %s", text.c_str());
-        throw ERROR_ARGUMENT();
+        LogAndThrow<ERROR_ARGUMENT>("ORBIT: can not determine interpolation type from: %s", text.c_str());
     }
     INTERPOLATION_REQUEST request;
     request.id = InterpolationIdFromText(words[0]);

@@ -5,7 +5,7 @@
 #include <cstdio>
 
 #include "lib/baselib/errors/error_exception.h"
-#include "lib/baselib/logging/logging.h"
+#include "lib/baselib/errors/log_and_throw.h"
 
 namespace {
 
@@ -64,8 +64,7 @@ void RefuseArgument(const char* owner, const char* format, ...) {
     va_start(arguments, format);
     std::vsnprintf(text, sizeof text, format, arguments);
     va_end(arguments);
-    Log().Message(LOGGING_LEVEL::ALARM, "%s: %s", owner, text);
-    throw ERROR_ARGUMENT();
+    LogAndThrow<ERROR_ARGUMENT>("%s: %s", owner, text);
 }
 
 void CheckSupportPoints(const SUPPORT_POINTS& points, const char* owner, SORTED sorted, bool nan_ordinates) {

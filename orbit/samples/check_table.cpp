@@ -1,13 +1,12 @@
 #include "orbit/samples/check_table.h"
 
 #include "lib/baselib/errors/error_exception.h"
-#include "lib/baselib/logging/logging.h"
+#include "lib/baselib/errors/log_and_throw.h"
 
 CHECK_TABLE::CHECK_TABLE(std::string file_name)
     : file_name_(std::move(file_name)), file_(std::fopen(file_name_.c_str(), "w")) {
     if (file_ == nullptr) {
-        Log().Message(LOGGING_LEVEL::ALARM, "ORBIT::SavePolynomial() can not create file: %s", file_name_.c_str());
-        throw ERROR_CAN_NOT_CREATE_FILE();
+        LogAndThrow<ERROR_CAN_NOT_CREATE_FILE>("ORBIT::SavePolynomial() can not create file: %s", file_name_.c_str());
     }
     std::fputs("|t [s]|x [m]|y [m]|z [m]|ix [m]|iy [m]|iz [m]|dx [m]|dy [m]|dz [m]|\n", file_.get());
 }
@@ -22,7 +21,6 @@ void CHECK_TABLE::AddLine(double t_s, const VECTOR_3D<double>& given_m, const VE
 void CHECK_TABLE::Close() {
     const bool written = std::ferror(file_.get()) == 0;
     if (std::fclose(file_.release()) != 0 || !written) {
-        Log().Message(LOGGING_LEVEL::ALARM, "ORBIT::SavePolynomial() can not write file: %s", file_name_.c_str());
-        throw ERROR_CAN_NOT_WRITE_FILE();
+        LogAndThrow<ERROR_CAN_NOT_WRITE_FILE>("ORBIT::SavePolynomial() can not write file: %s", file_name_.c_str());
     }
 }

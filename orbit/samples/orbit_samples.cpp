@@ -5,7 +5,7 @@
 #include <cstdio>
 
 #include "lib/baselib/errors/error_exception.h"
-#include "lib/baselib/logging/logging.h"
+#include "lib/baselib/errors/log_and_throw.h"
 
 namespace {
 
@@ -96,6 +96,5 @@ void RefuseStateVectors(const char* format, ...) {
     char text[1024];
     std::vsnprintf(text, sizeof text, format, arguments);
     va_end(arguments);
-    Log().Message(LOGGING_LEVEL::ALARM, "%s", text);
-    throw ERROR_DATA();
+    LogAndThrow<ERROR_DATA>("%s", text);
 }

@@ -1,6 +1,7 @@
 #include "orbit/samples/reference_time.h"
 
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/logging/logging.h"
 #include "time/time_axis.h"
 
@@ -43,7 +44,6 @@ ANY_TIME ReferenceTimeFromText(const std::string& text) {
 
 void RequireSameKind(const ANY_TIME& a, const ANY_TIME& b) {
     if (a.index() == b.index()) return;
-    Log().Message(LOGGING_LEVEL::ALARM, "ORBIT: no difference between %s (%s) and %s (%s)", TextOf(a).c_str(),
-                  KindOf(a), TextOf(b).c_str(), KindOf(b));
-    throw ERROR_ARGUMENT();
+    LogAndThrow<ERROR_ARGUMENT>("ORBIT: no difference between %s (%s) and %s (%s)", TextOf(a).c_str(), KindOf(a),
+                                TextOf(b).c_str(), KindOf(b));
 }

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/logging/logging.h"
 
 namespace {
@@ -24,8 +25,7 @@ constexpr ID_TEXT kOrbitSourceIds[] = {{0, ""},      // not set
 constexpr ID_TEXT kTapeSourceIds[] = {{0, "unknown"}, {1, "pri"}, {2, "sec"}, kEndOfTable};
 
 [[noreturn]] void Refuse(const std::string& pool_file, const char* key, int value, const char* reason) {
-    Log().Message(LOGGING_LEVEL::ALARM, "%s: key \"%s\": value %d %s", pool_file.c_str(), key, value, reason);
-    throw ERROR_DATA();
+    LogAndThrow<ERROR_DATA>("%s: key \"%s\": value %d %s", pool_file.c_str(), key, value, reason);
 }
 
 /// The digits of the number as printed in a field of width 3.

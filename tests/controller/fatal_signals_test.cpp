@@ -138,7 +138,7 @@ TEST_F(FatalSignalsTest, AScreenThatTakesNothingOrHasNoReaderDoesNotHoldTheEndUp
 }
 
 /// Uses up the stack; the sum keeps the compiler from turning the recursion into a loop.
-int Overflow(int depth) {  // NOLINT(misc-no-recursion)
+int Overflow(int depth) {
     volatile char block[4096];
     block[depth % 4096] = 1;
     return depth < 0 ? 0 : Overflow(depth + 1) + block[depth % 4096];

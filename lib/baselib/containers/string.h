@@ -17,8 +17,8 @@ class STRING {
   public:
     STRING() : STRING("") {}
     /// @throws ERROR_NO_MEMORY
-    STRING(const char* text) { Assign(text); }                 // NOLINT(google-explicit-constructor)
-    STRING(const std::string& text) { Assign(text.c_str()); }  // NOLINT(google-explicit-constructor)
+    STRING(const char* text) { Assign(text); }
+    STRING(const std::string& text) { Assign(text.c_str()); }
     STRING(const STRING& other) { Assign(other.CStr()); }
     STRING(STRING&& other) noexcept { Swap(other); }
     STRING& operator=(const STRING& other) {

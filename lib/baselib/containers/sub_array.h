@@ -6,6 +6,7 @@
 
 #include "lib/baselib/containers/array.h"
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/logging/logging.h"
 
 template <class T>
@@ -17,9 +18,8 @@ class SUB_ARRAY {
     SUB_ARRAY(ARRAY<T>& array, RANGE<int> elements, int first = 0) : range_{first, elements.count} {
         const long long offset = static_cast<long long>(elements.first) - array.First();
         if (elements.count < 0 || offset < 0 || offset + elements.count > array.Count()) {
-            Log().Message(LOGGING_LEVEL::ALARM, "SUB_ARRAY: %d elements from index %d are not within the array",
-                          elements.count, elements.first);
-            throw ERROR_ARGUMENT();
+            LogAndThrow<ERROR_ARGUMENT>("SUB_ARRAY: %d elements from index %d are not within the array", elements.count,
+                                        elements.first);
         }
         elements_ = array.Data() + offset;
     }

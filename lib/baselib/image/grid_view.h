@@ -29,8 +29,7 @@ struct GRID_VIEW {
     }
 
     /// The same grid, for readers.
-    operator GRID_VIEW<const T>() const  // NOLINT(google-explicit-constructor)
-        requires(!std::is_const_v<T>) {
+    operator GRID_VIEW<const T>() const requires(!std::is_const_v<T>) {
         return {data, row_stride, rows, columns, first_row};
     }
 };

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/image/system_error_text.h"
 #include "lib/baselib/logging/logging.h"
 
@@ -23,8 +24,7 @@ constexpr long long kMaxAllocationBytes = std::numeric_limits<std::ptrdiff_t>::m
 long long Extent(long long first, long long last, const char* what) {
     long long extent = 0;
     if (__builtin_sub_overflow(last, first, &extent) || __builtin_add_overflow(extent, 1, &extent) || extent < 0) {
-        Log().Message(LOGGING_LEVEL::ALARM, "MEM_MGR: no image has %s %lld to %lld", what, first, last);
-        throw ERROR_ARGUMENT();
+        LogAndThrow<ERROR_ARGUMENT>("MEM_MGR: no image has %s %lld to %lld", what, first, last);
     }
     return extent;
 }
@@ -60,9 +60,8 @@ std::byte* AllocatePixels(long long columns, long long rows, int bytes_per_pixel
     void* const memory =
         std::calloc(static_cast<std::size_t>(bytes) + 1, 1);  // + 1: an image of 0 pixels has data, too
     if (memory == nullptr) {
-        Log().Message(LOGGING_LEVEL::ALARM, "MEM_MGR: no memory for an image of %lld x %lld pixels of %d bytes",
-                      columns, rows, bytes_per_pixel);
-        throw ERROR_NO_MEMORY();
+        LogAndThrow<ERROR_NO_MEMORY>("MEM_MGR: no memory for an image of %lld x %lld pixels of %d bytes", columns, rows,
+                                     bytes_per_pixel);
     }
     AskForLargePages(memory, static_cast<std::size_t>(bytes));
     return static_cast<std::byte*>(memory);
@@ -154,15 +153,13 @@ void MEM_MGR::Flush(int flags) const {
     const int error = errno;
     Log() << LOGGING_LEVEL::ALARM << "MEM_MGR: msync error ..\n";
     Log() << LOGGING_LEVEL::ALARM << MsyncErrorText(error) << "\n";
-    Log().Message(LOGGING_LEVEL::ALARM, "%s: %s", held_.mapped_file->Path().c_str(), std::strerror(error));
-    throw ERROR_CAN_NOT_MSYNC();
+    LogAndThrow<ERROR_CAN_NOT_MSYNC>("%s: %s", held_.mapped_file->Path().c_str(), std::strerror(error));
 }
 
 void MEM_MGR::Advise(long long chunk_pages) const {
     long long chunk_bytes = 0;
     if (chunk_pages < 1 || __builtin_mul_overflow(chunk_pages, getpagesize(), &chunk_bytes)) {
-        Log().Message(LOGGING_LEVEL::ALARM, "MEM_MGR: an advice for chunks of %lld pages is not possible", chunk_pages);
-        throw ERROR_ARGUMENT();
+        LogAndThrow<ERROR_ARGUMENT>("MEM_MGR: an advice for chunks of %lld pages is not possible", chunk_pages);
     }
     Log() << LOGGING_LEVEL::DEBUG << "MEM_MGR: making " << (held_.header_size + held_.data_size) / chunk_bytes
           << " madvise calls\n";
@@ -197,9 +194,8 @@ void MEM_MGR::FreeColourMap() {
 template <class T>
 void MEM_MGR::BuildRowTable() {
     if (reinterpret_cast<std::uintptr_t>(held_.pixels) % alignof(T) != 0) {
-        Log().Message(LOGGING_LEVEL::ALARM, "MEM_MGR: pixels of type \"%s\" can not start at byte %lld of a file",
-                      held_.data_type.Text().c_str(), held_.header_size);
-        throw ERROR_IMAGE();
+        LogAndThrow<ERROR_IMAGE>("MEM_MGR: pixels of type \"%s\" can not start at byte %lld of a file",
+                                 held_.data_type.Text().c_str(), held_.header_size);
     }
     const long long rows = Rows();
     void* const memory = std::calloc(static_cast<std::size_t>(rows) + 1, sizeof(T*));
@@ -213,17 +209,15 @@ void MEM_MGR::BuildRowTable() {
 
 void* MEM_MGR::RowTable(PIXEL_TYPE requested) {
     if (held_.pixels == nullptr) {
-        Log().Message(LOGGING_LEVEL::ALARM, "MEM_MGR: no memory allocated for GetNumRecMatrix()");
-        throw ERROR_MEMORY();
+        LogAndThrow<ERROR_MEMORY>("MEM_MGR: no memory allocated for GetNumRecMatrix()");
     }
     if (FindPixelType(held_.pixel_type) == nullptr) {
-        Log().Message(LOGGING_LEVEL::ALARM, "MEM_MGR: unknow pixeltype in memory");
-        throw ERROR_NOT_SUPPORTED_PIXEL_TYPE();
+        LogAndThrow<ERROR_NOT_SUPPORTED_PIXEL_TYPE>("MEM_MGR: unknow pixeltype in memory");
     }
     if (requested != held_.pixel_type) {
-        Log().Message(LOGGING_LEVEL::ALARM, "MEM_MGR: the pixels are of type \"%s\", asked for as \"%s\"",
-                      held_.data_type.Text().c_str(), KnownPixelType(requested).data_type);
-        throw ERROR_NOT_SUPPORTED_PIXEL_TYPE();
+        LogAndThrow<ERROR_NOT_SUPPORTED_PIXEL_TYPE>("MEM_MGR: the pixels are of type \"%s\", asked for as \"%s\"",
+                                                    held_.data_type.Text().c_str(),
+                                                    KnownPixelType(requested).data_type);
     }
     if (held_.row_table == nullptr) {
         switch (held_.pixel_type) {

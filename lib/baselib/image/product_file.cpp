@@ -14,6 +14,7 @@
 #include <ctime>
 
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/image/left_over_files.h"
 #include "lib/baselib/image/output_path.h"
 #include "lib/baselib/image/raster_output.h"
@@ -28,9 +29,8 @@ constexpr long long kBytesPerWrite = 4 << 20;
 /// that of a file that is mounted nobody.
 /// @return false with errno set
 bool MayReplace(const struct stat& older, const std::string& path) {
-    const std::string folder = FOLDER_AND_NAME(path).folder;
     struct stat status {};
-    if (stat(folder.empty() ? "." : folder.c_str(), &status) != 0) return false;
+    if (stat(FOLDER_AND_NAME(path).FolderPath(), &status) != 0) return false;
     const uid_t user = geteuid();
     const bool sticky = (status.st_mode & S_ISVTX) != 0 && user != 0 && user != status.st_uid && user != older.st_uid;
     errno = EPERM;
@@ -96,8 +96,7 @@ void PRODUCT_FILE::RefuseToCreate(int error) const {
 
 void PRODUCT_FILE::FailWriting(const char* what, int error) const {
     Log().Message(LOGGING_LEVEL::ALARM, "%s%s", what, path_.c_str());
-    Log().Message(LOGGING_LEVEL::ALARM, "%s: %s", path_.c_str(), std::strerror(error));
-    throw ERROR_CAN_NOT_WRITE_FILE();
+    LogAndThrow<ERROR_CAN_NOT_WRITE_FILE>("%s: %s", path_.c_str(), std::strerror(error));
 }
 
 void PRODUCT_FILE::Open(mode_t permissions) {
@@ -163,11 +162,10 @@ void PRODUCT_FILE::KeepOwnerAndPermissions(const struct stat& older) {
 }
 
 void PRODUCT_FILE::RefuseForRoom(long long there, int error) const {
-    Log().Message(LOGGING_LEVEL::ALARM,
-                  "configuration: key \"%s\": %s: no room for an image of %u x %u pixels: %lld bytes are needed, %lld "
-                  "are there: %s",
-                  key_.c_str(), path_.c_str(), header_.width, header_.height, bytes_, there, std::strerror(error));
-    throw ERROR_NO_DISK_SPACE();
+    LogAndThrow<ERROR_NO_DISK_SPACE>(
+        "configuration: key \"%s\": %s: no room for an image of %u x %u pixels: %lld bytes are needed, %lld "
+        "are there: %s",
+        key_.c_str(), path_.c_str(), header_.width, header_.height, bytes_, there, std::strerror(error));
 }
 
 void PRODUCT_FILE::RequireRoom(std::map<dev_t, long long>& asked) const {
@@ -266,9 +264,7 @@ void PRODUCT_FILE::Synchronise() {
 }
 
 std::string PRODUCT_FILE::Folder() const {
-    if (way_ != WAY::TEMPORARY) return {};
-    const std::string folder = FOLDER_AND_NAME(names_.target).folder;
-    return folder.empty() ? "." : folder;
+    return way_ == WAY::TEMPORARY ? FOLDER_AND_NAME(names_.target).FolderPath() : std::string();
 }
 
 void PRODUCT_FILE::Place() {

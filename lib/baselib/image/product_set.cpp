@@ -13,6 +13,7 @@
 #include <string>
 
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/logging/logging.h"
 
 namespace {
@@ -84,9 +85,8 @@ void PRODUCT_SET::SynchroniseFolders() const {
         const int error = SynchroniseFolder(folder);
         if (error == 0 || warned) continue;
         if (error != EINVAL && error != EOPNOTSUPP && error != EACCES) {
-            Log().Message(LOGGING_LEVEL::ALARM, "%s: the products' names can not be brought to the disk: %s",
-                          folder.c_str(), std::strerror(error));
-            throw ERROR_CAN_NOT_WRITE_FILE();
+            LogAndThrow<ERROR_CAN_NOT_WRITE_FILE>("%s: the products' names can not be brought to the disk: %s",
+                                                  folder.c_str(), std::strerror(error));
         }
         Log().Message(LOGGING_LEVEL::WARNING, "%s: the folder can not be synchronised: %s", folder.c_str(),
                       std::strerror(error));

@@ -11,6 +11,7 @@
 #include <limits>
 
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/image/file_descriptor.h"
 #include "lib/baselib/image/mem_mgr.h"
 #include "lib/baselib/image/raster_header.h"
@@ -42,8 +43,7 @@ int OpenForMapping(const std::string& path, ACCESS_MODE mode) {
 RASTER_HEADER ReadHeader(const std::string& path, int file_descriptor) {
     RASTER_HEADER_BYTES bytes{};
     if (ReadWhole(file_descriptor, bytes.data(), bytes.size()) != bytes.size()) {
-        Log().Message(LOGGING_LEVEL::ALARM, "MEM_MGR: can not read header from: %s", path.c_str());
-        throw ERROR_CAN_NOT_READ_FILE();
+        LogAndThrow<ERROR_CAN_NOT_READ_FILE>("MEM_MGR: can not read header from: %s", path.c_str());
     }
     return DecodeRasterHeader(bytes);
 }
@@ -71,30 +71,26 @@ void RefuseOtherType(const std::string& path, int file_descriptor, const RASTER_
     if (told == nullptr || told->bytes == type.bytes) return;
     const long long bytes = BytesOfFile(file_descriptor);
     if (bytes != PromisedBytes(header, *told)) return;
-    Log().Message(LOGGING_LEVEL::ALARM,
-                  "%s: header (type %u, depth %u) and size (%lld bytes) say %s pixels, it is to be read as %s",
-                  path.c_str(), header.type, header.depth, bytes, told->data_type, type.data_type);
-    throw ERROR_IMAGE();
+    LogAndThrow<ERROR_IMAGE>(
+        "%s: header (type %u, depth %u) and size (%lld bytes) say %s pixels, it is to be read as %s", path.c_str(),
+        header.type, header.depth, bytes, told->data_type, type.data_type);
 }
 
 void RefuseShortFile(const std::string& path, int file_descriptor, const RASTER_HEADER& header,
                      const PIXEL_TYPE_RECORD& type) {
     const long long bytes = BytesOfFile(file_descriptor);
     if (PromisedBytes(header, type) <= bytes) return;
-    Log().Message(
-        LOGGING_LEVEL::ALARM,
+    LogAndThrow<ERROR_IMAGE>(
         "%s: too short: the header promises %u x %u pixels of %d bytes (%s) after %lld bytes, the file has %lld "
         "bytes",
         path.c_str(), header.width, header.height, type.bytes, type.data_type,
         kRasterHeaderBytes + static_cast<long long>(header.map_length), bytes);
-    throw ERROR_IMAGE();
 }
 
 void RefuseNoPixels(const std::string& path, const RASTER_HEADER& header) {
     if (header.width > 0 && header.height > 0) return;
-    Log().Message(LOGGING_LEVEL::ALARM, "%s: the image has no pixels: the header says %u x %u", path.c_str(),
-                  header.width, header.height);
-    throw ERROR_IMAGE();
+    LogAndThrow<ERROR_IMAGE>("%s: the image has no pixels: the header says %u x %u", path.c_str(), header.width,
+                             header.height);
 }
 
 /// A length of 0 is common practice for plain images and tells nothing.
@@ -150,8 +146,7 @@ void MEM_MGR::MapOpenFile(const std::string& path, int file_descriptor, int prot
         const int error = errno;
         Log() << LOGGING_LEVEL::ALARM << "MEM_MGR: mmap: mmap failed..\n";
         Log().Message(LOGGING_LEVEL::ALARM, "MEM_MGR: %s", std::strerror(error));
-        Log().Message(LOGGING_LEVEL::ALARM, "%s: can not map %lld bytes", path.c_str(), header_size + data_bytes);
-        throw ERROR_CAN_NOT_MMAP();
+        LogAndThrow<ERROR_CAN_NOT_MMAP>("%s: can not map %lld bytes", path.c_str(), header_size + data_bytes);
     }
     held_.mapped_file =
         std::make_unique<const MAPPED_FILE>(path, mapping, static_cast<std::size_t>(header_size + data_bytes));

@@ -8,8 +8,8 @@
 #include <limits>
 
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/image/system_error_text.h"
-#include "lib/baselib/logging/logging.h"
 
 namespace {
 
@@ -25,11 +25,10 @@ RASTER_HEADER RasterHeaderFor(const std::string& path, long long columns, long l
                       !__builtin_mul_overflow(length, type.bytes, &length) &&
                       length <= std::numeric_limits<long long>::max() - kRasterHeaderBytes;
     if (!fits) {
-        Log().Message(LOGGING_LEVEL::ALARM,
-                      "%s: a raster file can not hold %lld x %lld pixels of %d bytes: its header counts at most %lld "
-                      "columns and rows",
-                      path.c_str(), columns, rows, type.bytes, kMaxWord);
-        throw ERROR_IMAGE();
+        LogAndThrow<ERROR_IMAGE>(
+            "%s: a raster file can not hold %lld x %lld pixels of %d bytes: its header counts at most %lld "
+            "columns and rows",
+            path.c_str(), columns, rows, type.bytes, kMaxWord);
     }
     RASTER_HEADER header;
     header.width = static_cast<std::uint32_t>(columns);

@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/image/file_descriptor.h"
 #include "lib/baselib/image/mem_mgr.h"
 #include "lib/baselib/image/raster_output.h"
@@ -27,8 +28,8 @@ int OpenToSave(const std::string& path, mode_t permissions) {
     const bool regular = IsFileOfKind(file.Get(), S_IFREG);
     if (!regular && !IsFileOfKind(file.Get(), S_IFCHR)) {
         LogOpenFailure(path, EINVAL);
-        Log().Message(LOGGING_LEVEL::ALARM, "%s: is no regular file and can not be replaced by an image", path.c_str());
-        throw ERROR_CAN_NOT_OPEN_FILE();
+        LogAndThrow<ERROR_CAN_NOT_OPEN_FILE>("%s: is no regular file and can not be replaced by an image",
+                                             path.c_str());
     }
     if (regular && ftruncate(file.Get(), 0) != 0) {
         LogOpenFailure(path, errno);
@@ -39,8 +40,7 @@ int OpenToSave(const std::string& path, mode_t permissions) {
 
 [[noreturn]] void FailWriting(const std::string& path, const char* what, int error) {
     Log().Message(LOGGING_LEVEL::ALARM, "%s%s", what, path.c_str());
-    Log().Message(LOGGING_LEVEL::ALARM, "%s: %s", path.c_str(), std::strerror(error));
-    throw ERROR_CAN_NOT_WRITE_FILE();
+    LogAndThrow<ERROR_CAN_NOT_WRITE_FILE>("%s: %s", path.c_str(), std::strerror(error));
 }
 
 /// @return 0 or the errno value
@@ -73,9 +73,8 @@ void MEM_MGR::SaveSunRasterFile(const std::string& path, mode_t permissions) con
     }
     const RASTER_HEADER_BYTES header = EncodeRasterHeader(RasterHeaderFor(path, Columns(), Rows(), *type));
     if (IsMappedFrom(path)) {
-        Log().Message(LOGGING_LEVEL::ALARM, "%s: an image can not be saved into the file that it is mapped from",
-                      path.c_str());
-        throw ERROR_CAN_NOT_OPEN_FILE();
+        LogAndThrow<ERROR_CAN_NOT_OPEN_FILE>("%s: an image can not be saved into the file that it is mapped from",
+                                             path.c_str());
     }
     FILE_DESCRIPTOR file(OpenToSave(path, permissions));
     if (const int error = WriteWhole(file.Get(), header.data(), header.size()); error != 0) {

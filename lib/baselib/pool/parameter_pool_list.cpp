@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "lib/baselib/logging/logging.h"
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/pool/line_reader.h"
 #include "lib/baselib/pool/pool_errors.h"
 
@@ -10,8 +10,7 @@ namespace {
 
 template <class ERROR>
 [[noreturn]] void Fail(const std::string& key, const std::string& reason) {
-    Log().Message(LOGGING_LEVEL::ALARM, "key \"%s\": %s", key.c_str(), reason.c_str());
-    throw ERROR();
+    LogAndThrow<ERROR>("key \"%s\": %s", key.c_str(), reason.c_str());
 }
 
 /// A key must read back as the first word of an entry line, never as a comment, brace or string element.

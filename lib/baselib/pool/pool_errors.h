@@ -14,7 +14,7 @@ namespace POOL_ERRORS {
 template <std::size_t kSize>
 struct FIXED_TEXT {
     char text[kSize];
-    constexpr FIXED_TEXT(const char (&literal)[kSize]) { std::copy_n(literal, kSize, text); }  // NOLINT
+    constexpr FIXED_TEXT(const char (&literal)[kSize]) { std::copy_n(literal, kSize, text); }
 };
 
 template <FIXED_TEXT kText>

@@ -12,6 +12,7 @@
 #include <set>
 #include <utility>
 
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/logging/logging.h"
 #include "lib/baselib/pool/entry_scanner.h"
 #include "lib/baselib/pool/pool_errors.h"
@@ -97,8 +98,7 @@ POOL_FILE::POOL_FILE(const std::string& path) : name_(path), directory_(Director
     const int error = errno;
     Close();
     Log().Message(LOGGING_LEVEL::ALARM, "can not open parameter file %s", path.c_str());
-    Log().Message(LOGGING_LEVEL::ALARM, "%s", std::strerror(error));
-    throw CAN_NOT_OPEN_POOL();
+    LogAndThrow<CAN_NOT_OPEN_POOL>("%s", std::strerror(error));
 }
 
 POOL_FILE& POOL_FILE::operator=(POOL_FILE&& other) noexcept {
@@ -139,9 +139,9 @@ void POOL_FILE::Lock(LOCK kind, int longest_wait_s) const {
             usleep(kPauseMicroseconds);
             continue;
         }
-        Log().Message(LOGGING_LEVEL::ALARM, "can not lock pool %s: %s", name_.c_str(),
-                      error == EWOULDBLOCK ? "another process keeps it locked" : std::strerror(error));
-        throw ERROR_PARAMETER_POOL();
+        LogAndThrow<ERROR_PARAMETER_POOL>(
+            "can not lock pool %s: %s", name_.c_str(),
+            error == EWOULDBLOCK ? "another process keeps it locked" : std::strerror(error));
     }
 }
 
@@ -150,8 +150,7 @@ void POOL_FILE::Unlock() const {
 }
 
 void POOL_FILE::Refuse(const std::string& reason) const {
-    Log().Message(LOGGING_LEVEL::ALARM, "parameter file %s is no parameter pool: %s", name_.c_str(), reason.c_str());
-    throw CAN_NOT_OPEN_POOL();
+    LogAndThrow<CAN_NOT_OPEN_POOL>("parameter file %s is no parameter pool: %s", name_.c_str(), reason.c_str());
 }
 
 /// @return whether the file goes on
@@ -163,8 +162,7 @@ bool POOL_FILE::ReadBlock(std::string& content, std::size_t bytes) const {
         count = pread(descriptor_, content.data() + size, bytes, static_cast<off_t>(size));
     } while (count < 0 && errno == EINTR);
     if (count < 0) {
-        Log().Message(LOGGING_LEVEL::ALARM, "can not read parameter file %s: %s", name_.c_str(), std::strerror(errno));
-        throw ERROR_CAN_NOT_READ_FILE();
+        LogAndThrow<ERROR_CAN_NOT_READ_FILE>("can not read parameter file %s: %s", name_.c_str(), std::strerror(errno));
     }
     content.resize(size + static_cast<std::size_t>(count));
     return count > 0;

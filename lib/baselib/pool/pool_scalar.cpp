@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <limits>
 
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/errors/parse_number.h"
 
 namespace {
@@ -170,9 +171,8 @@ std::string PoolFieldText(double value) {
 
 std::string PoolFieldText(const std::string& value) {
     if (value.find_first_of(std::string_view("\"\n\r\0", 4)) != std::string::npos) {
-        Log().Message(LOGGING_LEVEL::ALARM, "the string >>%s<< holds a double quote, a line end or a zero byte",
-                      value.c_str());
-        throw INVALID_PARAMETER_VALUE();
+        LogAndThrow<INVALID_PARAMETER_VALUE>("the string >>%s<< holds a double quote, a line end or a zero byte",
+                                             value.c_str());
     }
     return '"' + value + '"';
 }

@@ -1,6 +1,7 @@
 #include "lib/baselib/sar/image_direction.h"
 
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/logging/logging.h"
 
 namespace SAR {
@@ -9,8 +10,7 @@ namespace {
 
 [[noreturn]] void Reject(const char* text, const std::string& first, const std::string& second) {
     Log().Message(LOGGING_LEVEL::ALARM, "%s", text);
-    Log().Message(LOGGING_LEVEL::ALARM, "range \"%s\", azimuth \"%s\"", first.c_str(), second.c_str());
-    throw ERROR_INVALID_VALUE();
+    LogAndThrow<ERROR_INVALID_VALUE>("range \"%s\", azimuth \"%s\"", first.c_str(), second.c_str());
 }
 
 /// The edge of the direction's first position when this position is at that edge, and the other way round.

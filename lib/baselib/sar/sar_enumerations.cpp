@@ -1,6 +1,7 @@
 #include "lib/baselib/sar/sar_enumerations.h"
 
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/logging/logging.h"
 
 namespace SAR {
@@ -34,9 +35,8 @@ TxRxType::TxRxType(const PolarizationType& transmit, const PolarizationType& rec
         }
     }
     Log().Message(LOGGING_LEVEL::ALARM, "invalid combination of transmit and receive polarization");
-    Log().Message(LOGGING_LEVEL::ALARM, "transmit \"%s\", receive \"%s\"", transmit.Text().c_str(),
-                  receive.Text().c_str());
-    throw ERROR_INVALID_VALUE();
+    LogAndThrow<ERROR_INVALID_VALUE>("transmit \"%s\", receive \"%s\"", transmit.Text().c_str(),
+                                     receive.Text().c_str());
 }
 
 PolarizationType TxRxType::Transmit() const {

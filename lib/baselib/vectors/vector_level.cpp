@@ -5,7 +5,7 @@
 #include <string>
 
 #include "lib/baselib/errors/error_exception.h"
-#include "lib/baselib/logging/logging.h"
+#include "lib/baselib/errors/log_and_throw.h"
 
 namespace {
 
@@ -47,7 +47,6 @@ VECTOR_LEVEL ChosenVectorLevel() {
         if (text == nullptr || std::strcmp(text, TextOf(level)) == 0) return level;
         possible += (possible.empty() ? "" : ", ") + std::string(TextOf(level));
     }
-    Log().Message(LOGGING_LEVEL::ALARM, "VELMORA_VECTORS: \"%s\" is none of the values that this machine takes: %s",
-                  text, possible.c_str());
-    throw ERROR_PARAMETER();
+    LogAndThrow<ERROR_PARAMETER>("VELMORA_VECTORS: \"%s\" is none of the values that this machine takes: %s", text,
+                                 possible.c_str());
 }
