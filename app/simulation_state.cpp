@@ -1,8 +1,11 @@
 #include "app/simulation_state.h"
 
 #include "app/request/product_paths.h"
+#include "app/scene/border_in_dem.h"
 #include "app/scene/kernel_scene.h"
 #include "app/scene/scene_meets_dem.h"
+#include "app/scene/slave_frame.h"
+#include "lib/baselib/errors/error_exception.h"
 
 namespace {
 
@@ -19,6 +22,18 @@ PRODUCT_WRITER OpenProducts(const REQUEST& request, const IMAGE_SIZE& image, con
     CheckProductPaths(request);
     if (request.only_looks) return {REQUEST{}, image, sizes};
     return {request, image, sizes};
+}
+
+/// Told before the simulation, judged by nobody.
+void LookAtBorder(const SIMULATION_STATE& state) {
+    try {
+        const IMAGE_TO_DEM locate(state.acquisitions, state.terrain.grid);
+        const std::vector<BORDER_PLACE> border =
+            PlacesAlongBorder(state.pair.master, locate, state.survey.lowest_m, state.survey.highest_m);
+        WarnWhereDemEnds(border, state.terrain.grid, state.request.terrain.dem_file.text);
+        WarnAboutForeignSlave(border, state.pair, state.acquisitions);
+    } catch (const ERROR_EXCEPTION&) {  // a place without a point on the ground: the simulation may not meet it
+    }
 }
 
 }  // namespace
@@ -39,4 +54,6 @@ SIMULATION_STATE::SIMULATION_STATE(const REQUEST& what_was_asked, RUN_POOLS& poo
       products(OpenProducts(request, acquisitions.image, sizes)),
       slabs(PlanSlabs(request, sizes, !request.only_looks && products.MayBeWrittenEarly())),
       images(AllocateResultImages(request, sizes, slabs, initial_phase)),
-      scene(MakeKernelScene(request, acquisitions, pair, terrain, place, images)) {}
+      scene(MakeKernelScene(request, acquisitions, pair, terrain, place, images)) {
+    LookAtBorder(*this);
+}

@@ -37,6 +37,18 @@ IMAGE_SIZE ReadSize(PARAMETER_POOL& pool) {
     return {samples, Read<int>(pool, "n_lines")};
 }
 
+/// Serves a WARNING alone: a size that is none counts as not told.
+IMAGE_SIZE SlaveSize(PARAMETER_POOL& slave_pool, IMAGE_SIZE size) {
+    const auto take = [&](const char* key, int& value) {
+        if (!slave_pool.FindKey(key)) return;
+        const int told = slave_pool.Get<int>(key);
+        if (told > 0) value = told;
+    };
+    take(POOL_KEY<int>("n_samples").row.name, size.samples);
+    take(POOL_KEY<int>("n_lines").row.name, size.lines);
+    return size;
+}
+
 void SayPool(const PARAMETER_POOL& pool) {
     Say(" - Reading parameter pool: ....%s", pool.FileName().c_str());
 }
@@ -145,5 +157,6 @@ ACQUISITIONS ReadAcquisitions(const REQUEST& request, RUN_POOLS& pools) {
     Log().Message(LOGGING_LEVEL::TRACE, "finished reading parameter pools");
     WarnAboutMistypedKeys(pools.master, kMasterPool);
     WarnAboutMistypedKeys(pools.slave, kSlavePool);
-    return {mode, std::move(master), std::move(slave), image, ellipsoid, correction, look_sign};
+    const IMAGE_SIZE slave_image = SlaveSize(pools.slave, image);
+    return {mode, std::move(master), std::move(slave), image, ellipsoid, correction, look_sign, slave_image};
 }

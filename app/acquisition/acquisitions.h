@@ -55,6 +55,7 @@ struct ACQUISITIONS {
     ELLIPSOID_RADII ellipsoid;
     AZIMUTH_SHIFT_CORRECTION correction;  ///< of a single-pass slave
     double look_sign = 0.0;               ///< +1 right, -1 left
+    IMAGE_SIZE slave_image;               ///< as the slave pool tells it, else the master image's
 };
 
 /// Builds both orbits and reads the parameters. Standard mode reads size and start times of both images from the InSAR

@@ -181,7 +181,7 @@ void CheckRun(int argc, char** argv) {
     PROBLEM_LIST problems;
     const bool good = TryAll(controller, problems);
     for (const std::string& problem : problems.Problems()) std::printf("  problem: %s\n", problem.c_str());
-    if (Log().Tally().Warnings() > 0) std::printf("  %lld warnings would be logged\n", Log().Tally().Warnings());
+    for (const std::string& warning : Log().Tally().FirstWarnings()) std::printf("  warning: %s\n", warning.c_str());
     std::printf("%s; nothing was written\n", good ? "stage A would go well" : "stage A would fail");
     std::exit(std::fflush(stdout) == 0 && good ? 0 : 1);
 }

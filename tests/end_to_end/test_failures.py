@@ -192,6 +192,26 @@ def void(made, folder):
     raster.write_int16(folder / "dem.ras", made.heights)
 
 
+def assert_forecast(run, made, ends):
+    """A DEM that ends inside the scene is told before the simulation, with the boxes needed and there, and by --check."""
+    told = [line for line in run.lines("WARN") if " ends inside the scene: " in line]
+    assert len(told) == (1 if ends else 0)
+    if ends:
+        before_stage_b = "\n".join(run.log).split("B. PHASE SIMULATION")[0]
+        assert told[0] in before_stage_b
+        sample, line = np.meshgrid(np.linspace(0, made.options.samples - 1, 11), np.linspace(0, made.options.lines - 1, 11))
+        points_m = judge.ground_points(made, sample, line, np.full(line.shape, made.options.low_m))
+        column, row, _ = made.grid.grid_coordinates(points_m)
+        boxes = np.array([float(number) for number in re.findall(r"-?[\d.]+(?= |,|;|$)", told[0]) if number != ".."])
+        grid = made.grid
+        needed = (grid.left + column * grid.dx, grid.upper - row * grid.dy)
+        there = (grid.left + np.array([0, grid.columns - 1]) * grid.dx, grid.upper - np.array([0, grid.rows - 1]) * grid.dy)
+        expected = [(values.min(), values.max()) for values in needed + there]
+        assert np.allclose(boxes, np.ravel(expected), atol=1.5e-4), (told, expected)
+        checked = velmora(run.folder, "--check")
+        assert checked.status == 0 and "  warning: %s\n" % told[0] in checked.screen
+
+
 GAPS = [
     ("the DEM ends there", dict(dem_margin_m=-150.0), lambda made, folder: None),
     ("a void of the DEM lies there", {}, void),
@@ -229,6 +249,7 @@ def test_coverage_gap_tells_first_point_number_box_and_cause(fresh_scene, cause,
     assert missing[first_line, first_sample] and first_line == box[2]
     assert told[8] == cause
     assert run.lines("ALARM")[-1] == LAST_LINE and len(run.lines("ALARM")) == 2
+    assert_forecast(run, made, cause == "the DEM ends there")
     assert_failed(run, before)
 
 
@@ -299,3 +320,33 @@ def test_samples_that_are_no_heights_are_told_with_what_they_look_like(fresh_sce
     raster.write_int16(folder / "dem.ras", heights)
     told = [line for line in velmora(folder).lines("WARN") if " of the simulated samples are voids or outside -500 .. 9000 m" in line]
     assert len(told) == 1 and words in told[0]
+
+
+SLAVES = [
+    ("lines in reach", {}, "slave_first_az_time", 2.3), ("lines out of reach", {}, "slave_first_az_time", 2.7),
+    ("lines out of reach, earlier", {}, "slave_first_az_time", -2.7), ("a long slave image", {"n_lines": 6000}, "slave_first_az_time", 2.7),
+    ("samples in reach", {}, "slave_first_rg_time", 8e-5), ("samples out of reach", {}, "slave_first_rg_time", -9e-5),
+    ("minutes away", {}, "slave_first_az_time", 200.0)]
+
+
+@pytest.mark.parametrize("single_pass", [False, True])
+@pytest.mark.parametrize("pool_keys, start, change_s", [pytest.param(*case[1:], id=case[0]) for case in SLAVES])
+def test_a_slave_of_another_frame_is_told(fresh_scene, single_pass, pool_keys, start, change_s):
+    _, folder = fresh_scene(single_pass=single_pass, orbit_interpolation="polynom", **SMALL)
+    start_s = float(re.search(start + r" FLT_15 (\S+)", (folder / "insar.pool").read_text())[1])
+    edit_pool(folder / "insar.pool", start, "%s FLT_15 %.17g" % (start, start_s + change_s))
+    for key, value in pool_keys.items():
+        edit_pool(folder / "slave.pool", key, "%s INT_32 %d" % (key, value))
+    run = velmora(folder)
+    told = [line for line in run.lines("WARN") if "far outside the slave image" in line]
+    sizes = {"n_samples": 60, "n_lines": 50, **pool_keys}
+    beyond = False
+    for name, size in zip(("RG_COREG", "AZ_COREG"), sizes.values()):
+        positions, reach = run.product(name), max(size, 5000)
+        beyond = beyond or bool(positions.max() < -reach or positions.min() > size + reach)
+        if told:
+            assert np.allclose([float(text) for text in re.findall(r"(\S+) \.\. (\S+) of %d[,:]" % size, told[0])[0]],
+                               [positions.min(), positions.max()], atol=60.0)
+    assert len(told) == beyond
+    if told:
+        assert "  warning: %s\n" % told[0] in velmora(folder, "--check").screen
