@@ -70,12 +70,13 @@ CASES = [
     ("unknown grid format", pool("dem.pool", "grid_format", 'grid_format STR "LCC"'),
      ['dem.pool: key "grid_format": value "LCC" is not GEO or UTM', "DEM grid must be UTM or GEO : LCC"]),
     ("unknown orbit type", pool("slave.pool", "orbit_representation", 'orbit_representation STR "orbit_pool_utc"'),
-     ["GENERAL_ORBIT: can not convert orbit_pool_utc to orbit_type_id"]),
+     ["GENERAL_ORBIT: can not convert orbit_pool_utc to orbit_type_id", '"orbit_pool_utc" is refused']),
     ("unknown interpolation", pool("slave.pool", "orbit_interpolation", 'orbit_interpolation STR "Hermite_0_8"'),
-     ["GENERAL_ORBIT: can not convert Hermite to interpolation_id"]),
+     ["GENERAL_ORBIT: can not convert Hermite to interpolation_id", '"Hermite_0_8" is refused']),
     ("velocities of one vector", pool("master.pool", "state_vector_velocities",
                                       "state_vector_velocities FLT_15_V 0 3\n{\n1\n2\n3\n}"),
-     ["POOL_ORBIT::ReadFromParameterPool::Number of coordinates in position and velocity disagree."]),
+     ["POOL_ORBIT::ReadFromParameterPool::Number of coordinates in position and velocity disagree.",
+      'master.pool: key "state_vector_positions": 48 numbers, but master.pool: key "state_vector_velocities": 3']),
     ("unknown ellipsoid", pool("dem.pool", "ellipsoid_type", 'ellipsoid_type STR "Clarke"'),
      ["enumeration data type - invalid value of class ", ": Clarke", "Valid values are: '"]),
     ("rotation that is none", pool("dem.pool", "datum_rotation", "datum_rotation FLT_15_V 0 9\n{\n" + "1\n" * 9 + "}",
@@ -112,7 +113,7 @@ CASES = [
     ("DEM header that lies", overwrite("dem.ras", 4, struct.pack(">II", 0x7FFFFFFF, 0x7FFFFFFF)), ["dem.ras"]),
     ("DEM of 32-bit reals", lambda folder: write_reals(folder / "dem.ras", raster.read(folder / "dem.ras")),
      ["flt_6 pixels, it is to be read as int_16"]),
-    ("DEM missing", keys(DEM="nowhere.ras"), ["MEM_MGR: can not open: nowhere.ras"]),
+    ("DEM missing", keys(DEM="nowhere.ras"), ["MEM_MGR: can not open: nowhere.ras", "nowhere.ras: No such file or directory"]),
     ("DEM of another country", pool("dem.pool", "upper_northing", "upper_northing FLT_15 10.5", "lower_northing FLT_15 10.3"),
      ["the DEM dem.ras ", "a corner of the scene: longitude ", "the DEM: longitude "]),
     ("antenna that looks to the other side", pool("slave.pool", "antenna_look_direction", 'antenna_look_direction STR "left"'),
@@ -122,7 +123,7 @@ CASES = [
     ("range file without a path beside the azimuth file", keys(RG_COREG=""), ['configuration: key "RG_COREG": value "" is no path']),
     ("one Earth file without a path", keys(Y_EARTH=""), ['configuration: key "Y_EARTH": value "" is no path']),
     ("range below the satellite's height", pool("insar.pool", "master_first_rg_time", "master_first_rg_time FLT_15 0.002"),
-     ["geolocation_fast: No intersection of earth ellipsoid and sphere around the satellite"]),
+     ["geolocation_fast: No intersection of earth ellipsoid and sphere around the satellite", "during iteration in step: 1"]),
     ("image far from the orbit's data", pool("insar.pool", "master_first_az_time", "master_first_az_time FLT_15 20000"),
      ["master.pool: the state vectors from ", 'insar.pool: key "master_first_az_time": value 20000 ']),
     ("more than the disk has", lambda folder: [edit(folder) for edit in (
@@ -158,6 +159,7 @@ def test_bad_input_ends_in_a_reason_and_leaves_everything_as_it_was(fresh_scene,
         found = [i for i, line in enumerate(alarms[:-1]) if i >= place and reason in line]
         assert found, "%r is not in %s" % (reason, alarms)
         place = found[0]
+    assert len(alarms) - place <= 3, alarms  # the exception's text and the last line: nothing went on after the refusal
     assert (folder / "dem.ras").read_bytes() == dem
     assert_failed(run, before)
 

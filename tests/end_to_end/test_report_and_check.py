@@ -54,6 +54,13 @@ def test_report_of_a_good_run_says_what_was_made(folder):
         assert abs(product["mean"] - image.mean(dtype=float)) <= 1e-9 * np.abs(image).max()
 
 
+def test_report_of_a_product_that_is_no_file(folder):
+    edit_control_file(folder, REPORT="report.json", H_EARTH="/dev/null")
+    run = succeed(folder)
+    minima = {product["path"]: product.get("minimum") for product in report_of(folder)["products"]}
+    assert run.lines("ALARM") == [] and minima["/dev/null"] is None
+
+
 ENDS = {
     "refused value": (lambda f: edit_pool(f / "master.pool", "prf", "prf FLT_15 -1"), 1, "prf"),
     "product that can not be written": (lambda f: edit_control_file(f, H_EARTH="none/h.ras"), 1, "none/h.ras"),
@@ -136,12 +143,13 @@ def check(folder, *arguments):
 
 
 def test_check_tells_what_the_scene_is(folder):
+    options = SCENE_OPTIONS(shift_factors=(2, 2), earth_factors=(2, 2), **{**SMALL, "samples": 400, "lines": 300})
+    made = scene.make_scene(options, folder)
     edit_control_file(folder, REPORT="report.json")
     run = check(folder)
     assert run.status == 0, run.screen
     figures = dict(re.findall(r"^  (\S[^\d]*?)  +(.*)$", run.screen, re.M))
-    made = scene.design(SCENE_OPTIONS(shift_factors=(2, 2), earth_factors=(2, 2), **SMALL))
-    assert figures["master image"].startswith("60 x 50 pixels")
+    assert figures["master image"].startswith("400 x 300 pixels")
     # The scene maker's centre is at 46.3 N 7.6 E for 100 m; the perpendicular baseline is asked of it.
     north, east = (float(text) for text in re.findall(r"([-\d.]+) [NE]", figures["centre of the scene"]))
     assert abs(north - made.options.latitude_deg) < 1e-3 and abs(east - made.options.longitude_deg) < 1e-3
@@ -152,7 +160,7 @@ def test_check_tells_what_the_scene_is(folder):
     phase = []
     for correction in ("0", "10"):
         edit_pool(folder / "dem.pool", "dem_correction", "dem_correction FLT_15 " + correction)
-        phase.append(succeed(folder).product("simu_phase")[25, 30])
+        phase.append(succeed(folder).product("simu_phase")[150, 200])
     assert abs(2 * np.pi / abs(phase[1] - phase[0]) * 10.0 / ambiguity_m - 1.0) < 0.01
     needed = sum(path.stat().st_size for path in folder.glob("*.ras") if path.name != "dem.ras")
     assert abs(float(figures["disk for products"].split()[0]) * 1e6 - needed) <= 0.05e6
@@ -176,6 +184,8 @@ def test_check_finds_every_problem_at_once(folder):
 LOOKS_BAD = {
     "missing keys": (dict(MASTER_POOL=None, LOOKS_AZ=None), ['"MASTER_POOL" is missing', '"LOOKS_AZ" is missing'], 1),
     "pools that are not there": (dict(SLAVE_POOL="none.pool", DEM_POOL="no.pool"), ["none.pool", "no.pool"], 1),
+    "a product that is a folder": (dict(H_EARTH="."), ["the product . is a folder"], 1),
+    "single pass without its keys": (dict(OBSERVATION_MODE="single_pass"), ["focussed_slow_time_corr_poly_coefficients"], 1),
     "half a group": (dict(Y_EARTH=None, AZ_COREG=None), ['"Y_EARTH" is missing', '"AZ_COREG" is missing'], 1),
     "a DEM that is not there": (dict(DEM="none.ras"), ["none.ras"], 1),
     "a log pool to be made": (dict(log_pp="new.pool"), [], 0),
@@ -189,6 +199,7 @@ def test_check_creates_nothing_and_asks_nobody(folder, keys, texts, status):
     assert run.status == status, run.screen
     for text in texts:
         assert text in run.screen
+    assert run.screen.count("  problem: ") >= len(texts) and "mission_id" not in run.screen
 
 
 def test_check_with_a_stop_file(folder):
