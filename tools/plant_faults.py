@@ -44,7 +44,7 @@ END_TO_END = {
     "lib/baselib/logging": JUDGE(("velmora",), ("end_to_end/test_process_frame.py", "end_to_end/test_report_and_check.py")),
     "lib/baselib/sidecar": JUDGE(("velmora",), ("end_to_end/test_report_and_check.py",)),
     "orbit": JUDGE(("velmora",), MAIN_JOB.tests + ("end_to_end/test_orbit_corners.py",)),
-    "simulation": JUDGE(("velmora",), MAIN_JOB.tests + ("end_to_end/test_threads.py",)),
+    "simulation": JUDGE(("velmora",), MAIN_JOB.tests + ("end_to_end/test_threads.py", "end_to_end/test_products.py")),
     "view": JUDGE(("velmora-view", "velmora"), ("view/test_view.py",)),
 }
 NO_STATEMENT = r"(?!\s*(?:return|throw|using|delete|static_assert|case|default|EXPECT|friend)\b)"

@@ -7,6 +7,7 @@
 #include "app/acquisition/observation_mode.h"
 #include "app/request/area_extension.h"
 #include "app/scene/output_sizes.h"
+#include "app/terrain/odd_samples.h"
 #include "app/terrain/valid_heights.h"
 #include "lib/baselib/errors/error_exception.h"
 
@@ -42,6 +43,11 @@ TEST(AreaExtension, IsMaximumOfShiftAndEarthOrSumWithGeocoding) {
         EXPECT_EQ(extension.y, c.y);
     }
     EXPECT_THROW(static_cast<void>(ExtensionOf({{2147483647, 1}, {1, 1}, {2, 1}})), ERROR_PARAMETER);
+}
+
+TEST(OddSamples, AreOutsideTheHeightsOfLand) {
+    for (const float height_m : {-500.0F, 0.0F, 9000.0F}) EXPECT_FALSE(IsOdd(height_m)) << height_m;
+    for (const float height_m : {-500.5F, 9000.5F}) EXPECT_TRUE(IsOdd(height_m)) << height_m;
 }
 
 TEST(DemValidRange, KeepsItsParsingRulesAndRefusesTheRest) {

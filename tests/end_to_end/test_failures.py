@@ -26,6 +26,15 @@ def keys(**values):
     return lambda folder: edit_control_file(folder, **values)
 
 
+def huge_image(**values):
+    """3 000 000 x 2 500 000 pixels, at rates that keep them in the DEM."""
+    return lambda folder: [edit(folder) for edit in (
+        keys(**values), pool("insar.pool", "n_samples", "n_samples INT_32 3000000"),
+        pool("insar.pool", "n_lines", "n_lines INT_32 2500000"),
+        *(pool(name, key, "%s FLT_15 %g" % (key, rate)) for name in ("master.pool", "slave.pool")
+          for key, rate in (("prf", 1e8), ("range_sampling_frequency", 3e12))))]
+
+
 def overwrite(name, offset, data):
     def change(folder):
         with open(folder / name, "r+b") as file:
@@ -99,6 +108,8 @@ CASES = [
     ("shift factor of one direction", pool("insar.pool", "shift_matrices_subsampling",
                                            "shift_matrices_subsampling_rg INT_32 2", "shift_matrices_subsampling_az INT_32 1"),
      ["Error: simulated area extension is not enough for subsampled shift matrices", BOTH_DIRECTIONS]),
+    ("shift factor of range alone", pool("insar.pool", "shift_matrices_subsampling", "shift_matrices_subsampling_rg INT_32 2"),
+     [">> shift_matrices_subsampling_az << not found", NOT_FOUND]),
     ("Earth factor of one direction", keys(RG_COREG=None, AZ_COREG=None, EARTH_MATRICES_SUBSAMPLING_Y=2),
      ["Error: simulated area extension is not enough for subsampled shift matrixes", BOTH_DIRECTIONS]),
     ("geocoding factor of one direction",
@@ -126,10 +137,10 @@ CASES = [
      ["geolocation_fast: No intersection of earth ellipsoid and sphere around the satellite", "during iteration in step: 1"]),
     ("image far from the orbit's data", pool("insar.pool", "master_first_az_time", "master_first_az_time FLT_15 20000"),
      ["master.pool: the state vectors from ", 'insar.pool: key "master_first_az_time": value 20000 ']),
-    ("more than the disk has", lambda folder: [edit(folder) for edit in (
-        pool("insar.pool", "n_samples", "n_samples INT_32 3000000"), pool("insar.pool", "n_lines", "n_lines INT_32 2500000"),
-        *(pool(name, key, "%s FLT_15 %g" % (key, rate)) for name in ("master.pool", "slave.pool")
-          for key, rate in (("prf", 1e8), ("range_sampling_frequency", 3e12))))],
+    ("more than the memory has", huge_image(MEMORY_LIMIT=2000000000, SIMU_PHASE="/dev/null", RG_COREG=None, AZ_COREG=None,
+                                            X_EARTH=None, Y_EARTH=None, Z_EARTH=None, H_EARTH=None),
+     ["the grids of 3000000 samples x 2500000 lines need 3", "not enough memory"]),
+    ("more than the disk has", huge_image(),
      ['key "SIMU_PHASE": simu_phase.ras: no room for an image of 3000000 x 2500000 pixels: 30000000000032 bytes are needed']),
     ("not one line fits into the memory that may be used", lambda folder: [edit(folder) for edit in (
         keys(MEMORY_LIMIT="1"), pool("insar.pool", "n_samples", "n_samples INT_32 300000"),

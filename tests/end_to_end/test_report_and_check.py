@@ -80,6 +80,7 @@ def test_report_tells_how_a_run_ended(folder, spoil, status, error):
     report = report_of(folder)
     assert report["exit_status"] == done.returncode == status
     assert error is None or any(error in line for line in report["errors"])
+    assert (report["last_error"] is None) == (status == 2) and not (report["last_error"] or "").startswith("ORQ_MSG")
     assert not any(product["written"] for product in report["products"])
 
 

@@ -81,6 +81,11 @@ TEST(InterpolatorLog, TellsOrdersDroppedValuesAndPieces) {
               "INFO  : global : INTERPOLATION::GetCoeffs() shall not be called\n");
     EXPECT_THAT(LoggedBy([] { EXPECT_EQ(SPLINE<double>().GetCoeffs().Count(), 0); }),
                 HasSubstr("WARN  : global : SPLINE::GetCoeffs() makes no sense\n"));
+    POLYNOM<double> square;
+    square.Create(SamplesOf<POINT<double>>(PolynomialOf({0, 0, 1}, 0, 1), {1, 2, 4}));
+    const ARRAY<double> differences = square.GetCoeffs();
+    EXPECT_EQ((std::vector<double>{1, 3, 1}), X(differences.Data(), differences.Data() + differences.Count()))
+        << "divided differences";
 }
 
 TEST(LocalInterpolation, MakesOfManyPiecesThoseThatAreAskedFor) {

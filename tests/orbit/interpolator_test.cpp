@@ -79,6 +79,11 @@ TEST(Interpolators, ReproducePolynomialsUpToTheirDegreeAlsoOnUnevenPointsAndOuts
     }
 }
 
+TEST(Interpolators, TheMiddleOfTwoTimesIsTheirTypesOwn) {
+    EXPECT_NEAR(Midway(100000.1, 100000.3, false), 100000.2, 1e-10);
+    EXPECT_EQ(Midway(16777216, 16777218, true), 16777216 + 1.0F);  // no float lies between
+}
+
 TEST(Interpolators, EverettIsExactOneDegreeAboveItsOrderInsideAndForAQuadraticOnThreePoints) {
     const std::vector<long double> c = {7e6L, -3e5L, 2e4L, -900, 70, -8};
     struct CASE {
