@@ -18,10 +18,6 @@ CHEBY_POLY_CORE& CHEBY_POLY_CORE::operator=(const CHEBY_POLY_CORE& other) {
     return *this;
 }
 
-void CHEBY_POLY_CORE::SetOrder(int order) {
-    order_ = CheckedFitOrder(order, order_, "CHEBY_POLY");
-}
-
 void CHEBY_POLY_CORE::Create(const SUPPORT_POINTS& points) {
     try {
         CheckSupportPoints(points, "CHEBY_POLY::Create", SORTED::EQUAL_ALLOWED);
@@ -51,10 +47,6 @@ JET CHEBY_POLY_CORE::At(double x) const {
     const double half_width = fit_.scale.half_width;
     return {fit_.coefficients[0] + u * b1.value - b2.value, (b1.value + u * b1.first - b2.first) / half_width,
             (2 * b1.first + u * b1.second - b2.second) / (half_width * half_width)};
-}
-
-std::vector<long double> CHEBY_POLY_CORE::Coefficients() const {
-    return {fit_.coefficients.begin(), fit_.coefficients.end()};
 }
 
 template class CHEBY_POLY<float>;

@@ -6,10 +6,11 @@
 
 #pragma once
 
+#include "orbit/interpolation/fitted_core.h"
 #include "orbit/interpolation/interpolation.h"
-#include "orbit/interpolation/scaled_fit.h"
 
-class CHEBY_POLY_CORE final : public INTERPOLATOR {
+/// Coefficients(): c0 .. c(order) of T0(u) .. T(order)(u).
+class CHEBY_POLY_CORE final : public FITTED_CORE {
   public:
     CHEBY_POLY_CORE() = default;
     CHEBY_POLY_CORE(const CHEBY_POLY_CORE&) = default;
@@ -19,24 +20,11 @@ class CHEBY_POLY_CORE final : public INTERPOLATOR {
     CHEBY_POLY_CORE& operator=(CHEBY_POLY_CORE&&) noexcept = default;
 
     [[nodiscard]] const char* Name() const override { return "CHEBY_POLY"; }
-    /// From 0. @throws ERROR_ARGUMENT outside 0 .. kMaxFitOrder
-    void SetOrder(int order) override;
-    [[nodiscard]] int Order() const override { return order_; }
-    void WarnAboutDropped(bool warn) override { warn_about_dropped_ = warn; }
-
-    /// An order that is not smaller than the number of points is lowered to that number minus 1 and stays so.
     void Create(const SUPPORT_POINTS& points) override;
     [[nodiscard]] JET At(double x) const override;
-    /// c0 .. c(order) of T0(u) .. T(order)(u).
-    [[nodiscard]] std::vector<long double> Coefficients() const override;
 
     /// The Chebyshev variable u of x.
     [[nodiscard]] double MapAbscissa(double x) const { return fit_.scale.ToUnit(x); }
-
-  private:
-    int order_ = kDefaultFitOrder;
-    bool warn_about_dropped_ = true;
-    SCALED_FIT fit_;
 };
 
 template <class T>

@@ -3,10 +3,6 @@
 #include "lib/baselib/logging/logging.h"
 #include "orbit/fit/basis_functions.h"
 
-void POLYNOM_FIT_CORE::SetOrder(int order) {
-    order_ = CheckedFitOrder(order, order_, "POLYNOM_FIT");
-}
-
 void POLYNOM_FIT_CORE::Create(const SUPPORT_POINTS& points) {
     CheckSupportPoints(points, "POLYNOM_FIT::Create", SORTED::EQUAL_ALLOWED);
     order_ = ReducedFitOrder(order_, points.Count(), "POLYFIT: reduce polynomial fit order ");
@@ -29,10 +25,6 @@ JET POLYNOM_FIT_CORE::At(double x) const {
     jet.first /= fit_.scale.half_width;
     jet.second = 2 * half_second / (fit_.scale.half_width * fit_.scale.half_width);
     return jet;
-}
-
-std::vector<long double> POLYNOM_FIT_CORE::Coefficients() const {
-    return {fit_.coefficients.begin(), fit_.coefficients.end()};
 }
 
 template class POLYNOM_FIT<float>;
