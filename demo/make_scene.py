@@ -34,9 +34,7 @@ HELP = {
 TUPLE_KINDS = {"products": str, "shift_factors": int, "earth_factors": int, "geocoding_factors": int}
 
 
-def parse_arguments(arguments):
-    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.ArgumentDefaultsHelpFormatter)
-    parser.add_argument("folder", help="where the scene goes; created when it is missing")
+def add_scene_options(parser):
     for field in dataclasses.fields(SCENE_OPTIONS):
         name, default = "--" + field.name.replace("_", "-"), field.default
         explanation = HELP.get(field.name, field.name.replace("_", " "))
@@ -48,15 +46,23 @@ def parse_arguments(arguments):
         else:
             kind = type(default)
             parser.add_argument(name, type=kind, default=default, metavar=kind.__name__, help=explanation)
-    return vars(parser.parse_args(arguments))
+
+
+def scene_options(values):
+    """Takes those of the scene out of the parsed arguments."""
+    names = [field.name for field in dataclasses.fields(SCENE_OPTIONS)]
+    taken = {name: values.pop(name) for name in names}
+    return SCENE_OPTIONS(**{name: tuple(value) if isinstance(value, list) else value for name, value in taken.items()})
 
 
 def main(arguments):
-    values = parse_arguments(arguments)
-    folder = values.pop("folder")
-    values = {name: tuple(value) if isinstance(value, list) else value for name, value in values.items()}
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.ArgumentDefaultsHelpFormatter)
+    parser.add_argument("folder", help="where the scene goes; created when it is missing")
+    add_scene_options(parser)
+    values = vars(parser.parse_args(arguments))
+    folder = values["folder"]
     try:
-        made = scene.make_scene(SCENE_OPTIONS(**values), folder)
+        made = scene.make_scene(scene_options(values), folder)
     except (ValueError, OSError) as error:
         print("make_scene.py: %s" % error, file=sys.stderr)
         return 1

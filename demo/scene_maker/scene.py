@@ -150,14 +150,23 @@ def write(scene, folder):
                        0 if scene.options.single_pass or scene.options.slave_is_master else 11,
                        os.path.join(folder, "slave.pool"), True)
     _write_pair(scene, os.path.join(folder, "insar.pool"))
-    _write_dem_pool(scene, os.path.join(folder, "dem.pool"))
+    write_dem(scene, folder)
     with open(os.path.join(folder, "log.pool"), "w", encoding="ascii") as file:
         file.write("# log\n")
-    raster.write_int16(os.path.join(folder, "dem.ras"), scene.heights)
     _write_control_file(scene.options, os.path.join(folder, "scene.pcf"))
 
 
-def _write_acquisition(scene, acquisition, comment, days_later, path, is_slave):
+def write_stack_image(scene, acquisition, days_later, path):
+    """A pool that serves as master and as slave, in the folders that velmora-import makes."""
+    _write_acquisition(scene, acquisition, "acquisition", days_later, path, False, True)
+
+
+def write_dem(scene, folder):
+    _write_dem_pool(scene, os.path.join(folder, "dem.pool"))
+    raster.write_int16(os.path.join(folder, "dem.ras"), scene.heights)
+
+
+def _write_acquisition(scene, acquisition, comment, days_later, path, is_slave, is_both=False):
     options = scene.options
     pool = pool_file.POOL_WRITER(comment)
     axis = time_text.axis(options.orbit_representation.rsplit("_", 1)[1], days_later)
@@ -179,14 +188,14 @@ def _write_acquisition(scene, acquisition, comment, days_later, path, is_slave):
     pool.real("az_bandwidth", options.azimuth_bandwidth_hz)
     pool.real("range_sampling_frequency", options.range_sampling_hz)
     pool.real("radar_frequency", acquisition.radar_frequency_hz)
-    if options.permanent_scatterer:
+    if options.permanent_scatterer or is_both:
         if not is_slave:
             pool.integer("n_samples", options.samples)
             pool.integer("n_lines", options.lines)
         pool.real("oversampling", options.oversampling)
         pool.real("first_az_time", acquisition.first_azimuth_time_s)
         pool.real("first_rg_time", acquisition.first_range_time_s - options.range_time_shift_s)
-    if is_slave:
+    if is_slave or is_both:
         pool.text("antenna_look_direction", options.side)
         if options.single_pass:
             pool.reals("focussed_slow_time_corr_poly_coefficients", options.correction_coefficients)

@@ -9,3 +9,4 @@ void AddDemCommand(COMPANION_PROGRAM& program);
 void AddSentinel1Command(COMPANION_PROGRAM& program);
 void AddOrbitCommand(COMPANION_PROGRAM& program);
 void AddPairCommand(COMPANION_PROGRAM& program);
+void AddStackCommand(COMPANION_PROGRAM& program);

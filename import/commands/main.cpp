@@ -12,5 +12,6 @@ int main(int argc, char** argv) {
     AddSentinel1Command(program);
     AddOrbitCommand(program);
     AddPairCommand(program);
+    AddStackCommand(program);
     return program.Run(argc, argv);
 }

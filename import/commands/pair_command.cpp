@@ -1,11 +1,10 @@
-#include <cmath>
 #include <memory>
 
-#include "companions/companion_error.h"
 #include "companions/input_file.h"
 #include "companions/results.h"
 #include "import/commands/commands.h"
 #include "import/pair/pair_folder.h"
+#include "import/pair/pair_inputs.h"
 
 namespace {
 
@@ -25,25 +24,6 @@ struct PAIR_OPTIONS {
 constexpr const char* kExample =
     "  velmora-import pair master.pool slave.pool dem.pool -o run --lines 240:660 --samples 21480:22980 \\\n"
     "      --shift-factors 4 2 --earth-factors 3 3\n";
-
-std::string RasterBeside(const std::string& dem_pool) {
-    constexpr const char* kSuffix = ".pool";
-    if (!dem_pool.ends_with(kSuffix))
-        throw COMPANION_ERROR(dem_pool + ": expected the NAME.pool of a DEM, with NAME.ras beside it");
-    std::string raster = dem_pool.substr(0, dem_pool.size() - 5) + ".ras";
-    RequireRegularFile(raster);
-    return raster;
-}
-
-/// Both images are to be of one kind: the same side, the same carrier (to 1 %: no other band).
-void RequireOneKind(const ACQUISITION_OF_POOL& master, const ACQUISITION_OF_POOL& slave) {
-    const double ratio = slave.radar_frequency_hz / master.radar_frequency_hz;
-    if (std::abs(ratio - 1.0) > 0.01)
-        throw COMPANION_ERROR(slave.pool + ": key radar_frequency: value " + std::to_string(slave.radar_frequency_hz) +
-                              ": expected that of the master, " + std::to_string(master.radar_frequency_hz));
-    if (master.look_direction && slave.look_direction && *master.look_direction != *slave.look_direction)
-        throw COMPANION_ERROR(slave.pool + ": key antenna_look_direction: the master looks to the other side");
-}
 
 /// @return how the user is told; the value goes into interpolation
 std::string Choose(const std::string& pool, const std::string& wanted, std::string& interpolation) {
@@ -73,7 +53,7 @@ void Run(const PAIR_OPTIONS& options) {
     PAIR_SETUP setup;
     setup.dem_pool = options.dem_pool;
     RequireRegularFile(setup.dem_pool);
-    setup.dem_raster = RasterBeside(setup.dem_pool);
+    setup.dem_raster = DemRasterBeside(setup.dem_pool);
     for (const std::string& input : {options.master, options.slave, setup.dem_pool, setup.dem_raster})
         outputs.Protect(input);
     setup.master = ReadAcquisition(options.master);

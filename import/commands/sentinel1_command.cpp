@@ -1,18 +1,12 @@
 #include <memory>
 #include <optional>
 
-#include "companions/companion_error.h"
-#include "companions/input_file.h"
 #include "companions/output_set.h"
 #include "companions/results.h"
 #include "import/commands/commands.h"
-#include "import/orbit_files/orbit_file.h"
-#include "import/orbit_files/orbit_selection.h"
-#include "import/orbit_files/xml_document.h"
 #include "import/pools/acquisition_pool.h"
 #include "import/pools/orbit_entries.h"
-#include "import/sentinel1/annotation.h"
-#include "import/sentinel1/image_grid.h"
+#include "import/sentinel1/acquisition_files.h"
 
 namespace {
 
@@ -27,31 +21,6 @@ struct SENTINEL1_OPTIONS {
 constexpr const char* kExample =
     "  velmora-import sentinel1 s1a-iw2-slc-vv-20230108t135251-....xml --orbit S1A_OPER_AUX_POEORB_....EOF \\\n"
     "      -o master.pool\n";
-
-/// "Sentinel-1A" in orbit files, "S1A" in annotations.
-void RequireSameSatellite(const ORBIT_TABLE& orbit, const S1_ANNOTATION& image) {
-    if (orbit.mission.rfind("Sentinel-1", 0) != 0 || orbit.mission.back() == image.mission.back()) return;
-    throw COMPANION_ERROR(orbit.file + ": element Mission: value " + Quoted(orbit.mission) +
-                          ": expected the satellite of the image, " + image.mission);
-}
-
-void RequireInside(const ORBIT_TABLE& orbit, const IMAGE_GRID& grid) {
-    if (orbit.vectors.front().time <= grid.first_line && grid.last_line <= orbit.vectors.back().time) return;
-    throw COMPANION_ERROR(orbit.file + ": its state vectors of " +
-                          IntervalText(orbit.vectors.front().time, orbit.vectors.back().time) +
-                          " do not cover the image of " + IntervalText(grid.first_line, grid.last_line));
-}
-
-/// The annotation's own vectors are few and all taken; of an orbit file those around the image.
-std::vector<UTC_STATE_VECTOR> VectorsFor(const ORBIT_TABLE& orbit, const S1_ANNOTATION& image, const IMAGE_GRID& grid,
-                                         bool from_orbit_file) {
-    if (from_orbit_file) {
-        RequireSameSatellite(orbit, image);
-        return SelectVectors(orbit, {grid.first_line, grid.last_line});
-    }
-    RequireInside(orbit, grid);
-    return orbit.vectors;
-}
 
 void PrintSummary(const SENTINEL1_OPTIONS& options, const S1_ANNOTATION& image, const IMAGE_GRID& grid,
                   const ORBIT_TABLE& orbit, const std::vector<UTC_STATE_VECTOR>& vectors) {
@@ -83,15 +52,11 @@ void PrintSummary(const SENTINEL1_OPTIONS& options, const S1_ANNOTATION& image, 
 void Run(const SENTINEL1_OPTIONS& options) {
     OUTPUT_SET outputs(options.force);
     outputs.Protect(options.annotation);
-    const S1_ANNOTATION image = ParseAnnotation(options.annotation, ReadWholeFile(options.annotation, kXmlLimitBytes));
-    const IMAGE_GRID grid = ImageGridOf(image, options.burst);
-    const bool from_orbit_file = !options.orbit.empty();
-    if (from_orbit_file) outputs.Protect(options.orbit);
-    const ORBIT_TABLE orbit = from_orbit_file ? ReadOrbitFile(options.orbit) : image.orbit;
-    const std::vector<UTC_STATE_VECTOR> vectors = VectorsFor(orbit, image, grid, from_orbit_file);
-    WriteAcquisitionPool(outputs.Add(options.output), image, grid, orbit, vectors);
+    if (!options.orbit.empty()) outputs.Protect(options.orbit);
+    const S1_ACQUISITION read = ReadSentinel1(options.annotation, options.orbit, options.burst);
+    WriteAcquisitionPool(outputs.Add(options.output), read.image, read.grid, read.orbit, read.vectors);
     outputs.Commit();
-    PrintSummary(options, image, grid, orbit, vectors);
+    PrintSummary(options, read.image, read.grid, read.orbit, read.vectors);
 }
 
 }  // namespace

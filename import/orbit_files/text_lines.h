@@ -15,6 +15,7 @@ class TEXT_LINES {
     /// The next line that is not blank, without blanks around it. @return false at the end
     [[nodiscard]] bool Next();
     [[nodiscard]] const std::string& Line() const { return line_; }
+    [[nodiscard]] long long Number() const { return number_; }
     [[nodiscard]] VALUE_PLACE Place() const { return {file_, "line " + std::to_string(number_)}; }
     [[noreturn]] void Refuse(const std::string& expected) const { RefuseValue(Place(), line_, expected); }
 

@@ -28,6 +28,15 @@ struct PAIR_SETUP {
     std::string dem_raster;
 };
 
+inline constexpr const char* kEmptyLogPool = "# software history\n";
+
+[[nodiscard]] std::string InsarPoolText(const PAIR_SETUP& setup);
+
+/// All products are asked for, under their usual names. The DEM's paths are as seen from the folder, where the program
+/// is to be started. @throws as WritePairFolder
+[[nodiscard]] std::string ControlFileText(const std::string& folder, const std::string& dem_pool,
+                                          const std::string& dem_raster);
+
 /// Writes all files of the folder as outputs of the set. Values of a control file hold no blanks and at most 255
 /// characters: @throws COMPANION_ERROR for such a path of the DEM
 void WritePairFolder(OUTPUT_SET& outputs, const std::string& folder, const PAIR_SETUP& setup);
