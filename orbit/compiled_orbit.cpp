@@ -6,13 +6,12 @@
 #include <optional>
 
 #include "lib/baselib/logging/logging.h"
+#include "orbit/interpolation/extended_real.h"
 
 namespace {
 
 constexpr int kNodes = 32;
-constexpr long double kPi = 3.14159265358979323846264338327950288L;
-
-using SERIES = std::array<long double, kNodes>;  ///< coefficients of T_0 .. T_31 on -1..1
+using SERIES = std::array<EXTENDED_REAL, kNodes>;  ///< coefficients of T_0 .. T_31 on -1..1
 
 /// What may be dropped from the end of a series, and how far a compiled value may be from the orbit's own beside the
 /// rounding of a value of that size. Dropped coefficients are rounding noise of the samples: leaving them out makes the
@@ -20,24 +19,37 @@ using SERIES = std::array<long double, kNodes>;  ///< coefficients of T_0 .. T_3
 /// The interpolation's own rounding may be more than that; the coefficients that no polynomial of the orbit has any
 /// more show how much, and up to `noise` it is dropped, too.
 struct TOLERANCE {
-    long double dropped;
+    double dropped;
     double error;
     double noise;
 };
-constexpr TOLERANCE kTolerances[3] = {
-    {4e-10L, 1e-9, 1e-8}, {1e-11L, 1e-9, 1e-9}, {1e-11L, 1e-8, 1e-9}};  // m, m/s, m/s^2
-constexpr int kRoundings = 4;  ///< halves of an ulp: the interpolation's last operations and the compiled ones
+constexpr TOLERANCE kTolerances[3] = {{4e-10, 1e-9, 1e-8}, {1e-11, 1e-9, 1e-9}, {1e-11, 1e-8, 1e-9}};  // m, m/s, m/s^2
+constexpr double kLargest = 1e100;  ///< m, m/s, m/s^2: beyond any orbit, and far from what overflows
+constexpr int kRoundings = 4;       ///< halves of an ulp: the interpolation's last operations and the compiled ones
 
 ORBIT_PIECE::TERM ComponentsOf(const ORBIT_STATE& s) {
     return {s.position_m.x,   s.position_m.y,        s.position_m.z,        s.velocity_m_s.x,     s.velocity_m_s.y,
             s.velocity_m_s.z, s.acceleration_m_s2.x, s.acceleration_m_s2.y, s.acceleration_m_s2.z};
 }
 
-/// cos(k pi (j + 1/2) / 32) depends on k (2 j + 1) modulo 128 only.
-long double CosineOf(int k, int j) {
-    static const std::array<long double, 4 * kNodes> table = [] {
-        std::array<long double, 4 * kNodes> cosines{};
-        for (int i = 0; i < 4 * kNodes; ++i) cosines[i] = std::cos(kPi * i / (2 * kNodes));
+/// cos(pi / 64) by its power series.
+EXTENDED_REAL CosineOfStep() {
+    const EXTENDED_REAL pi(0x1.921fb54442d18p+1, 0x1.1a62633145c07p-53);
+    const EXTENDED_REAL angle = pi / (2.0 * kNodes);
+    EXTENDED_REAL term = 1.0;
+    EXTENDED_REAL sum = 1.0;
+    for (int k = 2; k <= 24; k += 2) sum += term *= -(angle * angle) / (k * (k - 1.0));
+    return sum;
+}
+
+/// cos(k pi (j + 1/2) / 32) depends on k (2 j + 1) modulo 128 only; cos((i + 1) a) = 2 cos(a) cos(i a) - cos((i - 1)
+/// a).
+const EXTENDED_REAL& CosineOf(int k, int j) {
+    static const std::array<EXTENDED_REAL, 4 * kNodes> table = [] {
+        std::array<EXTENDED_REAL, 4 * kNodes> cosines{};
+        cosines[0] = 1.0;
+        cosines[1] = CosineOfStep();
+        for (int i = 2; i < 4 * kNodes; ++i) cosines[i] = 2.0 * cosines[1] * cosines[i - 1] - cosines[i - 2];
         return cosines;
     }();
     return table[k * (2 * j + 1) % (4 * kNodes)];
@@ -48,35 +60,35 @@ SERIES SeriesThrough(const SERIES& samples) {
     SERIES series{};
     for (int k = 0; k < kNodes; ++k) {
         for (int j = 0; j < kNodes; ++j) series[k] += samples[j] * CosineOf(k, j);
-        series[k] *= (k == 0 ? 1.0L : 2.0L) / kNodes;
+        series[k] *= (k == 0 ? 1.0 : 2.0) / kNodes;
     }
     return series;
 }
 
-int DegreeOf(const SERIES& series, long double dropped) {
+int DegreeOf(const SERIES& series, double dropped) {
     int degree = kNodes - 1;
-    while (degree > 0 && std::fabs(series[degree]) <= dropped) --degree;
+    while (degree > 0 && Magnitude(series[degree]) <= dropped) --degree;
     return degree;
 }
 
 /// Size of the coefficients beyond the highest degree.
 double NoiseOf(const SERIES& series) {
-    long double noise = 0.0L;
-    for (int k = ORBIT_PIECE::kMaxDegree + 1; k < kNodes; ++k) noise = std::max(noise, std::fabs(series[k]));
-    return static_cast<double>(noise);
+    double noise = 0.0;
+    for (int k = ORBIT_PIECE::kMaxDegree + 1; k < kNodes; ++k) noise = std::max(noise, Magnitude(series[k]));
+    return noise;
 }
 
 /// Powers of u from the Chebyshev series, by T_(k+1) = 2 u T_k - T_(k-1).
 SERIES PowersOf(const SERIES& series, int degree) {
     SERIES powers{}, before{}, current{};
-    before[0] = 1.0L;
-    current[1] = 1.0L;
+    before[0] = 1.0;
+    current[1] = 1.0;
     powers[0] = series[0];
     for (int k = 1; k <= degree; ++k) {
         for (int i = 0; i <= k; ++i) powers[i] += series[k] * current[i];
         SERIES next{};
         for (int i = 0; i <= k; ++i) {
-            if (i + 1 < kNodes) next[i + 1] += 2.0L * current[i];
+            if (i + 1 < kNodes) next[i + 1] += 2.0 * current[i];
             next[i] -= before[i];
         }
         before = current;
@@ -110,17 +122,18 @@ std::optional<ORBIT_PIECE> Compile(const ORBIT_OF_POOL& orbit, double first_s, d
     piece.first_s = first_s;
     piece.last_s = last_s;
     piece.centre_s = first_s + 0.5 * (last_s - first_s);
-    const long double half_width_s = 0.5L * (static_cast<long double>(last_s) - first_s);
+    const EXTENDED_REAL half_width_s = 0.5 * (EXTENDED_REAL(last_s) - first_s);
 
     std::array<SERIES, ORBIT_PIECE::kComponents> samples{};
     for (int j = 0; j < kNodes; ++j) {
-        const long double node_s = piece.centre_s + half_width_s * CosineOf(1, j);
+        const EXTENDED_REAL node_s = piece.centre_s + half_width_s * CosineOf(1, j);
         const double t_s = std::clamp(static_cast<double>(node_s), first_s, last_s);
         const ORBIT_PIECE::TERM state = ComponentsOf(orbit.State(t_s));
         for (int c = 0; c < ORBIT_PIECE::kComponents; ++c) {
-            if (!std::isfinite(state[c])) return std::nullopt;
+            if (!std::isfinite(state[c]) || std::fabs(state[c]) > kLargest) return std::nullopt;
             // A time of day rounded to a double moves the satellite by up to 3e-8 m: from there on to the node itself.
-            samples[c][j] = c < 6 ? state[c] + state[c + 3] * (node_s - t_s) : state[c];
+            samples[c][j] = state[c];
+            if (c < 6) samples[c][j] += state[c + 3] * (node_s - t_s);
         }
     }
     ORBIT_PIECE::TERM noise{};
@@ -131,10 +144,10 @@ std::optional<ORBIT_PIECE> Compile(const ORBIT_OF_POOL& orbit, double first_s, d
         if (degree > ORBIT_PIECE::kMaxDegree) {
             noise[c] = NoiseOf(series);
             if (noise[c] > tolerance.noise) return std::nullopt;
-            degree = DegreeOf(series, 2.0L * noise[c]);
+            degree = DegreeOf(series, 2.0 * noise[c]);
         }
         const SERIES powers = PowersOf(series, degree);
-        long double scale = 1.0L;
+        EXTENDED_REAL scale = 1.0;
         for (int k = 0; k <= degree; ++k, scale /= half_width_s) {
             piece.terms[k][c] = static_cast<double>(powers[k] * scale);
         }

@@ -20,7 +20,7 @@ struct NEWTON_TERM {
 double NewtonScale(double first, double last);
 
 /// Fills the coefficients of the terms, whose nodes are set; equal nodes stand next to each other, at most two.
-/// Computed in long double.
+/// Computed in extended precision.
 /// @param y      ordinate at each term's node
 /// @param slope  first derivative at each term's node; may be empty when all nodes differ
 /// @throws ERROR_ARGUMENT (logged as owner's) when different nodes lie closer than 1e-9 of their span, or a coefficient

@@ -5,6 +5,7 @@
 
 #include "lib/baselib/logging/logging.h"
 #include "orbit/fit/svdfit.h"
+#include "orbit/interpolation/extended_real.h"
 
 int CheckedFitOrder(int order, int current, const char* owner) {
     if (order == -1) return current;
@@ -22,16 +23,16 @@ int ReducedFitOrder(int order, int point_count, const char* reduce_text) {
 namespace {
 
 template <template <class> class BASIS>
-std::vector<long double> Residuals(const std::vector<double>& unit, std::span<const double> y,
-                                   const std::vector<double>& coefficients) {
+std::vector<double> Residuals(const std::vector<double>& unit, std::span<const double> y,
+                              const std::vector<double>& coefficients) {
     const int count = static_cast<int>(coefficients.size());
-    std::vector<long double> basis(coefficients.size() + 1);  // addressed from 1
-    std::vector<long double> residuals;
+    std::vector<EXTENDED_REAL> basis(coefficients.size() + 1);  // addressed from 1
+    std::vector<double> residuals;
     for (size_t point = 0; point < unit.size(); ++point) {
-        BASIS<long double>::Fill(unit[point], basis.data(), count);
-        long double residual = y[point];
+        BASIS<EXTENDED_REAL>::Fill(unit[point], basis.data(), count);
+        EXTENDED_REAL residual = y[point];
         for (size_t j = 0; j < coefficients.size(); ++j) residual -= coefficients[j] * basis[j + 1];
-        residuals.push_back(residual);
+        residuals.push_back(static_cast<double>(residual));
     }
     return residuals;
 }
@@ -55,13 +56,12 @@ SCALED_FIT FitScaled(const SUPPORT_POINTS& points, int order) {
     SVDFIT<double, BASIS<double>> solver;
     solver.Fit(unit, points.y, sigma, fit.coefficients);
     fit.dropped_count = solver.DroppedCount();
-    const std::vector<long double> first = Residuals<BASIS>(unit, points.y, fit.coefficients);
     std::vector<double> correction(fit.coefficients.size());
-    solver.Fit(unit, std::vector<double>(first.begin(), first.end()), sigma, correction);
+    solver.Fit(unit, Residuals<BASIS>(unit, points.y, fit.coefficients), sigma, correction);
     double magnitude = 0;
     for (size_t i = 0; i < correction.size(); ++i) magnitude += std::fabs(fit.coefficients[i] += correction[i]);
-    for (const long double residual : Residuals<BASIS>(unit, points.y, fit.coefficients))
-        fit.chi_square += static_cast<double>(residual * residual);
+    for (const double residual : Residuals<BASIS>(unit, points.y, fit.coefficients))
+        fit.chi_square += residual * residual;
 
     // |T_k(u)| < (2 |u|)^k outside the data, hence half of the half width.
     fit.reach.Set(fit.scale.centre, fit.scale.half_width / 2, order, magnitude);

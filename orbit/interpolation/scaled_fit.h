@@ -35,8 +35,8 @@ int CheckedFitOrder(int order, int current, const char* owner);
 int ReducedFitOrder(int order, int point_count, const char* reduce_text);
 
 /// @tparam BASIS  see basis_functions.h
-/// Accuracy: the solution is refined once by fitting its own residuals, taken in long double; coefficients are then as
-/// good as those of a long double solution, rounded (without it, the 9th order over 20 vectors loses 3e-8 m).
+/// Accuracy: the solution is refined once by fitting its own residuals, taken in extended precision; coefficients are
+/// then as good as those of an extended solution, rounded (without it, the 9th order over 20 vectors loses 3e-8 m).
 template <template <class> class BASIS>
 SCALED_FIT FitScaled(const SUPPORT_POINTS& points, int order);
 
