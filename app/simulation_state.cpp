@@ -18,10 +18,11 @@ SCENE_IN_DEM Locate(const REQUEST& request, const ACQUISITIONS& acquisitions, co
     return place;
 }
 
-PRODUCT_WRITER OpenProducts(const REQUEST& request, const IMAGE_SIZE& image, const OUTPUT_SIZES& sizes) {
+PRODUCT_WRITER OpenProducts(const REQUEST& request, const ACQUISITIONS& acquisitions, const OUTPUT_SIZES& sizes) {
     CheckProductPaths(request);
-    if (request.only_looks) return {REQUEST{}, image, sizes};
-    return {request, image, sizes};
+    const VIEW_GEOMETRY geometry = {acquisitions.look_sign, acquisitions.ellipsoid.equatorial_m,
+                                    acquisitions.ellipsoid.polar_m};
+    return {request.only_looks ? REQUEST{} : request, acquisitions.image, sizes, geometry};
 }
 
 /// Told before the simulation, judged by nobody.
@@ -51,7 +52,7 @@ SIMULATION_STATE::SIMULATION_STATE(const REQUEST& what_was_asked, RUN_POOLS& poo
       initial_phase(ReadInitialPhase(request)),
       survey(SurveyDem(terrain.grid, place.simulated, valid_heights, request.terrain.dem_file.text)),
       sizes(SizeOutputs(request, acquisitions.image, simulated)),
-      products(OpenProducts(request, acquisitions.image, sizes)),
+      products(OpenProducts(request, acquisitions, sizes)),
       slabs(PlanSlabs(request, sizes, !request.only_looks && products.MayBeWrittenEarly())),
       images(AllocateResultImages(request, sizes, slabs, initial_phase)),
       scene(MakeKernelScene(request, acquisitions, pair, terrain, place, images)) {

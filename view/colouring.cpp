@@ -21,6 +21,10 @@ bool IsCoordinate(const PRODUCT_KIND* kind) {
                                kind->product == PRODUCT::Z_EARTH);
 }
 
+bool IsBaseline(const PRODUCT_KIND* kind) {
+    return kind != nullptr && kind->product == PRODUCT::PERPENDICULAR_BASELINE;
+}
+
 bool IsHeight(const PRODUCT_KIND* kind, PIXEL_TYPE pixel_type) {
     return kind == nullptr ? pixel_type == PIXEL_TYPE::INT_16 : kind->product == PRODUCT::H_EARTH;
 }
@@ -102,7 +106,7 @@ COLOURING ColouringFor(const PRODUCT_KIND* kind, PIXEL_TYPE pixel_type, const VA
         return {TABLE::CYCLIC, {0.0, 2.0 * std::numbers::pi}, false};
     const VALUE_RANGE range = RangeOf(grid).value_or(VALUE_RANGE{});
     if (IsHeight(kind, pixel_type)) return {TABLE::TERRAIN, range, true};
-    if (IsCoordinate(kind) || (IsShift(kind) && IsAboutZero(range))) {
+    if (IsCoordinate(kind) || IsBaseline(kind) || (IsShift(kind) && IsAboutZero(range))) {
         const double most = std::max(std::fabs(range.low), std::fabs(range.high));
         return {TABLE::DIVERGING, {-most, most}, false};
     }

@@ -107,7 +107,8 @@ long long DiskNeeded_bytes(const SIMULATION_STATE& state) {
     return (request.WantsPhase() ? FileBytes(state.acquisitions.image) : 0) +
            (request.WantsShifts() ? 2 * FileBytes(state.sizes.shift) : 0) +
            (request.WantsEarth() ? 3 * FileBytes(state.sizes.earth) : 0) +
-           (request.WantsHeight() ? FileBytes(state.sizes.earth) : 0);
+           (request.WantsHeight() ? FileBytes(state.sizes.earth) : 0) +
+           static_cast<long long>(request.ViewFiles().size()) * FileBytes(state.sizes.earth);
 }
 
 double ExpectedSimulationTime_s(const SIMULATION_STATE& state) {

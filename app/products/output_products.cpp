@@ -114,6 +114,14 @@ void SaveEarth(SIMULATION_STATE& state, const EARTH_GRIDS& grids, PARAMETER_POOL
     }
 }
 
+/// Says nothing of what was not asked for.
+void SaveViews(SIMULATION_STATE& state, const SCENE& in_memory) {
+    if (!state.request.WantsViews()) return;
+    Say(" 5. Output of views of the satellites");
+    for (const SOURCED_TEXT& file : state.request.ViewFiles()) Say("    save: %s", file.Text());
+    state.products.Views().Write(in_memory);
+}
+
 }  // namespace
 
 SIMULATED_IMAGE SimulateImage(SIMULATION_STATE& state) {
@@ -130,5 +138,6 @@ void SaveProducts(SIMULATION_STATE& state, const SIMULATED_IMAGE& image, PARAMET
     SaveShifts(state, image.in_memory.shifts);
     SaveHeight(state, image.in_memory.earth);
     SaveEarth(state, image.in_memory.earth, insar_pool);
+    SaveViews(state, image.in_memory);
     state.products.Place();
 }

@@ -43,7 +43,8 @@ void WriteSingles(PRODUCT_FILE& file, const GRID_VIEW<const float>& grid, const 
 
 }  // namespace
 
-PRODUCT_WRITER::PRODUCT_WRITER(const REQUEST& request, const IMAGE_SIZE& image, const OUTPUT_SIZES& sizes)
+PRODUCT_WRITER::PRODUCT_WRITER(const REQUEST& request, const IMAGE_SIZE& image, const OUTPUT_SIZES& sizes,
+                               const VIEW_GEOMETRY& geometry)
     : image_(image),
       sizes_(sizes),
       relative_shifts_(request.shifts.relative),
@@ -52,7 +53,8 @@ PRODUCT_WRITER::PRODUCT_WRITER(const REQUEST& request, const IMAGE_SIZE& image, 
       azimuth_shifts_(Add(request.shifts.azimuth_file, sizes.shift)),
       height_(Add(request.earth.height_file, sizes.earth)),
       earth_{Add(request.earth.x_file, sizes.earth), Add(request.earth.y_file, sizes.earth),
-             Add(request.earth.z_file, sizes.earth)} {
+             Add(request.earth.z_file, sizes.earth)},
+      views_(files_, request.views, sizes.earth, geometry) {
     files_.ReserveRoom();
 }
 
@@ -122,6 +124,7 @@ void PRODUCT_WRITER::WriteShare(const SCENE& share, bool backward) {
         [&] {
             if (height_ != nullptr) WriteHeight(share.earth);
         },
+        [&] { views_.WriteShare(share); },
     };
     if (backward)
         std::for_each(std::rbegin(steps), std::rend(steps), [](const auto& step) { step(); });

@@ -9,6 +9,7 @@
 #include <array>
 
 #include "app/acquisition/acquisitions.h"
+#include "app/products/view_products.h"
 #include "app/request/request.h"
 #include "app/scene/output_sizes.h"
 #include "lib/baselib/image/product_set.h"
@@ -18,7 +19,8 @@ class PRODUCT_WRITER {
   public:
     /// @param image  the master image: what is left of the phase
     /// @throws ERROR_CAN_NOT_CREATE_FILE, ERROR_NO_DISK_SPACE
-    PRODUCT_WRITER(const REQUEST& request, const IMAGE_SIZE& image, const OUTPUT_SIZES& sizes);
+    PRODUCT_WRITER(const REQUEST& request, const IMAGE_SIZE& image, const OUTPUT_SIZES& sizes,
+                   const VIEW_GEOMETRY& geometry = {});
 
     /// Whether nobody sees rows that are written before stage C.
     [[nodiscard]] bool MayBeWrittenEarly() const { return files_.AreHiddenUntilPlaced(); }
@@ -34,6 +36,8 @@ class PRODUCT_WRITER {
     void FixEarthOffsets(const EARTH_GRIDS& grids);
     [[nodiscard]] double EarthOffset(int axis) const { return earth_offsets_m_[axis]; }
     void WriteEarth(const EARTH_GRIDS& grids, int axis);
+
+    [[nodiscard]] const VIEW_PRODUCTS& Views() const { return views_; }
 
     /// All products that are wanted, silently, on ThreadCount() threads.
     void WriteSlab(const SCENE& scene);
@@ -64,4 +68,5 @@ class PRODUCT_WRITER {
     PRODUCT_FILE* height_;
     std::array<PRODUCT_FILE*, 3> earth_;  ///< x, y, z
     std::array<double, 3> earth_offsets_m_{};
+    VIEW_PRODUCTS views_;
 };

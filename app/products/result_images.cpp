@@ -76,7 +76,7 @@ RESULT_IMAGES AllocateResultImages(const REQUEST& request, const OUTPUT_SIZES& s
         AllocateShifts(
             images, InMemory(slabs, ShiftMatrixSize(sizes.simulated, request.factors.shift), request.factors.shift.y));
     if (request.WantsEarth()) AllocateEarth(images, earth);
-    if (request.WantsHeight()) {
+    if (request.NeedsHeights()) {
         Say(" - Radar DEM matrix allocation         (Get Memory)");
         Allocate(images.height, earth, PIXEL_TYPE::FLT_6);
     }

@@ -24,7 +24,7 @@ double BytesPerLine(const REQUEST& request, const OUTPUT_SIZES& sizes) {
     if (request.WantsPhase()) bytes += 4.0 * samples;
     if (request.WantsShifts()) bytes += 2.0 * 8.0 * (samples / shift.x + 1.0) / shift.y;
     if (request.WantsEarth()) bytes += 3.0 * 8.0 * sizes.earth.samples / earth.y;
-    if (request.WantsHeight()) bytes += 4.0 * sizes.earth.samples / earth.y;
+    if (request.NeedsHeights()) bytes += 4.0 * sizes.earth.samples / earth.y;
     return bytes;
 }
 

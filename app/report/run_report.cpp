@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cctype>
 #include <cstdlib>
 #include <cstring>
 #include <deque>
@@ -10,6 +11,7 @@
 #include "app/report/json_text.h"
 #include "app/report/report_file.h"
 #include "app/report/utc_text.h"
+#include "app/request/line_of_sight_files.h"
 #include "app/velmora_version.h"
 #include "lib/baselib/controller/fatal_signals.h"
 #include "lib/baselib/logging/logging.h"
@@ -52,6 +54,17 @@ void AddSize(JSON_TEXT& json, const char* key, const IMAGE_SIZE& size) {
     json.EndObject();
 }
 
+/// One key names the three files of the line of sight.
+std::optional<std::string> PathOf(const CONTROLLER_IFC& controller, const PRODUCT_KIND& kind) {
+    constexpr CONTROL_KEY kLineOfSight = "LINE_OF_SIGHT";
+    const std::string key = kind.key;
+    const bool is_component = key.starts_with(kLineOfSight.row.name);
+    const auto found = controller.Found().find(is_component ? kLineOfSight.row.name : key);
+    if (found == controller.Found().end()) return std::nullopt;
+    const auto component = static_cast<char>(std::tolower(static_cast<unsigned char>(key.back())));
+    return is_component ? LineOfSightPath(found->second.value, component) : found->second.value;
+}
+
 /// The last line that says more than that the program ended.
 std::string LastError() {
     for (std::vector<std::string> errors = Log().Tally().LastErrors(); !errors.empty(); errors.pop_back()) {
@@ -87,9 +100,8 @@ void RUN_REPORT::Describe(const SIMULATION_STATE& state) {
 void RUN_REPORT::ProductsAreWritten() {
     if (controller_ == nullptr) return;
     for (const PRODUCT_KIND& kind : ProductKinds()) {
-        const auto found = controller_->Found().find(kind.key);
-        if (found != controller_->Found().end())
-            written_.push_back({kind.key, StatisticsOfProduct(found->second.value)});
+        if (const std::optional<std::string> path = PathOf(*controller_, kind))
+            written_.push_back({kind.key, StatisticsOfProduct(*path)});
     }
     products_written_ = true;
     Publish();
@@ -158,11 +170,11 @@ void RUN_REPORT::AddStages(JSON_TEXT& json) const {
 void RUN_REPORT::AddProducts(JSON_TEXT& json) const {
     json.BeginArray("products");
     for (const PRODUCT_KIND& kind : ProductKinds()) {
-        const auto found = controller_->Found().find(kind.key);
-        if (found == controller_->Found().end()) continue;
+        const std::optional<std::string> path = PathOf(*controller_, kind);
+        if (!path) continue;
         json.BeginObject();
         json.Add("key", kind.key);
-        json.Add("path", found->second.value);
+        json.Add("path", *path);
         json.Add("written", products_written_);
         const auto written = std::ranges::find(written_, std::string(kind.key), &WRITTEN::key);
         if (!products_written_) {

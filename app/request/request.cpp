@@ -76,6 +76,12 @@ EARTH_REQUEST ReadEarthKeys(CONTROLLER_IFC& controller) {
     return earth;
 }
 
+VIEW_REQUEST ReadViewKeys(CONTROLLER_IFC& controller) {
+    const auto read = [&](CONTROL_KEY key) { return ReadProduct(controller, key).value_or(SOURCED_TEXT{}); };
+    return {read("INCIDENCE"), LineOfSightFiles(read("LINE_OF_SIGHT")), read("PERPENDICULAR_BASELINE"),
+            read("HEIGHT_OF_AMBIGUITY")};
+}
+
 std::optional<int> ReadMemoryLimit(CONTROLLER_IFC& controller) {
     constexpr CONTROL_KEY kKey = "MEMORY_LIMIT";
     const std::optional<SOURCED_TEXT> limit = OptionalText(controller, kKey);
@@ -105,6 +111,7 @@ REQUEST ReadKeys(CONTROLLER_IFC& controller, RUN_POOLS& pools) {
     request.factors.earth = ReadEarthSubsampling(controller, pools.insar);
     request.factors.geocoding = ReadGeocodingSubsampling(pools.insar);
     request.extension = ExtensionOf(request.factors);
+    request.views = ReadViewKeys(controller);
     request.memory_limit_mib = ReadMemoryLimit(controller);
     request.sidecars = IsGiven(controller, "VRT_SIDECARS");
     request.report = OptionalText(controller, "REPORT").value_or(SOURCED_TEXT{});
@@ -120,9 +127,18 @@ std::vector<SOURCED_TEXT> GivenOnes(std::initializer_list<SOURCED_TEXT> files) {
 
 }  // namespace
 
+std::vector<SOURCED_TEXT> REQUEST::ViewFiles() const {
+    const LINE_OF_SIGHT_FILES& sight = views.line_of_sight;
+    return GivenOnes(
+        {views.incidence_file, sight[0], sight[1], sight[2], views.baseline_file, views.ambiguity_file});
+}
+
 std::vector<SOURCED_TEXT> REQUEST::ProductFiles() const {
-    return GivenOnes({phase.file, shifts.range_file, shifts.azimuth_file, earth.x_file, earth.y_file, earth.z_file,
-                      earth.height_file});
+    std::vector<SOURCED_TEXT> files =
+        GivenOnes({phase.file, shifts.range_file, shifts.azimuth_file, earth.x_file, earth.y_file, earth.z_file,
+                   earth.height_file});
+    for (const SOURCED_TEXT& file : ViewFiles()) files.push_back(file);
+    return files;
 }
 
 std::vector<SOURCED_TEXT> REQUEST::OtherFiles() const {

@@ -10,6 +10,7 @@
 
 #include "app/keys/control_values.h"
 #include "app/request/area_extension.h"
+#include "app/request/line_of_sight_files.h"
 #include "app/run_pools.h"
 
 struct INPUT_FILES {
@@ -45,6 +46,14 @@ struct EARTH_REQUEST {
     SOURCED_TEXT height_file{};
 };
 
+/// What the ground sees of the satellites; any of them may be empty.
+struct VIEW_REQUEST {
+    SOURCED_TEXT incidence_file{};
+    LINE_OF_SIGHT_FILES line_of_sight{};
+    SOURCED_TEXT baseline_file{};
+    SOURCED_TEXT ambiguity_file{};
+};
+
 struct REQUEST {
     std::string control_file;  ///< it may be missing
     PHASE_REQUEST phase;
@@ -56,6 +65,7 @@ struct REQUEST {
     bool permanent_scatterer = false;
     SHIFT_REQUEST shifts;
     EARTH_REQUEST earth;
+    VIEW_REQUEST views;
     bool sidecars = false;
     SOURCED_TEXT report;      ///< may be empty
     bool only_looks = false;  ///< no product is opened
@@ -67,7 +77,11 @@ struct REQUEST {
     [[nodiscard]] bool WantsShifts() const { return shifts.range_file.Given(); }
     [[nodiscard]] bool WantsEarth() const { return earth.x_file.Given(); }
     [[nodiscard]] bool WantsHeight() const { return earth.height_file.Given(); }
+    [[nodiscard]] bool WantsViews() const { return !ViewFiles().empty(); }
+    /// The grid of heights is there, for its own product or for the views that are made from it.
+    [[nodiscard]] bool NeedsHeights() const { return WantsHeight() || WantsViews(); }
 
+    [[nodiscard]] std::vector<SOURCED_TEXT> ViewFiles() const;
     /// The files that stage C writes, in its order.
     [[nodiscard]] std::vector<SOURCED_TEXT> ProductFiles() const;
     /// Every other file of the run.

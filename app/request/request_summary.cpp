@@ -28,6 +28,12 @@ void SayProducts(const REQUEST& request) {
         Say("      - h earth img: ......... %s", request.earth.height_file.Text());
         SaySubsampling(request.factors.earth);
     }
+    if (request.WantsViews()) {
+        Say("   n. views of the satellites requested");
+        for (const SOURCED_TEXT& file : request.ViewFiles())
+            Say("      - %s: %s", file.source.key.c_str(), file.Text());
+        SaySubsampling(request.factors.earth);
+    }
 }
 
 }  // namespace

@@ -28,7 +28,7 @@ EARTH_GRIDS EarthGrids(const REQUEST& request, RESULT_IMAGES& images) {
         earth.y = ViewOf<double>(images.y_earth);
         earth.z = ViewOf<double>(images.z_earth);
     }
-    if (request.WantsHeight()) earth.radar_dem = ViewOf<float>(images.height);
+    if (request.NeedsHeights()) earth.radar_dem = ViewOf<float>(images.height);
     return earth;
 }
 

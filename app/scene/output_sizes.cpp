@@ -136,6 +136,6 @@ IMAGE_SIZE SizeEarthMatrices(const REQUEST& request, const IMAGE_SIZE& image, co
 OUTPUT_SIZES SizeOutputs(const REQUEST& request, const IMAGE_SIZE& image, const IMAGE_SIZE& simulated) {
     OUTPUT_SIZES sizes{.simulated = simulated};
     if (request.WantsShifts()) sizes.shift = SizeShiftMatrices(request, image, simulated);
-    if (request.WantsEarth() || request.WantsHeight()) sizes.earth = SizeEarthMatrices(request, image, simulated);
+    if (request.WantsEarth() || request.NeedsHeights()) sizes.earth = SizeEarthMatrices(request, image, simulated);
     return sizes;
 }

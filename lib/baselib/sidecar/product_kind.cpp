@@ -12,6 +12,12 @@ constexpr PRODUCT_KIND kKinds[] = {
     {PRODUCT::X_EARTH, "X_EARTH", "Earth-fixed x, less offset", "m"},
     {PRODUCT::Y_EARTH, "Y_EARTH", "Earth-fixed y, less offset", "m"},
     {PRODUCT::Z_EARTH, "Z_EARTH", "Earth-fixed z, less offset", "m"},
+    {PRODUCT::INCIDENCE, "INCIDENCE", "incidence angle, ellipsoid", "deg"},
+    {PRODUCT::LINE_OF_SIGHT_E, "LINE_OF_SIGHT_E", "line of sight, east", ""},
+    {PRODUCT::LINE_OF_SIGHT_N, "LINE_OF_SIGHT_N", "line of sight, north", ""},
+    {PRODUCT::LINE_OF_SIGHT_U, "LINE_OF_SIGHT_U", "line of sight, up", ""},
+    {PRODUCT::PERPENDICULAR_BASELINE, "PERPENDICULAR_BASELINE", "perpendicular baseline", "m"},
+    {PRODUCT::HEIGHT_OF_AMBIGUITY, "HEIGHT_OF_AMBIGUITY", "height of ambiguity", "m"},
 };
 
 }  // namespace

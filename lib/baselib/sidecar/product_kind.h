@@ -7,11 +7,26 @@
 #include <span>
 #include <string_view>
 
-enum class PRODUCT { SIMU_PHASE, RG_COREG, AZ_COREG, H_EARTH, X_EARTH, Y_EARTH, Z_EARTH };
+enum class PRODUCT {
+    SIMU_PHASE,
+    RG_COREG,
+    AZ_COREG,
+    H_EARTH,
+    X_EARTH,
+    Y_EARTH,
+    Z_EARTH,
+    INCIDENCE,
+    LINE_OF_SIGHT_E,
+    LINE_OF_SIGHT_N,
+    LINE_OF_SIGHT_U,
+    PERPENDICULAR_BASELINE,
+    HEIGHT_OF_AMBIGUITY
+};
 
 struct PRODUCT_KIND {
     PRODUCT product;
-    const char* key;  ///< of the control file that names the product's path
+    const char* key;  ///< of the control file that names the product's path; the last two letters of LINE_OF_SIGHT_E, _N
+                      ///< and _U stand for the files that LINE_OF_SIGHT asks for
     const char* description;
     const char* unit;
 };

@@ -1,0 +1,108 @@
+#include "simulation/ground_view_rows.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "geometry/constants.h"
+#include "geometry/vector_arithmetic.h"
+#include "orbit/general_orbit.h"
+
+namespace {
+
+using POINT_M = VECTOR_3D<double>;
+
+POINT_M Unit(const POINT_M& a) {
+    return (1.0 / Length(a)) * a;
+}
+
+/// Radius of the ellipsoid below a point.
+double RadiusBelow(const POINT_M& point_m, double a_m, double b_m) {
+    const double across = std::hypot(point_m.x, point_m.y) / a_m;
+    return Length(point_m) / std::hypot(across, point_m.z / b_m);
+}
+
+/// Where the range meets a sphere about the Earth's centre, in the plane of zero Doppler.
+POINT_M OnSphere(const GROUND_FRAME& frame, double range_m, double radius_m) {
+    const POINT_M& satellite = frame.own_satellite_m;
+    const double below_m = -DotProduct(satellite, frame.own_down);
+    const double cosine =
+        (DotProduct(satellite, satellite) + range_m * range_m - radius_m * radius_m) / (2.0 * range_m * below_m);
+    const double c = std::clamp(cosine, -1.0, 1.0);
+    return satellite + range_m * (c * frame.own_down + std::sqrt(1.0 - c * c) * frame.own_out);
+}
+
+double PolarAxis(const GEODETIC_PARAMETERS& geodetic) {
+    return geodetic.a_m * std::sqrt(1.0 - geodetic.e2);
+}
+
+/// A direction on the DEM's own axes, as long as a metre of the orbits' frame is there.
+POINT_M OwnDirection(const DATUM& datum, const POINT_M& from_m, const POINT_M& direction) {
+    constexpr double kFar_m = 1e6;
+    return (1.0 / kFar_m) * (DatumInverse(datum, from_m + kFar_m * direction) - DatumInverse(datum, from_m));
+}
+
+/// The slave's motion about when it sees the point.
+void PlaceSlave(const ACQUISITION_SCENE& slave, const POINT_M& point_m, GROUND_FRAME& frame) {
+    double range_m = 0.0;
+    const double time_s = CalcSlaveTime(slave.orbit, point_m, &range_m, slave.first_azimuth_time_s);
+    const ORBIT_STATE state = slave.orbit.orbit->State(time_s + slave.orbit.offset_s);
+    frame.slave_m = state.position_m;
+    frame.slave_m_s = state.velocity_m_s;
+    frame.slave_m_s2 = state.acceleration_m_s2;
+}
+
+}  // namespace
+
+GROUND_VIEW_ROWS::GROUND_VIEW_ROWS(const SCENE& scene, const VIEW_GEOMETRY& geometry)
+    : scene_(scene), geometry_(geometry), view_ground_(VELMORA_AT_LEVEL(ChosenVectorLevel(), ViewGround)) {}
+
+void GROUND_VIEW_ROWS::View(int grid_row, int columns, const ROW& row) const {
+    const GROUND_FRAME frame = FrameOf(grid_row, columns);
+    const float* const heights_m = scene_.earth.radar_dem[grid_row];
+    GROUND_BLOCK block;
+    for (int first = 0; first < columns; first += GROUND_BLOCK::kSize) {
+        const int size = std::min(GROUND_BLOCK::kSize, columns - first);
+        for (int i = 0; i < GROUND_BLOCK::kSize; ++i) block.height_m[i] = heights_m[first + std::min(i, size - 1)];
+        view_ground_(frame, first, block);
+        for (int view = 0; view < kViews; ++view) {
+            if (row[view] != nullptr) std::copy_n(block.views[view], size, row[view] + first);
+        }
+    }
+}
+
+GROUND_FRAME GROUND_VIEW_ROWS::FrameOf(int grid_row, int columns) const {
+    const ACQUISITION_SCENE& master = scene_.master;
+    const GEODETIC_PARAMETERS& geodetic = scene_.dem.geodetic;
+    const double time_s =
+        master.first_azimuth_time_s + static_cast<double>(grid_row) * scene_.earth.azimuth_factor / master.prf_hz;
+    const ORBIT_STATE state = master.orbit.orbit->State(time_s + master.orbit.offset_s);
+    const POINT_M along = Unit(state.velocity_m_s);
+    const POINT_M& satellite = state.position_m;
+
+    GROUND_FRAME frame{};
+    frame.satellite_m = satellite;
+    frame.down = Unit(DotProduct(satellite, along) * along - satellite);
+    frame.out = geometry_.look_sign * CrossProduct(frame.down, along);
+    frame.own_satellite_m = DatumInverse(geodetic.datum, satellite);
+    frame.own_down = OwnDirection(geodetic.datum, satellite, frame.down);
+    frame.own_out = OwnDirection(geodetic.datum, satellite, frame.out);
+    frame.a_m = geodetic.a_m;
+    frame.b_m = PolarAxis(geodetic);
+    frame.normal_a_m = geometry_.a_m;
+    frame.normal_b_m = geometry_.b_m;
+    frame.first_range_m = 0.5 * kSpeedOfLight * master.near_range_time_s;
+    frame.range_step_m = 0.5 * kSpeedOfLight * scene_.earth.range_factor / master.rsf_hz;
+    const double wavelength_m = kSpeedOfLight / scene_.slave.carrier_frequency_hz;
+    frame.ambiguity_m = scene_.bistatic ? wavelength_m : 0.5 * wavelength_m;
+
+    // The middle of the line tells the radius, and about when the slave passes: a few metres do not matter.
+    const double range_m = frame.first_range_m + 0.5 * columns * frame.range_step_m;
+    const double height_m = scene_.earth.radar_dem[grid_row][columns / 2];
+    frame.radius_m = frame.a_m;
+    for (int i = 0; i < 3; ++i) {
+        const POINT_M point_m = OnSphere(frame, range_m, frame.radius_m + height_m);
+        frame.radius_m = RadiusBelow(point_m, frame.a_m, frame.b_m);
+    }
+    PlaceSlave(scene_.slave, DatumForward(geodetic.datum, OnSphere(frame, range_m, frame.radius_m + height_m)), frame);
+    return frame;
+}
