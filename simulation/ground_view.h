@@ -1,11 +1,10 @@
 /// \file ground_view.h
 /// What the ground of one line's pixels sees of both satellites, many pixels at a time; compiled once per vector level.
-/// A pixel's ground is found from its range and its height: in the plane of zero Doppler, where the satellite is at rest,
-/// at the angle from the downward direction at which the height above the DEM's ellipsoid is the pixel's.
-/// Frame: Earth-fixed, that of the orbits, metres and seconds, but for what is called own: there the DEM's ellipsoid has
-/// its centre and axes (see DATUM). Threads: no shared state.
-/// Accuracy: ground to 1e-3 m; angles to 3e-6 degrees; the slave's place to 1e-3 m where its zero-Doppler time differs by
-/// at most 1 s within the line.
+/// A pixel's ground is found from its range and its height: in the plane of zero Doppler, where the satellite is at
+/// rest, at the angle from the downward direction at which the height above the DEM's ellipsoid is the pixel's. Frame:
+/// Earth-fixed, that of the orbits, metres and seconds, but for what is called own: there the DEM's ellipsoid has its
+/// centre and axes (see DATUM). Threads: no shared state. Accuracy: ground to 1e-3 m; angles to 3e-6 degrees; the
+/// slave's place to 1e-3 m where its zero-Doppler time differs by at most 1 s within the line.
 
 #pragma once
 

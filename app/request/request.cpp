@@ -129,14 +129,12 @@ std::vector<SOURCED_TEXT> GivenOnes(std::initializer_list<SOURCED_TEXT> files) {
 
 std::vector<SOURCED_TEXT> REQUEST::ViewFiles() const {
     const LINE_OF_SIGHT_FILES& sight = views.line_of_sight;
-    return GivenOnes(
-        {views.incidence_file, sight[0], sight[1], sight[2], views.baseline_file, views.ambiguity_file});
+    return GivenOnes({views.incidence_file, sight[0], sight[1], sight[2], views.baseline_file, views.ambiguity_file});
 }
 
 std::vector<SOURCED_TEXT> REQUEST::ProductFiles() const {
-    std::vector<SOURCED_TEXT> files =
-        GivenOnes({phase.file, shifts.range_file, shifts.azimuth_file, earth.x_file, earth.y_file, earth.z_file,
-                   earth.height_file});
+    std::vector<SOURCED_TEXT> files = GivenOnes({phase.file, shifts.range_file, shifts.azimuth_file, earth.x_file,
+                                                 earth.y_file, earth.z_file, earth.height_file});
     for (const SOURCED_TEXT& file : ViewFiles()) files.push_back(file);
     return files;
 }

@@ -1,13 +1,24 @@
 """What the ground sees of the satellites: against closed-form orbits and the ellipsoid, pixel by pixel."""
 
+import csv
+import datetime
+import gzip
+import json
+import pathlib
+import shutil
+import subprocess
+
 import numpy as np
 import pytest
 
 import judge
-from scene_maker import raster
+from scene_maker import pool_file, raster
 from scene_maker.ellipsoid import WGS84
 from test_properties import BESSEL, SCENES
-from velmora_run import edit_control_file, succeed
+from velmora_run import BINARY, REPOSITORY, edit_control_file, edit_pool, succeed, velmora
+
+IMPORT = pathlib.Path(BINARY).parents[1] / "import" / "velmora-import"
+INPUTS = REPOSITORY.parent / "shared" / "inputs"
 
 VIEWS = dict(INCIDENCE="incidence.ras", LINE_OF_SIGHT="los.ras", PERPENDICULAR_BASELINE="perpendicular_baseline.ras",
              HEIGHT_OF_AMBIGUITY="height_of_ambiguity.ras")
@@ -92,3 +103,68 @@ def test_views_do_not_depend_on_the_way_there(fresh_scene, options):
                           products=("phase",), **options)
     run_with_views(bare)
     assert b"".join((bare / file).read_bytes() for file in FILES) in products
+
+
+THINNED = 60  # every so many samples and lines of the published image
+
+
+def thin_scene(folder, annotation, height_m):
+    """A run of the annotation's whole image, thinned, over level ground; all four corners lie within its degrees."""
+    (folder / "image.xml").write_bytes(gzip.decompress(annotation.read_bytes()))
+    subprocess.run([IMPORT, "sentinel1", "image.xml", "-o", "master.pool"], cwd=folder, check=True, capture_output=True)
+    pool = pool_file.read(folder / "master.pool")
+    for key in ("prf", "range_sampling_frequency"):
+        edit_pool(folder / "master.pool", key, "%s FLT_15 %.17g" % (key, pool[key] / THINNED))
+    for key in ("n_samples", "n_lines"):
+        edit_pool(folder / "master.pool", key, "%s INT_32 %d" % (key, pool[key] // THINNED + 1))
+    shutil.copyfile(folder / "master.pool", folder / "slave.pool")
+    (folder / "insar.pool").write_text("observation_mode STR \"dual_pass\"\nearth_matrices_subsampling_x INT_32 1\n"
+                                       "earth_matrices_subsampling_y INT_32 1\n")
+    (folder / "log.pool").write_text("# log\n")
+    west, north = {"2020": (-119.0, 41.0), "2023": (-120.0, 36.5)}[annotation.name.split("-")[4][:4]]
+    (folder / "dem.pool").write_text("dem_correction FLT_15 0\ngrid_format STR \"GEO\"\nupper_northing FLT_15 %g\n"
+                                     "lower_northing FLT_15 %g\nleft_easting FLT_15 %g\nright_easting FLT_15 %g\n"
+                                     % (north, north - 5.0, west, west + 5.0))
+    raster.write_int16(folder / "dem.ras", np.full((1000, 1000), height_m))
+    (folder / "scene.pcf").write_text("MASTER_POOL master.pool\nSLAVE_POOL slave.pool\nINSAR_POOL insar.pool\nlog_pp log.pool\n"
+                                      "DEM_POOL dem.pool\nDEM dem.ras\nRANGE_TIME_SHIFT 0\nLOOKS_RG 1\nLOOKS_AZ 1\n"
+                                      "PS_INSAR_MODE 1\nINCIDENCE incidence.ras\n")
+    return pool, succeed(folder, parallel="2").product("INCIDENCE").astype(float)
+
+
+@pytest.mark.skipif(not INPUTS.is_dir() or not IMPORT.exists(), reason="no shared inputs, or no import program")
+@pytest.mark.parametrize("date", ["20200511", "20230108"])
+def test_published_angles_of_real_images_are_met_at_all_points(tmp_path, date):
+    (annotation,) = INPUTS.glob("*vv-%s*.xml.gz" % date)
+    levels_m = (0, 3000)
+    for height_m in levels_m:
+        (tmp_path / str(height_m)).mkdir()
+    (pool, low), (_, high) = (thin_scene(tmp_path / str(h), annotation, h) for h in levels_m)
+    with open(INPUTS / "expected" / (date + ".geolocation_grid.csv"), encoding="ascii") as file:
+        points = list(csv.DictReader(file))
+    start = datetime.datetime.fromisoformat(pool["orbit_reference_time"]) + datetime.timedelta(seconds=pool["first_az_time"])
+    assert len(points) == 210
+    for point in points:
+        since_s = (datetime.datetime.fromisoformat(point["t_utc"]) - start).total_seconds()
+        line = np.clip(round(since_s * pool["prf"] / THINNED), 0, low.shape[0] - 1)
+        sample = (float(point["two_way_time_s"]) - pool["first_rg_time"]) * pool["range_sampling_frequency"] / THINNED
+        at = [np.interp(sample, np.arange(low.shape[1]), image[line]) for image in (low, high)]
+        angle_deg = np.interp(float(point["height"]), levels_m, at)
+        assert abs(angle_deg - float(point["incidence_deg"])) < 0.05, point
+
+
+def test_three_files_of_one_key_are_products_like_all_others(fresh_scene):
+    _, folder = fresh_scene(samples=70, lines=60)
+    run = run_with_views(folder, "-VRT_SIDECARS", "1", "-REPORT", "report.json")
+    described = {product["key"]: product for product in json.loads((folder / "report.json").read_text())["products"]}
+    for component, file in zip("ENU", SIGHT_FILES):
+        product = described["LINE_OF_SIGHT_" + component]
+        assert (product["path"], product["written"]) == (file, True)
+        assert -1.0 <= product["minimum"] <= product["maximum"] <= 1.0
+        assert "LINE_OF_SIGHT_" + component in (folder / (file + ".vrt")).read_text()
+    edit_control_file(folder, LINE_OF_SIGHT="los", INCIDENCE="los_n.ras")
+    before = (folder / "los_n.ras").read_bytes()
+    refused = velmora(folder)
+    assert refused.status == 1 and (folder / "los_n.ras").read_bytes() == before
+    assert any("los_n.ras is the file" in line for line in refused.lines("ALARM")), refused.explanation()
+    assert run.lines("ALARM") == []

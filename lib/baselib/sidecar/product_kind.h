@@ -25,8 +25,8 @@ enum class PRODUCT {
 
 struct PRODUCT_KIND {
     PRODUCT product;
-    const char* key;  ///< of the control file that names the product's path; the last two letters of LINE_OF_SIGHT_E, _N
-                      ///< and _U stand for the files that LINE_OF_SIGHT asks for
+    const char* key;  ///< of the control file that names the product's path; the last two letters of LINE_OF_SIGHT_E,
+                      ///< _N and _U stand for the files that LINE_OF_SIGHT asks for
     const char* description;
     const char* unit;
 };
