@@ -44,6 +44,13 @@ TEST(MemMgr, AnEmptyImageHasNothingAndItsDestructionLogsNothing) {
     EXPECT_EQ("", log);
 }
 
+TEST(DataType, HasTheSizeThatItsNameSays) {
+    const std::pair<const char*, int> sizes[] = {
+        {"int_8", 1},   {"u_int_16", 2}, {"u_int_32", 4},   {"int_64", 8},    {"u_int_64", 8},    {"flt_30", 16},
+        {"c_int_8", 2}, {"c_int_32", 8}, {"c_u_int_16", 4}, {"c_int_64", 16}, {"c_u_int_64", 16}, {"c_flt_30", 32}};
+    for (const auto& [name, bytes] : sizes) EXPECT_EQ(bytes, BASIC::TYPES::DATA_TYPE(name).Size()) << name;
+}
+
 TEST(MemMgr, RefusesSizesThatNoMemoryHolds) {
     MEM_MGR image;
     EXPECT_THROW(image.Allocate(0, 0, kMost - 1, kMost - 1, PIXEL_TYPE::U_INT_8), std::bad_array_new_length);
