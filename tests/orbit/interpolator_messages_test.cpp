@@ -73,7 +73,8 @@ TEST(InterpolatorLog, TellsOrdersDroppedValuesAndPieces) {
               "PARAM : global : LOCAL_INTERPOLATION: polynom count; 2\n"
               "PARAM : global : idx_start=3 idx_stop=13 t_start=100 t_stop=155\n"
               "PARAM : global : idx_start=4 idx_stop=14 t_start=155 t_stop=210\n");
-    EXPECT_THAT(LogOfCreate<LOCAL_FIT>(kGrid, -1, 5), HasSubstr("reduce polynomial fit order 7 -> 4\n")) << "by default";
+    EXPECT_THAT(LogOfCreate<LOCAL_FIT>(kGrid, -1, 5), HasSubstr("reduce polynomial fit order 7 -> 4\n"))
+        << "by default";
     EXPECT_THAT(LogOfCreate<LOCAL_POLYNOM>(three, -1, 5),
                 HasSubstr("LOCAL_INTERPOLATION: change support_point_count from 5 to 3\n"));
     EXPECT_THAT(LoggedBy([&] { HERMITE_POLY<double>().Create(Slopes(three), -1, 5); }),
