@@ -93,12 +93,15 @@ def test_tables_follow_the_product(tmp_path):
     for name in ("x_earth", "rg_coreg", "h_earth", "numbers"):
         write(tmp_path / (name + ".ras"), ramp)
     write(tmp_path / "dem.ras", np.tile(np.r_[[-32768] * 50, np.arange(551)], (300, 1)), "<i2")
-    good(tmp_path, "picture", "x_earth.ras", "rg_coreg.ras", "h_earth.ras", "numbers.ras", "dem.ras")
-    row = {name: png(tmp_path / (name + ".png"))[150] for name in ("x_earth", "rg_coreg", "h_earth", "numbers", "dem")}
+    write(tmp_path / "az_coreg.ras", ramp + 99.0)  # hardly below 0: not about it
+    names = ("x_earth", "rg_coreg", "h_earth", "numbers", "dem", "az_coreg")
+    good(tmp_path, "picture", *(name + ".ras" for name in names))
+    row = {name: png(tmp_path / (name + ".png"))[150] for name in names}
     for name in ("x_earth", "rg_coreg"):  # white at 0, blue below, red above
         assert row[name][400].min() > 235 and row[name][5][2] > row[name][5][0] + 60 and row[name][595][0] > row[name][595][2]
-    light = row["numbers"].sum(axis=1)
-    assert (np.diff(light) >= -6).all() and light[-1] > light[0] + 300
+    for name in ("numbers", "az_coreg"):
+        light = row[name].sum(axis=1)
+        assert (np.diff(light) >= -6).all() and light[-1] > light[0] + 300
     assert tuple(row["dem"][20]) == (128, 128, 128) != tuple(row["dem"][60])
     assert row["h_earth"][10][1] > row["h_earth"][10][0] and (row["h_earth"][599] > 150).all()
 
