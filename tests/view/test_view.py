@@ -205,6 +205,7 @@ REFUSED = {
     "pool without offsets": (["geocode", "h_earth.ras", "--pool", "dem.pool"], "x_earth_offset"),
     "another run's pool": (["geocode", "h_earth.ras", "--pool", "other.pool"], "x_earth.ras: pixel 0"),
     "other sizes": (["geocode", "h_earth.ras", "--pool", "insar.pool", "--z", "numbers.ras"], "numbers.ras: has 2 x 2 pixels"),
+    "other rows": (["geocode", "h_earth.ras", "--pool", "insar.pool", "--z", "rows.ras"], "rows.ras: has"),
     "not covered": (["geocode", "h_earth.ras", "--pool", "insar.pool", "--kind", "RG_COREG", "--x", "numbers.ras", "--y",
                      "numbers.ras", "--z", "numbers.ras"], "h_earth.ras: has"),
     "no command": ([], "subcommand"),
@@ -226,6 +227,7 @@ def run_folder(tmp_path_factory):
     (folder / "odd.ras").write_bytes(BAD_PIXELS.replace(struct.pack(">I", 24), struct.pack(">I", 7)))
     (folder / "taken.png").write_bytes(b"mine")
     write(folder / "numbers.ras", np.array([[1.0, 2.0], [3.0, 4.0]]))
+    write(folder / "rows.ras", raster.read(folder / "h_earth.ras")[:-1])
     (folder / "other.pool").write_text("".join("%s_earth_offset FLT_15 10\n" % axis for axis in "xyz"))
     return folder
 
