@@ -241,8 +241,10 @@ TEST(RasterFile, OutputFailuresNameThePathAndDamageNothing) {
     image.Allocate(0, 0, 9, 9, PIXEL_TYPE::U_INT_8);
     for (const std::string& path : {plain + "/below", folder.Path("no/folder"), folder.Path(""), folder.Path("fifo")}) {
         SCOPED_TRACE(path);
-        EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(image.SaveSunRasterFile(path, 0666), ERROR_CAN_NOT_OPEN_FILE); }),
-                    HasSubstr("MEM_MGR: can not open: " + path + "\n"));
+        const std::string log =
+            LoggedBy([&] { EXPECT_THROW(image.SaveSunRasterFile(path, 0666), ERROR_CAN_NOT_OPEN_FILE); });
+        EXPECT_THAT(log, HasSubstr("MEM_MGR: can not open: " + path + "\n"));
+        EXPECT_EQ(path.ends_with("fifo"), log.find("is no regular file") != std::string::npos);
     }
     EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(image.SaveSunRasterFile("/dev/full", 0666), ERROR_CAN_NOT_WRITE_FILE); }),
                 HasSubstr("MEM_MGR: can not save header for /dev/full\n"));

@@ -182,6 +182,12 @@ def test_globe_file_holds_transparent_and_coloured_pixels(tmp_path):
     assert tile.shape[0] == 4 and {0, 255} <= set(np.unique(tile[3]))
     assert sorted(path.name for path in tmp_path.iterdir() if path.name.startswith("h_earth")) == [
         "h_earth.kmz", "h_earth.ras", "h_earth.tif"]
+    shape = raster.read(tmp_path / "simu_phase.ras").shape
+    write(tmp_path / "turns.ras", 1.0 + 2 * np.pi * (np.arange(shape[0] * shape[1]).reshape(shape) % 7 - 3))
+    good(tmp_path, "geocode", "turns.ras", "--kind", "SIMU_PHASE", "--pool", "insar.pool", "--kmz")
+    tile = gdal.Open("/vsizip/%s/0/0/0.png" % (tmp_path / "turns.kmz")).ReadAsArray()
+    colours = tile[:3, tile[3] == 255]
+    assert colours.size and np.ptp(colours, axis=1).max() <= 2  # whole turns do not show
 
 
 BAD_PIXELS = struct.pack(">8I", 0x59A66A95, 4, 4, 24, 48, 3, 0, 0) + bytes(48)
