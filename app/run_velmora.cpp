@@ -45,10 +45,10 @@ void TellOfMissingTraps() {
 }
 
 /// Products and pools are complete: no memory for what stands beside them does not change that.
-void TellOfProducts(const REQUEST& request, RUN_REPORT& report) {
+void TellOfProducts(const SIMULATION_STATE& state, RUN_REPORT& report) {
     try {
-        BringSidecarsUpToDate(request);
-        report.ProductsAreWritten();
+        BringSidecarsUpToDate(state.request);
+        report.ProductsAreWritten(state.products.Files());
     } catch (const std::bad_alloc&) {
     }
 }
@@ -81,7 +81,7 @@ void RunStages(CONTROLLER_IFC& controller, const VERSION_RECORD& version, RUN_RE
     SetOutOfMemoryLine("out of memory while the pools were updated");
     WriteBackPools(pools, EntryOfThisRun(version));
     state.products.Accept();
-    TellOfProducts(request, report);
+    TellOfProducts(state, report);
 }
 
 /// Products and pools are complete: no memory for the last lines does not change that.

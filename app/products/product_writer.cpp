@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "lib/baselib/image/product_rows.h"
+#include "lib/baselib/logging/logging.h"
 #include "simulation/copy_mem_mgr.h"
 #include "simulation/perturbation_file.h"
 #include "simulation/scene_lines.h"
@@ -149,4 +150,13 @@ void PRODUCT_WRITER::WriteSlab(const SCENE& scene) {
     for (const std::exception_ptr& failure : failures)
         if (failure) std::rethrow_exception(failure);
     files_.BeginSynchronising();
+}
+
+void PRODUCT_WRITER::Place() {
+    for (const auto& file : files_.Files()) {
+        const VALUE_STATISTICS& values = file->Values();
+        Log().Message(LOGGING_LEVEL::DEBUG, "values of %s: %.9g .. %.9g", file->Path().c_str(),
+                      static_cast<double>(values.Minimum()), static_cast<double>(values.Maximum()));
+    }
+    files_.Place();
 }

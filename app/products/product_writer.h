@@ -46,8 +46,12 @@ class PRODUCT_WRITER {
     [[nodiscard]] const PRODUCT_FILE& AzimuthShifts() const { return *azimuth_shifts_; }
     [[nodiscard]] const PRODUCT_FILE& Earth(int axis) const { return *earth_[axis]; }
 
-    /// To the disk, and in the place of the older ones. @throws ERROR_CAN_NOT_WRITE_FILE
-    void Place() { files_.Place(); }
+    /// Every product that is wanted, once it is written.
+    [[nodiscard]] const PRODUCT_SET& Files() const { return files_; }
+
+    /// To the disk, and in the place of the older ones, after a line with the values of each.
+    /// @throws ERROR_CAN_NOT_WRITE_FILE
+    void Place();
     /// The run has ended well: the older products go.
     void Accept() { files_.Accept(); }
 

@@ -97,12 +97,10 @@ void RUN_REPORT::Describe(const SIMULATION_STATE& state) {
                    {dem.columns, dem.rows},  state.place.simulated, state.survey.excluded};
 }
 
-void RUN_REPORT::ProductsAreWritten() {
+void RUN_REPORT::ProductsAreWritten(const PRODUCT_SET& products) {
     if (controller_ == nullptr) return;
-    for (const PRODUCT_KIND& kind : ProductKinds()) {
-        if (const std::optional<std::string> path = PathOf(*controller_, kind))
-            written_.push_back({kind.key, StatisticsOfProduct(*path)});
-    }
+    for (const auto& file : products.Files())
+        written_.push_back({file->Path(), file->Columns(), file->Rows(), file->Bytes(), file->Values()});
     products_written_ = true;
     Publish();
 }
@@ -175,17 +173,18 @@ void RUN_REPORT::AddProducts(JSON_TEXT& json) const {
         json.BeginObject();
         json.Add("key", kind.key);
         json.Add("path", *path);
-        json.Add("written", products_written_);
-        const auto written = std::ranges::find(written_, std::string(kind.key), &WRITTEN::key);
-        if (!products_written_) {
-            json.Add("reason", "the run ended before its products were complete");
-        } else if (written != written_.end() && written->statistics) {
-            json.Add("columns", written->statistics->columns);
-            json.Add("rows", written->statistics->rows);
-            json.Add("bytes", written->statistics->bytes);
-            json.Add("minimum", written->statistics->minimum);
-            json.Add("maximum", written->statistics->maximum);
-            json.Add("mean", written->statistics->mean);
+        const auto written = std::ranges::find(written_, *path, &WRITTEN::path);
+        json.Add("written", written != written_.end());
+        if (written != written_.end()) {
+            json.Add("columns", written->columns);
+            json.Add("rows", written->rows);
+            json.Add("bytes", written->bytes);
+            json.Add("minimum", static_cast<double>(written->values.Minimum()));
+            json.Add("maximum", static_cast<double>(written->values.Maximum()));
+            json.Add("mean", written->values.Mean());
+        } else {
+            json.Add("reason", products_written_ ? "its key stands without a path"
+                                                 : "the run ended before its products were complete");
         }
         json.EndObject();
     }

@@ -11,10 +11,10 @@
 #include <string>
 #include <vector>
 
-#include "app/report/product_statistics.h"
 #include "app/report/stage_clock.h"
 #include "app/simulation_state.h"
 #include "lib/baselib/controller/controller_ifc.h"
+#include "lib/baselib/image/product_set.h"
 #include "lib/baselib/logging/version_record.h"
 
 class JSON_TEXT;
@@ -32,8 +32,8 @@ class RUN_REPORT {
     void BeginStage(const std::string& name);
     /// Sizes and counts, known at the end of stage A.
     void Describe(const SIMULATION_STATE& state);
-    /// All products are complete: reads them back.
-    void ProductsAreWritten();
+    /// All products are complete.
+    void ProductsAreWritten(const PRODUCT_SET& products);
 
     /// What the exit of the process does. @param status  its exit status
     void WriteAtExit(int status);
@@ -45,8 +45,11 @@ class RUN_REPORT {
         long long voids = 0;
     };
     struct WRITTEN {
-        std::string key;
-        std::optional<PRODUCT_STATISTICS> statistics;
+        std::string path;
+        long long columns = 0;
+        long long rows = 0;
+        long long bytes = 0;  ///< of the file
+        VALUE_STATISTICS values{};
     };
 
     [[nodiscard]] std::string Document() const;
@@ -61,5 +64,5 @@ class RUN_REPORT {
     STAGE_CLOCK clock_;
     std::optional<SIZES> sizes_;
     bool products_written_ = false;
-    std::vector<WRITTEN> written_;
+    std::vector<WRITTEN> written_;  ///< none before all are
 };

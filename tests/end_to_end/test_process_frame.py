@@ -91,7 +91,7 @@ def test_a_byte_order_mark_is_the_reason_of_the_question(small):
     text = (small / "scene.pcf").read_text(encoding="ascii").replace("MASTER_POOL master.pool\n", "")
     (small / "scene.pcf").write_text("\ufeffMASTER_POOL master.pool\n" + text, encoding="utf-8")
     run = velmora(small)
-    assert run.status == 1 and run.lines("WARN")[0].endswith("MASTER_POOL: is MASTER_POOL meant?"), run.explanation()
+    assert run.status == 1 and run.lines("WARN")[0].endswith("save the file without the mark (MASTER_POOL)"), run.explanation()
 
 
 def test_configuration_comes_from_arguments_then_file_then_environment(small):

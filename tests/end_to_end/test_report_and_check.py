@@ -52,6 +52,16 @@ def test_report_of_a_good_run_says_what_was_made(folder):
         assert product["bytes"] == (folder / product["path"]).stat().st_size
         assert (product["minimum"], product["maximum"]) == (float(image.min()), float(image.max()))
         assert abs(product["mean"] - image.mean(dtype=float)) <= 1e-9 * np.abs(image).max()
+        values = "values of %s: %.9g .. %.9g" % (product["path"], image.min(), image.max())
+        assert values in run.lines("DEBUG"), values
+
+
+def test_report_of_products_in_a_pipe_and_without_a_path(folder):
+    edit_control_file(folder, REPORT="report.json", SIMU_PHASE="/dev/null", H_EARTH="")
+    succeed(folder)
+    products = {product["key"]: product for product in report_of(folder)["products"]}
+    assert products["SIMU_PHASE"]["bytes"] == 32 + 60 * 50 * 4 and products["SIMU_PHASE"]["mean"] != 0
+    assert (products["H_EARTH"]["written"], products["H_EARTH"]["reason"]) == (False, "its key stands without a path")
 
 
 def test_report_of_a_product_that_is_no_file(folder):

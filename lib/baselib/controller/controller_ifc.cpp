@@ -279,7 +279,7 @@ void CONTROLLER_IFC::WarnBeforeAsking(const std::string& name) {
     WarnOnce(UnusedArgumentLines(words, lookups_, true));
     for (const std::string& word : words.file_keys)
         if (word != name && SuggestedKey(word, {name}) == name && SuggestedKey(word, known_keys_) == name)
-            WarnOnce({"unknown parameter " + word + ": is " + name + " meant?"});
+            WarnOnce({MistypedFileKeyLine(words, word, name)});
 }
 
 std::string CONTROLLER_IFC::get_binary_name() const {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <string_view>
 
 #include "lib/baselib/controller/key_suggestions.h"
 
@@ -85,6 +86,13 @@ std::string MeantKey(const std::string& word, const GIVEN_WORDS& words, const LO
 
 }  // namespace
 
+std::string MistypedFileKeyLine(const GIVEN_WORDS& words, const std::string& word, const std::string& meant) {
+    constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
+    if (!word.starts_with(kByteOrderMark)) return "unknown parameter " + word + ": is " + meant + " meant?";
+    return words.file_path + ": its first key is not read, since a byte order mark stands before it: save the file " +
+           "without the mark (" + meant + ")";
+}
+
 std::vector<std::string> UnusedArgumentLines(const GIVEN_WORDS& words, const LOOKUP_RECORD& record,
                                              bool lookups_follow) {
     std::vector<std::string> lines;
@@ -107,7 +115,7 @@ std::vector<std::string> DoubtfulFileKeyLines(const GIVEN_WORDS& words, const LO
     std::vector<std::string> lines;
     for (const std::string& word : DifferentOnes(words.file_keys)) {
         const std::string meant = MeantKey(word, words, record);
-        if (!meant.empty()) lines.push_back("unknown parameter " + word + ": is " + meant + " meant?");
+        if (!meant.empty()) lines.push_back(MistypedFileKeyLine(words, word, meant));
         const size_t count = Count(words.file_keys, word);
         if (count > 1 && IsKnown(words, word))
             lines.push_back(words.file_path + ": key " + word + " stands " + std::to_string(count) +

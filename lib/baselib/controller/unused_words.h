@@ -28,6 +28,10 @@ struct GIVEN_WORDS {
 [[nodiscard]] std::vector<std::string> UnusedArgumentLines(const GIVEN_WORDS& words, const LOOKUP_RECORD& record,
                                                            bool lookups_follow);
 
+/// A key of the control file that may be another one, or be behind a byte order mark.
+[[nodiscard]] std::string MistypedFileKeyLine(const GIVEN_WORDS& words, const std::string& word,
+                                              const std::string& meant);
+
 /// One line for each key of the control file that is close to a key, is a piece of one that nobody gave, or stands more
 /// than once.
 [[nodiscard]] std::vector<std::string> DoubtfulFileKeyLines(const GIVEN_WORDS& words, const LOOKUP_RECORD& record);

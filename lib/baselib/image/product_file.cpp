@@ -79,6 +79,7 @@ bool ExceedsFileSizeLimit(long long bytes) {
 PRODUCT_FILE::PRODUCT_FILE(const PRODUCT_REQUEST& request, mode_t permissions)
     : key_(request.key),
       path_(request.path),
+      pixel_type_(request.pixel_type),
       header_(RasterHeaderFor(request.path, request.columns, request.rows, KnownPixelType(request.pixel_type))),
       row_bytes_(request.columns * KnownPixelType(request.pixel_type).bytes),
       bytes_(RasterFileBytes(header_)) {
@@ -192,7 +193,16 @@ void PRODUCT_FILE::LogCreation() const {
                   path_.c_str());
 }
 
+void PRODUCT_FILE::CountValues(long long rows, const void* pixels) {
+    if (pixel_type_ != PIXEL_TYPE::FLT_6) return;
+    VALUE_STATISTICS values;
+    values.Add(static_cast<const float*>(pixels), rows * header_.width);
+    const std::lock_guard<std::mutex> lock(mutex_);
+    values_.Add(values);
+}
+
 void PRODUCT_FILE::WriteRows(long long first_row, long long rows, const void* pixels) {
+    CountValues(rows, pixels);
     const long long bytes = rows * row_bytes_;
     if (way_ != WAY::DIRECT) {
         WriteHeader();

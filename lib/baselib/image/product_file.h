@@ -23,6 +23,7 @@
 #include "lib/baselib/image/pixel_type.h"
 #include "lib/baselib/image/raster_header.h"
 #include "lib/baselib/image/unfinished_files.h"
+#include "lib/baselib/image/value_statistics.h"
 
 struct PRODUCT_REQUEST {
     std::string key;  ///< by which the user named it; for messages
@@ -45,6 +46,8 @@ class PRODUCT_FILE {
     ~PRODUCT_FILE() = default;
 
     [[nodiscard]] const std::string& Path() const { return path_; }
+    [[nodiscard]] long long Columns() const { return header_.width; }
+    [[nodiscard]] long long Rows() const { return header_.height; }
     /// Whether nothing can be seen of it before Place(): its rows may come early and in any order.
     [[nodiscard]] bool IsHiddenUntilPlaced() const { return way_ == WAY::TEMPORARY; }
     /// Header and pixels, in bytes.
@@ -69,6 +72,9 @@ class PRODUCT_FILE {
     /// @throws ERROR_CAN_NOT_WRITE_FILE
     void WriteRows(long long first_row, long long rows, const void* pixels);
 
+    /// Of the 32-bit reals in the rows written so far; no thread may be writing.
+    [[nodiscard]] const VALUE_STATISTICS& Values() const { return values_; }
+
     /// No more rows will come from a thread that has failed: those that wait for them fail, too.
     void Abandon();
 
@@ -89,6 +95,7 @@ class PRODUCT_FILE {
   private:
     enum class WAY { TEMPORARY, IN_PLACE, DIRECT };
 
+    void CountValues(long long rows, const void* pixels);
     void Open(mode_t permissions);
     void OpenOlder(const struct stat& older);
     [[nodiscard]] bool TryTemporary(mode_t permissions);
@@ -102,6 +109,7 @@ class PRODUCT_FILE {
 
     std::string key_;
     std::string path_;
+    PIXEL_TYPE pixel_type_;
     RASTER_HEADER header_;
     long long row_bytes_;
     long long bytes_;
@@ -116,4 +124,5 @@ class PRODUCT_FILE {
     bool header_written_ = false;
     bool abandoned_ = false;
     long long next_row_ = 0;  ///< of a device or a pipe
+    VALUE_STATISTICS values_;
 };

@@ -22,6 +22,8 @@ class PRODUCT_SET {
     /// @return the file; it lives as long as the set
     PRODUCT_FILE& Add(const PRODUCT_REQUEST& request, mode_t permissions = 0666);
 
+    [[nodiscard]] const std::vector<std::unique_ptr<PRODUCT_FILE>>& Files() const { return files_; }
+
     /// @throws ERROR_NO_DISK_SPACE
     void ReserveRoom();
 
