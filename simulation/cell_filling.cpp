@@ -154,7 +154,12 @@ VELMORA_INLINE void SetUpPlanes(const FILLING& filling, const CORNER_ROWS& corne
                                 CELL_PLANES& planes) {
     for (int t = 0; t < 2; ++t) planes.triangles[t] = PlanesOf(cell, kCorners[t]);
     for (int k = 0; k < filling.layer_count; ++k) {
-        const double* const(&rows)[2] = corners.values[static_cast<int>(filling.layers[k].quantity)];
+        const int quantity = static_cast<int>(filling.layers[k].quantity);
+        if (quantity >= kQuantities) {
+            for (int t = 0; t < 2; ++t) planes.values[k][t] = {corners.normals[t][quantity - kQuantities][i], 0.0, 0.0};
+            continue;
+        }
+        const double* const(&rows)[2] = corners.values[quantity];
         const double values[4] = {rows[0][i], rows[0][i + 1], rows[1][i], rows[1][i + 1]};
         for (int t = 0; t < 2; ++t) {
             planes.values[k][t] = PlaneThrough(planes.triangles[t], values[t], values[t + 1], values[t + 2]);

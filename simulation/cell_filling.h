@@ -13,6 +13,7 @@
 /// Corner values of the upper [0] and the lower [1] row of samples; cell i stands between elements i and i + 1.
 struct CORNER_ROWS {
     const double* values[kQuantities][2];
+    const double* normals[2][3];  ///< of the first and the second triangles, x, y, z; only where a layer takes them
 };
 
 /// Where a thread's pixels go.

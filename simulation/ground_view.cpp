@@ -136,6 +136,8 @@ INLINE void LookBack(const GROUND_FRAME& frame, double first_column, GROUND_BLOC
     const double* const downs = block.down;
     const double* const outs = block.out;
     float* __restrict const incidence = block.views[static_cast<int>(VIEW::INCIDENCE_DEG)];
+    float* __restrict const local = block.views[static_cast<int>(VIEW::LOCAL_INCIDENCE_DEG)];
+    const double(&normals)[3][kSize] = block.normal;
     float* __restrict const baseline = block.views[static_cast<int>(VIEW::PERPENDICULAR_BASELINE_M)];
     float* __restrict const ambiguity = block.views[static_cast<int>(VIEW::HEIGHT_OF_AMBIGUITY_M)];
     float* __restrict const east = block.views[static_cast<int>(VIEW::LINE_OF_SIGHT_EAST)];
@@ -152,6 +154,7 @@ INLINE void LookBack(const GROUND_FRAME& frame, double first_column, GROUND_BLOC
         const XYZ eastward = {-to_axis * point.y, to_axis * point.x, 0.0};
         const XYZ northward = {-up.z * eastward.y, up.z * eastward.x, up.x * eastward.y - up.y * eastward.x};
         incidence[i] = static_cast<float>(Angle_deg(up, sight));
+        local[i] = static_cast<float>(Angle_deg(Unit({normals[0][i], normals[1][i], normals[2][i]}), sight));
         east[i] = static_cast<float>(Dot(sight, eastward));
         north[i] = static_cast<float>(Dot(sight, northward));
         upward[i] = static_cast<float>(Dot(sight, up));

@@ -14,13 +14,14 @@
 /// Quantities of a pixel's ground. The line of sight goes from the ground to the master.
 enum class VIEW {
     INCIDENCE_DEG,             ///< between the line of sight and the normal of the orbits' ellipsoid
+    LOCAL_INCIDENCE_DEG,       ///< between the line of sight and the normal of the terrain's triangle
     PERPENDICULAR_BASELINE_M,  ///< slave less master across the line of sight; positive above the line
     HEIGHT_OF_AMBIGUITY_M,     ///< not negative; infinite where the slave's range does not depend on the height
     LINE_OF_SIGHT_EAST,
     LINE_OF_SIGHT_NORTH,
     LINE_OF_SIGHT_UP,
 };
-inline constexpr int kViews = 6;
+inline constexpr int kViews = 7;
 
 /// What the pixels of one line share.
 struct GROUND_FRAME {
@@ -46,8 +47,9 @@ struct GROUND_FRAME {
 /// Pixels in step. Their arrays stay in the first cache.
 struct GROUND_BLOCK {
     static constexpr int kSize = 64;
-    double height_m[kSize];  ///< above the DEM's ellipsoid; to be filled, also behind the last pixel
-    double down[kSize];      ///< the way from the satellite to the ground, per metre of range
+    double height_m[kSize];   ///< above the DEM's ellipsoid; to be filled, also behind the last pixel
+    double normal[3][kSize];  ///< of the terrain's triangle, outwards, of any length; to be filled, too
+    double down[kSize];       ///< the way from the satellite to the ground, per metre of range
     double out[kSize];
     float views[kViews][kSize];
 };

@@ -15,6 +15,11 @@ POINT_M Unit(const POINT_M& a) {
     return (1.0 / Length(a)) * a;
 }
 
+/// The last one stands for those that are missing.
+void Fill(const float* from, int size, double (&to)[GROUND_BLOCK::kSize]) {
+    for (int i = 0; i < GROUND_BLOCK::kSize; ++i) to[i] = from[std::min(i, size - 1)];
+}
+
 /// Radius of the ellipsoid below a point.
 double RadiusBelow(const POINT_M& point_m, double a_m, double b_m) {
     const double across = std::hypot(point_m.x, point_m.y) / a_m;
@@ -59,10 +64,14 @@ GROUND_VIEW_ROWS::GROUND_VIEW_ROWS(const SCENE& scene, const VIEW_GEOMETRY& geom
 void GROUND_VIEW_ROWS::View(int grid_row, int columns, const ROW& row) const {
     const GROUND_FRAME frame = FrameOf(grid_row, columns);
     const float* const heights_m = scene_.earth.radar_dem[grid_row];
-    GROUND_BLOCK block;
+    GROUND_BLOCK block{};
     for (int first = 0; first < columns; first += GROUND_BLOCK::kSize) {
         const int size = std::min(GROUND_BLOCK::kSize, columns - first);
-        for (int i = 0; i < GROUND_BLOCK::kSize; ++i) block.height_m[i] = heights_m[first + std::min(i, size - 1)];
+        Fill(heights_m + first, size, block.height_m);
+        for (int axis = 0; axis < 3; ++axis) {
+            const GRID_VIEW<float>& grid = scene_.earth.normal[axis];
+            if (grid) Fill(grid[grid_row] + first, size, block.normal[axis]);
+        }
         view_ground_(frame, first, block);
         for (int view = 0; view < kViews; ++view) {
             if (row[view] != nullptr) std::copy_n(block.views[view], size, row[view] + first);

@@ -51,6 +51,9 @@ PIXEL_LAYERS::PIXEL_LAYERS(const SCENE& scene)
         Add(QUANTITY::EARTH_Y, earth_, {}, earth.y);
         Add(QUANTITY::EARTH_Z, earth_, {}, earth.z);
         Add(QUANTITY::HEIGHT_M, earth_, earth.radar_dem, {});
+        Add(QUANTITY::NORMAL_X, earth_, earth.normal[0], {});
+        Add(QUANTITY::NORMAL_Y, earth_, earth.normal[1], {});
+        Add(QUANTITY::NORMAL_Z, earth_, earth.normal[2], {});
     }
     Add(QUANTITY::PHASE_RAD, {}, scene.image.phase_rad, {});
 }

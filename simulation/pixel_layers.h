@@ -37,7 +37,7 @@ struct PIXEL_LAYER {
     }
 };
 
-inline constexpr int kMaxLayers = 7;
+inline constexpr int kMaxLayers = 10;
 
 /// Values of one pixel, one per layer: the dense ones, then the sparse ones, also where these have no place for it.
 using PIXEL_VALUES = std::array<float, kMaxLayers>;

@@ -10,7 +10,8 @@
 
 #include "simulation/scene.h"
 
-/// The quantities that are interpolated inside a cell, and the pixel coordinates of its corners.
+/// The quantities that are interpolated inside a cell, and the pixel coordinates of its corners. Those behind the
+/// height belong to a triangle, not to its corners.
 enum class QUANTITY {
     RANGE_PIXEL,
     AZIMUTH_PIXEL,
@@ -21,8 +22,11 @@ enum class QUANTITY {
     EARTH_Y,
     EARTH_Z,
     HEIGHT_M,  ///< rounded to single precision
+    NORMAL_X,
+    NORMAL_Y,
+    NORMAL_Z,
 };
-inline constexpr int kQuantities = 9;
+inline constexpr int kQuantities = 9;  ///< of a sample
 
 class RADAR_ROW {
   public:

@@ -5,6 +5,7 @@
 
 #pragma once
 
+#include <array>
 #include <vector>
 
 #include "geometry/calc_slave_time.h"
@@ -74,7 +75,8 @@ struct SHIFT_GRIDS {
     [[nodiscard]] bool Wanted() const { return range && azimuth; }
 };
 
-/// Earth-fixed coordinates (metres) and DEM height (metres), each on its own if wanted, all of one pair of factors.
+/// Earth-fixed coordinates (metres), DEM height (metres) and the normal of the terrain's triangle (Earth-fixed, not of
+/// unit length), each on its own if wanted, all of one pair of factors.
 struct EARTH_GRIDS {
     int azimuth_factor = 1;
     int range_factor = 1;
@@ -82,6 +84,7 @@ struct EARTH_GRIDS {
     GRID_VIEW<double> y{};
     GRID_VIEW<double> z{};
     GRID_VIEW<float> radar_dem{};
+    std::array<GRID_VIEW<float>, 3> normal{};  ///< all or none; only together with the height
 
     [[nodiscard]] bool Wanted() const { return x || y || z || radar_dem; }
 };

@@ -21,6 +21,7 @@ void ForEachGrid(SCENE& scene, CHANGE change) {
     for (GRID_VIEW<double>* grid : {&scene.earth.x, &scene.earth.y, &scene.earth.z})
         change_if_there(*grid, scene.earth.azimuth_factor);
     change_if_there(scene.earth.radar_dem, scene.earth.azimuth_factor);
+    for (GRID_VIEW<float>& grid : scene.earth.normal) change_if_there(grid, scene.earth.azimuth_factor);
 }
 
 }  // namespace

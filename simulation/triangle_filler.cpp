@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "lib/baselib/logging/logging.h"
+#include "simulation/triangle_normals.h"
 
 namespace {
 
@@ -35,6 +36,8 @@ TRIANGLE_FILLER::TRIANGLE_FILLER(PREPARED_SCENE& prepared, int block)
       block_(block),
       claimed_(mask_.first_row, mask_.rows, mask_.columns),
       filling_(FillingOf(prepared, block, claimed_)),
+      wants_normals_(static_cast<bool>(prepared.Scene().earth.normal[0])),
+      vector_level_(prepared.VectorLevel()),
       fill_cells_(VELMORA_AT_LEVEL(prepared.VectorLevel(), FillCells)) {}
 
 void TRIANGLE_FILLER::FillRow(const RADAR_ROW& upper, const RADAR_ROW& lower,
@@ -44,10 +47,27 @@ void TRIANGLE_FILLER::FillRow(const RADAR_ROW& upper, const RADAR_ROW& lower,
         corners.values[q][0] = upper[static_cast<QUANTITY>(q)].data();
         corners.values[q][1] = lower[static_cast<QUANTITY>(q)].data();
     }
+    if (wants_normals_) FindNormals(upper, lower, corners);
     const long long asked_of_lines = fill_cells_(filling_, corners, wanted.data(), static_cast<int>(wanted.size()) - 1);
     for (long long i = 0; i < asked_of_lines; ++i) {
         Log().Message(LOGGING_LEVEL::WARNING, "RADAR_SOLUTION::IsInside : Not triangle, only line");
     }
+}
+
+/// Cells that are not filled as well: their samples have places, too.
+void TRIANGLE_FILLER::FindNormals(const RADAR_ROW& upper, const RADAR_ROW& lower, CORNER_ROWS& corners) {
+    const auto run = [](const RADAR_ROW& row) {
+        return SAMPLE_RUN{row[QUANTITY::EARTH_X].data(), row[QUANTITY::EARTH_Y].data(), row[QUANTITY::EARTH_Z].data()};
+    };
+    double* places[2][3];
+    for (int t = 0; t < 2; ++t) {
+        for (int axis = 0; axis < 3; ++axis) {
+            normals_[t][axis].resize(static_cast<std::size_t>(upper.size));
+            places[t][axis] = normals_[t][axis].data();
+            corners.normals[t][axis] = places[t][axis];
+        }
+    }
+    VELMORA_AT_LEVEL(vector_level_, TriangleNormals)(run(upper), run(lower), upper.size - 1, places);
 }
 
 void TRIANGLE_FILLER::WriteMask() const {

@@ -7,6 +7,8 @@
 
 #pragma once
 
+#include <vector>
+
 #include "simulation/cell_filling.h"
 #include "simulation/prepared_scene.h"
 
@@ -23,10 +25,15 @@ class TRIANGLE_FILLER {
     void WriteMask() const;
 
   private:
+    void FindNormals(const RADAR_ROW& upper, const RADAR_ROW& lower, CORNER_ROWS& corners);
+
     const GRID_VIEW<unsigned char>& mask_;
     const PIXEL_OWNERSHIP& ownership_;
     int block_;
     CLAIMED_PIXELS claimed_;
     FILLING filling_;
+    bool wants_normals_;
+    VECTOR_LEVEL vector_level_;
+    std::vector<double> normals_[2][3]{};  ///< of a row of cells; empty when not wanted
     decltype(&plain::FillCells) fill_cells_;
 };

@@ -99,6 +99,7 @@ long long MemoryNeeded_bytes(const SIMULATION_STATE& state) {
     for (const MEM_MGR* image : {&images.mask, &images.phase, &images.range_shift, &images.azimuth_shift,
                                  &images.x_earth, &images.y_earth, &images.z_earth, &images.height})
         bytes += Bytes(*image);
+    for (const MEM_MGR& image : images.normal) bytes += Bytes(image);
     return bytes;
 }
 

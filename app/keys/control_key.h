@@ -65,6 +65,8 @@ inline constexpr CONTROL_KEY_ROW kControlKeys[] = {
     {"H_EARTH", KEY_NEED::OPTIONAL, "path", "", kAnything, "not written", "", "elevation in radar geometry"},
     {"INCIDENCE", KEY_NEED::OPTIONAL, "path", "", kAnything, "not written", "",
      "angle between the line of sight and the ellipsoid's normal"},
+    {"LOCAL_INCIDENCE", KEY_NEED::OPTIONAL, "path", "", kAnything, "not written", "",
+     "angle between the line of sight and the terrain's normal"},
     {"LINE_OF_SIGHT", KEY_NEED::OPTIONAL, "path", "", kAnything, "not written", "",
      "unit vector from the ground to the master: three files, whose names get _e, _n, _u before their ending"},
     {"PERPENDICULAR_BASELINE", KEY_NEED::OPTIONAL, "path", "", kAnything, "not written", "",

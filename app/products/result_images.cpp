@@ -80,5 +80,9 @@ RESULT_IMAGES AllocateResultImages(const REQUEST& request, const OUTPUT_SIZES& s
         Say(" - Radar DEM matrix allocation         (Get Memory)");
         Allocate(images.height, earth, PIXEL_TYPE::FLT_6);
     }
+    if (request.NeedsNormals()) {
+        Say(" - Terrain normal matrixes allocation  (Get Memory)");
+        for (MEM_MGR& image : images.normal) Allocate(image, earth, PIXEL_TYPE::FLT_6);
+    }
     return images;
 }

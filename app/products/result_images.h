@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include <array>
+
 #include "app/products/slabs.h"
 #include "app/request/request.h"
 #include "app/scene/output_sizes.h"
@@ -18,6 +20,7 @@ struct RESULT_IMAGES {
     MEM_MGR y_earth;
     MEM_MGR z_earth;
     MEM_MGR height;
+    std::array<MEM_MGR, 3> normal;
 };
 
 /// IFGRM_INVALID, the value that the phase starts with; 0 without it.

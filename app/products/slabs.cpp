@@ -25,6 +25,7 @@ double BytesPerLine(const REQUEST& request, const OUTPUT_SIZES& sizes) {
     if (request.WantsShifts()) bytes += 2.0 * 8.0 * (samples / shift.x + 1.0) / shift.y;
     if (request.WantsEarth()) bytes += 3.0 * 8.0 * sizes.earth.samples / earth.y;
     if (request.NeedsHeights()) bytes += 4.0 * sizes.earth.samples / earth.y;
+    if (request.NeedsNormals()) bytes += 12.0 * sizes.earth.samples / earth.y;
     return bytes;
 }
 

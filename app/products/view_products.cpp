@@ -23,6 +23,7 @@ VIEW_PRODUCTS::VIEW_PRODUCTS(PRODUCT_SET& files, const VIEW_REQUEST& request, co
         files_[static_cast<std::size_t>(view)] = Add(files, file, size);
     };
     set(VIEW::INCIDENCE_DEG, request.incidence_file);
+    set(VIEW::LOCAL_INCIDENCE_DEG, request.local_incidence_file);
     set(VIEW::LINE_OF_SIGHT_EAST, request.line_of_sight[0]);
     set(VIEW::LINE_OF_SIGHT_NORTH, request.line_of_sight[1]);
     set(VIEW::LINE_OF_SIGHT_UP, request.line_of_sight[2]);

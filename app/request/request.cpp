@@ -78,8 +78,8 @@ EARTH_REQUEST ReadEarthKeys(CONTROLLER_IFC& controller) {
 
 VIEW_REQUEST ReadViewKeys(CONTROLLER_IFC& controller) {
     const auto read = [&](CONTROL_KEY key) { return ReadProduct(controller, key).value_or(SOURCED_TEXT{}); };
-    return {read("INCIDENCE"), LineOfSightFiles(read("LINE_OF_SIGHT")), read("PERPENDICULAR_BASELINE"),
-            read("HEIGHT_OF_AMBIGUITY")};
+    return {read("INCIDENCE"), read("LOCAL_INCIDENCE"), LineOfSightFiles(read("LINE_OF_SIGHT")),
+            read("PERPENDICULAR_BASELINE"), read("HEIGHT_OF_AMBIGUITY")};
 }
 
 std::optional<int> ReadMemoryLimit(CONTROLLER_IFC& controller) {
@@ -129,7 +129,8 @@ std::vector<SOURCED_TEXT> GivenOnes(std::initializer_list<SOURCED_TEXT> files) {
 
 std::vector<SOURCED_TEXT> REQUEST::ViewFiles() const {
     const LINE_OF_SIGHT_FILES& sight = views.line_of_sight;
-    return GivenOnes({views.incidence_file, sight[0], sight[1], sight[2], views.baseline_file, views.ambiguity_file});
+    return GivenOnes({views.incidence_file, views.local_incidence_file, sight[0], sight[1], sight[2],
+                      views.baseline_file, views.ambiguity_file});
 }
 
 std::vector<SOURCED_TEXT> REQUEST::ProductFiles() const {

@@ -49,6 +49,7 @@ struct EARTH_REQUEST {
 /// What the ground sees of the satellites; any of them may be empty.
 struct VIEW_REQUEST {
     SOURCED_TEXT incidence_file{};
+    SOURCED_TEXT local_incidence_file{};
     LINE_OF_SIGHT_FILES line_of_sight{};
     SOURCED_TEXT baseline_file{};
     SOURCED_TEXT ambiguity_file{};
@@ -78,6 +79,7 @@ struct REQUEST {
     [[nodiscard]] bool WantsEarth() const { return earth.x_file.Given(); }
     [[nodiscard]] bool WantsHeight() const { return earth.height_file.Given(); }
     [[nodiscard]] bool WantsViews() const { return !ViewFiles().empty(); }
+    [[nodiscard]] bool NeedsNormals() const { return views.local_incidence_file.Given(); }
     /// The grid of heights is there, for its own product or for the views that are made from it.
     [[nodiscard]] bool NeedsHeights() const { return WantsHeight() || WantsViews(); }
 

@@ -29,6 +29,8 @@ EARTH_GRIDS EarthGrids(const REQUEST& request, RESULT_IMAGES& images) {
         earth.z = ViewOf<double>(images.z_earth);
     }
     if (request.NeedsHeights()) earth.radar_dem = ViewOf<float>(images.height);
+    if (request.NeedsNormals())
+        for (int axis = 0; axis < 3; ++axis) earth.normal[axis] = ViewOf<float>(images.normal[axis]);
     return earth;
 }
 

@@ -20,7 +20,7 @@ from velmora_run import BINARY, REPOSITORY, edit_control_file, edit_pool, succee
 IMPORT = pathlib.Path(BINARY).parents[1] / "import" / "velmora-import"
 INPUTS = REPOSITORY.parent / "shared" / "inputs"
 
-VIEWS = dict(INCIDENCE="incidence.ras", LINE_OF_SIGHT="los.ras", PERPENDICULAR_BASELINE="perpendicular_baseline.ras",
+VIEWS = dict(INCIDENCE="incidence.ras", LOCAL_INCIDENCE="local_incidence.ras", LINE_OF_SIGHT="los.ras", PERPENDICULAR_BASELINE="perpendicular_baseline.ras",
              HEIGHT_OF_AMBIGUITY="height_of_ambiguity.ras")
 SIGHT_FILES = ["los_%s.ras" % component for component in "enu"]
 FILES = [name for name in VIEWS.values() if name != "los.ras"] + SIGHT_FILES
@@ -43,6 +43,24 @@ def angle_deg(a, b):
     return np.degrees(np.arctan2(np.linalg.norm(np.cross(a, b), axis=-1), dot(a, b)))
 
 
+def terrain_normals(scene, points_m):
+    """Normals of the DEM's triangles that hold the points, and whether these lie well inside: a pixel near an edge may be
+    claimed by the neighbour."""
+    column, row, _ = scene.grid.grid_coordinates(points_m)
+    c, r = np.floor(column).astype(int), np.floor(row).astype(int)
+    u, v = column - c, row - r
+    first = (u + v < 1.0)[..., None]
+
+    def corner(dc, dr):
+        return scene.grid.earth_point(c + dc, r + dr, scene.heights[r + dr, c + dc] + scene.options.dem_correction_m)
+
+    origin = np.where(first, corner(0, 0), corner(1, 1))
+    east = np.where(first, corner(1, 0) - origin, origin - corner(0, 1))
+    south = np.where(first, corner(0, 1) - origin, origin - corner(1, 0))
+    margins = np.stack([np.where(first[..., 0], u, 1.0 - u), np.where(first[..., 0], v, 1.0 - v), np.abs(u + v - 1.0)])
+    return unit(np.cross(south, east)), np.min(margins, axis=0) > 0.03
+
+
 class TRUTH:
     """The views of pixels whose heights are known."""
 
@@ -53,6 +71,8 @@ class TRUTH:
         east = unit(np.cross([0.0, 0.0, 1.0], up))
         self.sight = unit(master.position_m - points_m)
         self.incidence_deg = angle_deg(self.sight, up)
+        normal, self.is_inside = terrain_normals(scene, points_m)
+        self.local_incidence_deg = angle_deg(self.sight, normal)
         self.east_north_up = [dot(self.sight, axis) for axis in (east, np.cross(up, east), up)]
         slave = scene.slave
         slave_s, _ = judge.zero_doppler(slave.orbit, points_m, slave.first_azimuth_time_s)
@@ -75,6 +95,9 @@ def test_every_pixel_sees_what_the_orbits_say(fresh_scene, options):
     line, sample = np.mgrid[0:height_m.shape[0], 0:height_m.shape[1]].astype(float)
     truth = TRUTH(made, sample, line, height_m)
     assert np.max(np.abs(run.product("INCIDENCE") - truth.incidence_deg)) < 1e-4
+    local_deg = run.product("LOCAL_INCIDENCE")
+    assert np.mean(truth.is_inside) > 0.7
+    assert np.max(np.abs(local_deg - truth.local_incidence_deg)[truth.is_inside]) < 1e-3
     for name, component in zip(SIGHT_FILES, truth.east_north_up):
         assert np.max(np.abs(raster.read(folder / name) - component)) < 1e-6, name
     assert np.max(np.abs(run.product("PERPENDICULAR_BASELINE") - truth.baseline_m)) < 2e-3

@@ -12,6 +12,7 @@ constexpr PRODUCT_KIND kKinds[] = {
     {PRODUCT::X_EARTH, "X_EARTH", "Earth-fixed x, less offset", "m"},
     {PRODUCT::Y_EARTH, "Y_EARTH", "Earth-fixed y, less offset", "m"},
     {PRODUCT::Z_EARTH, "Z_EARTH", "Earth-fixed z, less offset", "m"},
+    {PRODUCT::LOCAL_INCIDENCE, "LOCAL_INCIDENCE", "incidence angle, terrain", "deg"},
     {PRODUCT::INCIDENCE, "INCIDENCE", "incidence angle, ellipsoid", "deg"},
     {PRODUCT::LINE_OF_SIGHT_E, "LINE_OF_SIGHT_E", "line of sight, east", ""},
     {PRODUCT::LINE_OF_SIGHT_N, "LINE_OF_SIGHT_N", "line of sight, north", ""},

@@ -15,6 +15,7 @@ enum class PRODUCT {
     X_EARTH,
     Y_EARTH,
     Z_EARTH,
+    LOCAL_INCIDENCE,
     INCIDENCE,
     LINE_OF_SIGHT_E,
     LINE_OF_SIGHT_N,
