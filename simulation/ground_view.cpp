@@ -30,15 +30,13 @@ INLINE double Dot(const XYZ& a, const XYZ& b) {
 INLINE double Root(double a) {
     return __builtin_sqrt(a);
 }
-INLINE double AtLeast(double a, double least) {
-    return a > least ? a : least;
-}
-/// 1 or 0: a product with it is no branch.
+/// 1 or 0. Here and below no choice between results: it would let the compiler jump around the computation, which is
+/// then no vector code. Divisors get a small addend instead of a bound.
 INLINE double One(bool truth) {
     return static_cast<double>(static_cast<int>(truth));
 }
 INLINE XYZ Unit(const XYZ& a) {
-    return (1.0 / Root(AtLeast(Dot(a, a), 1e-300))) * a;
+    return (1.0 / Root(Dot(a, a) + 1e-300)) * a;
 }
 
 /// Angle between unit vectors, 0 .. 180 degrees: twice the arc tangent of |a - b| / |a + b|, which has no bad place.
@@ -49,7 +47,7 @@ INLINE double Angle_deg(const XYZ& a, const XYZ& b) {
     const bool is_wide = apart > together;
     const double less = is_wide ? together : apart;
     const double more = is_wide ? apart : together;
-    const double t2 = less / AtLeast(more, 1e-300);
+    const double t2 = less / (more + 1e-300);
     double sum = 0.0028662257;
     sum = sum * t2 - 0.0161657367;
     sum = sum * t2 + 0.0429096138;
@@ -86,17 +84,14 @@ INLINE void FindGround(const GROUND_FRAME& frame, double first_column, GROUND_BL
         const double b = 1.0 / ((b_m + heights_m[i]) * (b_m + heights_m[i]));
         const double r = radius_m + heights_m[i];
         double c = (height2 + range_m * range_m - r * r) / (2.0 * range_m * below);
-        c = c < 1.0 ? c : 1.0;
-        c = c > -1.0 ? c : -1.0;
-        double s = Root(AtLeast(1.0 - c * c, 1e-12));
+        double s = Root(__builtin_fabs(1.0 - c * c));
 #pragma GCC unroll 3
         for (int step = 0; step < kSteps; ++step) {
             const XYZ p = satellite + range_m * (c * down + s * out);
             const XYZ across = range_m * (c * out - s * down);
             const XYZ normal = {a * p.x, a * p.y, b * p.z};
             const double value = Dot(normal, p) - 1.0;
-            const double slope = AtLeast(2.0 * Dot(normal, across), 1e-9);
-            const double turn = value / slope;
+            const double turn = value / (2.0 * Dot(normal, across) + 1e-9);
             const double turned = c + turn * s;  // the angle falls by the turn
             s = s - turn * c;
             c = turned;
@@ -112,10 +107,11 @@ INLINE void FindGround(const GROUND_FRAME& frame, double first_column, GROUND_BL
 /// Where the slave is when it sees the point at zero Doppler: two steps of Newton's method along its parabola.
 INLINE XYZ SlaveAt(const XYZ& place, const XYZ& velocity, const XYZ& acceleration, const XYZ& point) {
     double t = 0.0;
+#pragma GCC unroll 2
     for (int step = 0; step < 2; ++step) {
         const XYZ sight = place + t * velocity + (0.5 * t * t) * acceleration - point;
         const XYZ now = velocity + t * acceleration;
-        t = t - Dot(now, sight) / AtLeast(Dot(acceleration, sight) + Dot(now, now), 1.0);
+        t = t - Dot(now, sight) / (Dot(acceleration, sight) + Dot(now, now) + 1.0);
     }
     return place + t * velocity + (0.5 * t * t) * acceleration;
 }
@@ -150,7 +146,7 @@ INLINE void LookBack(const GROUND_FRAME& frame, double first_column, GROUND_BLOC
         const XYZ sight = -1.0 * away;
         const double ratio = (normal_b_m + heights_m[i]) / (normal_a_m + heights_m[i]);
         const XYZ up = Unit({ratio * ratio * point.x, ratio * ratio * point.y, point.z});
-        const double to_axis = 1.0 / Root(AtLeast(point.x * point.x + point.y * point.y, 1e-6));
+        const double to_axis = 1.0 / Root(point.x * point.x + point.y * point.y + 1e-6);
         const XYZ eastward = {-to_axis * point.y, to_axis * point.x, 0.0};
         const XYZ northward = {-up.z * eastward.y, up.z * eastward.x, up.x * eastward.y - up.y * eastward.x};
         incidence[i] = static_cast<float>(Angle_deg(up, sight));
@@ -164,10 +160,7 @@ INLINE void LookBack(const GROUND_FRAME& frame, double first_column, GROUND_BLOC
         baseline[i] = static_cast<float>(Dot(slave_place - satellite, across));
         // A point that moves across the master's line of sight keeps its range there.
         const double range_change = __builtin_fabs(Dot(Unit(slave_place - point), across));
-        const double per_metre = range_change / AtLeast(Dot(across, up), 1e-9);
-        constexpr double kLeast = 1e-12;
-        const double metres = ambiguity_m / AtLeast(per_metre, kLeast);
-        ambiguity[i] = per_metre < kLeast ? __builtin_inff() : static_cast<float>(metres);
+        ambiguity[i] = static_cast<float>(ambiguity_m * Dot(across, up) / (range_change + 1e-30));
     }
 }
 

@@ -16,7 +16,7 @@ enum class VIEW {
     INCIDENCE_DEG,             ///< between the line of sight and the normal of the orbits' ellipsoid
     LOCAL_INCIDENCE_DEG,       ///< between the line of sight and the normal of the terrain's triangle
     PERPENDICULAR_BASELINE_M,  ///< slave less master across the line of sight; positive above the line
-    HEIGHT_OF_AMBIGUITY_M,     ///< not negative; infinite where the slave's range does not depend on the height
+    HEIGHT_OF_AMBIGUITY_M,     ///< not negative; huge where the slave's range hardly depends on the height
     LINE_OF_SIGHT_EAST,
     LINE_OF_SIGHT_NORTH,
     LINE_OF_SIGHT_UP,

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "geometry/constants.h"
 #include "geometry/vector_arithmetic.h"
@@ -18,6 +19,13 @@ POINT_M Unit(const POINT_M& a) {
 /// The last one stands for those that are missing.
 void Fill(const float* from, int size, double (&to)[GROUND_BLOCK::kSize]) {
     for (int i = 0; i < GROUND_BLOCK::kSize; ++i) to[i] = from[std::min(i, size - 1)];
+}
+
+/// A height that no terrain has: the range of the slave stands still but for rounding.
+void EndAtInfinity(float (&heights_m)[GROUND_BLOCK::kSize]) {
+    constexpr float kBeyond_m = 1e9F;
+    for (float& height_m : heights_m)
+        if (height_m > kBeyond_m) height_m = std::numeric_limits<float>::infinity();
 }
 
 /// Radius of the ellipsoid below a point.
@@ -73,6 +81,7 @@ void GROUND_VIEW_ROWS::View(int grid_row, int columns, const ROW& row) const {
             if (grid) Fill(grid[grid_row] + first, size, block.normal[axis]);
         }
         view_ground_(frame, first, block);
+        EndAtInfinity(block.views[static_cast<int>(VIEW::HEIGHT_OF_AMBIGUITY_M)]);
         for (int view = 0; view < kViews; ++view) {
             if (row[view] != nullptr) std::copy_n(block.views[view], size, row[view] + first);
         }
