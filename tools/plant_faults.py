@@ -27,7 +27,9 @@ NO_PRODUCT = {"tests", "fuzz", "benchmarks", "demo", "tools"}
 SWAPPED = {"<": "<=", "<=": "<", ">": ">=", ">=": ">", "==": "!=", "!=": "==", "+": "-", "-": "+", "*": "/", "/": "*",
            "+=": "-=", "-=": "+=", "*=": "/=", "/=": "*=", "&&": "||", "||": "&&", "++": "--", "--": "++", "true": "false",
            "false": "true", "min": "max", "max": "min", "sin": "cos", "cos": "sin", "floor": "ceil", "ceil": "floor"}
-TESTED_WITH = {"lib/baselib/mem_allocation": "containers", "companions": "import"}
+# Folders of tests/ that judge a folder, where that is not the one of its name.
+TESTED_WITH = {"lib/baselib/mem_allocation": ("containers",), "lib/baselib/vectors": ("vectors", "simulation"),
+               "companions": ("import",)}
 
 JUDGE = collections.namedtuple("JUDGE", "programs tests")  # what is built, and the files of tests/ that run it
 MAIN_JOB = JUDGE(("velmora",), ("end_to_end/test_main_job.py", "end_to_end/test_failures.py"))
@@ -173,9 +175,12 @@ class WORKSHOP:
 
     def unit_tests(self, folder):
         """The test programs of the folder, but for those of minutes."""
-        tests = self.tree / "tests" / TESTED_WITH.get(folder, folder.split("/")[-1]) / "CMakeLists.txt"
-        calls = re.findall(r"velmora_test\((\w+)([^)]*)\)", tests.read_text()) if tests.exists() else []
-        return [self.build_folder / "tests" / tests.parent.name / name for name, words in calls if "LABEL long" not in words]
+        programs = []
+        for name in TESTED_WITH.get(folder, (folder.split("/")[-1],)):
+            tests = self.tree / "tests" / name / "CMakeLists.txt"
+            calls = re.findall(r"velmora_test\((\w+)([^)]*)\)", tests.read_text()) if tests.exists() else []
+            programs += [self.build_folder / "tests" / name / program for program, words in calls if "LABEL long" not in words]
+        return programs
 
     def verdict(self, folder):
         """Who catches the fault; "" for nobody, None when it does not compile."""

@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/image/output_path.h"
 #include "lib/baselib/logging/logging.h"
 #include "tests/kit/hexadecimal.h"
 #include "tests/kit/log_capture.h"
@@ -102,6 +103,15 @@ TEST(ProductSet, ReplacesFilesAndKeepsLinksPermissionsAndNeighbours) {
     EXPECT_EQ(0640U, status.st_mode & 0777U);
     ASSERT_EQ(0, stat(folder.Path("new").c_str(), &status));
     EXPECT_EQ(0640U, status.st_mode & 0777U);
+}
+
+TEST(OutputPath, OfAPipeIsLeftAsItIs) {
+    int ends[2];
+    ASSERT_EQ(0, pipe(ends));
+    const std::string path = "/proc/self/fd/" + std::to_string(ends[1]);  // a link to "pipe:[1234]", which is no path
+    EXPECT_EQ(path, BehindLinks(path));
+    close(ends[0]);
+    close(ends[1]);
 }
 
 TEST(ProductSet, EveryEndWithoutAcceptLeavesTheFolderAsItWas) {

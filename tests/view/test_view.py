@@ -63,6 +63,7 @@ def test_phase_is_averaged_as_complex_numbers_and_wrapped(tmp_path):
     scattered = np.pi + np.random.default_rng(3).uniform(-0.4, 0.4, shape)
     scattered[scattered > np.pi] -= 2 * np.pi
     at_pi, at_zero = phase_colours(tmp_path, np.full(shape, np.pi)), phase_colours(tmp_path, np.zeros(shape))
+    assert (png(tmp_path / "simu_phase.png")[:30, :1100] == at_zero).all()  # nothing is written over the product
     close = np.abs(np.array(phase_colours(tmp_path, scattered)) - at_pi).max()
     assert close < 60 < np.abs(np.array(at_zero) - at_pi).max()
 
@@ -124,6 +125,14 @@ def test_sidecars_open_bit_equal_and_move_along(tmp_path):
     for ending in ("", ".vrt"):
         os.rename(tmp_path / ("scene7_RG_COREG.ras" + ending), tmp_path / ("renamed.ras" + ending))
     assert "(RG_COREG)" in good(tmp_path, "info", "renamed.ras")
+
+
+def test_a_full_disk_leaves_no_sidecar(tmp_path):
+    write(tmp_path / "h_earth.ras", np.ones((3, 3)))
+    limited = "trap '' XFSZ; ulimit -f 0; exec \"$0\" vrt h_earth.ras"
+    done = subprocess.run(["bash", "-c", limited, VIEW], cwd=tmp_path, capture_output=True, text=True, timeout=60, check=False)
+    assert done.returncode == 1 and "can not write" in done.stderr
+    assert [path.name for path in tmp_path.iterdir()] == ["h_earth.ras"]
 
 
 def test_info_counts_and_measures(tmp_path):

@@ -76,7 +76,7 @@ std::vector<std::string> DifferentOnes(const std::vector<std::string>& words) {
 }
 
 std::string MeantKey(const std::string& word, const GIVEN_WORDS& words, const LOOKUP_RECORD& record) {
-    const std::string close = SuggestedKey(word, words.known_keys);
+    std::string close = SuggestedKey(word, words.known_keys);
     if (!close.empty() || IsKnown(words, word) || !BeginsWithLetter(BareWord(word))) return close;
     std::vector<std::string> missing;
     for (const std::string& key : words.known_keys)

@@ -42,10 +42,9 @@ void* Origin(void* first, long long first_index, std::size_t element_bytes) {
 void AskForLargePages(void* memory, std::size_t bytes) {
     constexpr std::size_t kWorthwhile = std::size_t{4} << 20;
     if (bytes < kWorthwhile) return;
-    const auto page = static_cast<std::uintptr_t>(getpagesize());
-    const std::uintptr_t start = (reinterpret_cast<std::uintptr_t>(memory) + page - 1) / page * page;
-    const std::uintptr_t end = (reinterpret_cast<std::uintptr_t>(memory) + bytes) / page * page;
-    madvise(reinterpret_cast<void*>(start), end - start, MADV_HUGEPAGE);
+    const auto page = static_cast<std::size_t>(getpagesize());
+    const std::size_t before = (page - reinterpret_cast<std::uintptr_t>(memory) % page) % page;
+    madvise(static_cast<std::byte*>(memory) + before, (bytes - before) / page * page, MADV_HUGEPAGE);
 }
 
 /// Zeroed memory; large blocks cost nothing until they are touched.

@@ -29,7 +29,7 @@ std::string BehindLinks(const std::string& path) {
     if (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) return path;
     for (int i = 0; i < kMostLinks; ++i) {
         if (lstat(here.c_str(), &status) != 0 || !S_ISLNK(status.st_mode)) return here;
-        const std::string target = TargetOf(here);
+        std::string target = TargetOf(here);
         if (target.empty()) return target;
         here = target.front() == '/' ? target : FOLDER_AND_NAME(here).PathOf(target);
     }

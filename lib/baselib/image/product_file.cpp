@@ -65,7 +65,8 @@ bool IsOutOfRoom(int error) {
 long long BytesThere(int descriptor) {
     struct statvfs status {};
     if (fstatvfs(descriptor, &status) != 0) return 0;
-    return static_cast<long long>(status.f_frsize * (geteuid() == 0 ? status.f_bfree : status.f_bavail));
+    return static_cast<long long>(status.f_frsize) *
+           static_cast<long long>(geteuid() == 0 ? status.f_bfree : status.f_bavail);
 }
 
 /// The system would end the process by SIGXFSZ.
