@@ -1,5 +1,6 @@
 #include "app/simulation_state.h"
 
+#include "app/products/disk_room.h"
 #include "app/request/product_paths.h"
 #include "app/scene/border_in_dem.h"
 #include "app/scene/kernel_scene.h"
@@ -20,6 +21,7 @@ SCENE_IN_DEM Locate(const REQUEST& request, const ACQUISITIONS& acquisitions, co
 
 PRODUCT_WRITER OpenProducts(const REQUEST& request, const ACQUISITIONS& acquisitions, const OUTPUT_SIZES& sizes) {
     CheckProductPaths(request);
+    if (request.only_looks) RequireRoomFor(ProductsToCome(request, acquisitions.image, sizes));
     const VIEW_GEOMETRY geometry = {acquisitions.look_sign, acquisitions.ellipsoid.equatorial_m,
                                     acquisitions.ellipsoid.polar_m};
     return {request.only_looks ? REQUEST{} : request, acquisitions.image, sizes, geometry};

@@ -19,6 +19,7 @@
 #include "app/request/product_paths.h"
 #include "app/velmora_version.h"
 #include "lib/baselib/controller/controller_ifc.h"
+#include "lib/baselib/image/output_path.h"
 #include "lib/baselib/logging/logging.h"
 
 namespace {
@@ -96,6 +97,15 @@ void LookAtProduct(const SOURCED_TEXT& product, PROBLEM_LIST& problems) {
                      " can not be written: " + std::strerror(errno));
 }
 
+/// One that is not there would be created.
+void LookAtLogPool(const SOURCED_TEXT& log_pool, PROBLEM_LIST& problems) {
+    const FOLDER_AND_NAME place(log_pool.text);
+    struct stat status {};
+    if (stat(log_pool.Text(), &status) == 0 || access(place.FolderPath(), W_OK | X_OK) == 0) return;
+    problems.Add("configuration: key \"" + log_pool.source.key + "\": the pool " + log_pool.text +
+                 " can not be created: " + std::strerror(errno));
+}
+
 /// What does not depend on the other inputs.
 void TryPartsAlone(const REQUEST& request, RUN_POOLS& pools, PROBLEM_LIST& problems) {
     if (pools.own_log != nullptr || request.pools.log_pool.text == request.pools.insar_pool.text)
@@ -103,6 +113,7 @@ void TryPartsAlone(const REQUEST& request, RUN_POOLS& pools, PROBLEM_LIST& probl
             TryHistory(pools.HistoryPool(),
                        EntryOfRun(VelmoraVersion("velmora"), Log().OpeningTime(), std::time(nullptr)));
         });
+    LookAtLogPool(request.pools.log_pool, problems);
     problems.Try([&] { static_cast<void>(ReadAcquisitions(request, pools)); });
     problems.Try([&] {
         PARAMETER_POOL dem_pool = OpenDemPool(request);

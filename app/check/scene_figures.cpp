@@ -5,10 +5,10 @@
 #include <cmath>
 #include <limits>
 
+#include "app/products/disk_room.h"
 #include "app/scene/image_to_dem.h"
 #include "geometry/calc_slave_time.h"
 #include "geometry/vector_arithmetic.h"
-#include "lib/baselib/image/raster_header.h"
 #include "simulation/dem2phase.h"
 
 namespace {
@@ -71,11 +71,6 @@ long long Bytes(const MEM_MGR& image) {
     return image.Columns() * image.Rows() * image.BytesPerPixel();
 }
 
-long long FileBytes(const IMAGE_SIZE& size) {
-    return kRasterHeaderBytes +
-           static_cast<long long>(size.samples) * size.lines * static_cast<long long>(sizeof(float));
-}
-
 double Seconds(const SCENE& scene) {
     const auto begin = std::chrono::steady_clock::now();
     SimulateScene(scene);
@@ -104,12 +99,10 @@ long long MemoryNeeded_bytes(const SIMULATION_STATE& state) {
 }
 
 long long DiskNeeded_bytes(const SIMULATION_STATE& state) {
-    const REQUEST& request = state.request;
-    return (request.WantsPhase() ? FileBytes(state.acquisitions.image) : 0) +
-           (request.WantsShifts() ? 2 * FileBytes(state.sizes.shift) : 0) +
-           (request.WantsEarth() ? 3 * FileBytes(state.sizes.earth) : 0) +
-           (request.WantsHeight() ? FileBytes(state.sizes.earth) : 0) +
-           static_cast<long long>(request.ViewFiles().size()) * FileBytes(state.sizes.earth);
+    long long bytes = 0;
+    for (const PRODUCT_TO_COME& product : ProductsToCome(state.request, state.acquisitions.image, state.sizes))
+        bytes += product.Bytes();
+    return bytes;
 }
 
 double ExpectedSimulationTime_s(const SIMULATION_STATE& state) {

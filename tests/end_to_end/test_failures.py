@@ -173,6 +173,8 @@ def test_bad_input_ends_in_a_reason_and_leaves_everything_as_it_was(fresh_scene,
     assert len(alarms) - place <= 3, alarms  # the exception's text and the last line: nothing went on after the refusal
     assert (folder / "dem.ras").read_bytes() == dem
     assert_failed(run, before)
+    checked = velmora(folder, "--check")
+    assert checked.status == 1 and "  problem: " in checked.screen, checked.screen
 
 
 def assert_failed(run, before):

@@ -192,6 +192,7 @@ LOOKS_BAD = {
     "single pass without its keys": (dict(OBSERVATION_MODE="single_pass"), ["focussed_slow_time_corr_poly_coefficients"], 1),
     "half a group": (dict(Y_EARTH=None, AZ_COREG=None), ['"Y_EARTH" is missing', '"AZ_COREG" is missing'], 1),
     "a DEM that is not there": (dict(DEM="none.ras"), ["none.ras"], 1),
+    "a log pool that can not be made": (dict(log_pp="none/new.pool"), ["none/new.pool can not be created"], 1),
     "a log pool to be made": (dict(log_pp="new.pool"), [], 0),
 }
 
