@@ -13,6 +13,7 @@
 #include "app/products/sidecars.h"
 #include "app/products/software_history.h"
 #include "app/report/run_report.h"
+#include "app/request/run_files.h"
 #include "app/say.h"
 #include "app/simulation_state.h"
 #include "app/velmora_version.h"
@@ -104,6 +105,7 @@ void RunVelmora(int argc, char** argv) {
     CONTROLLER_IFC controller;
     RUN_REPORT report;  // read while the process ends: what calls exit() leaves this frame as it is
     controller.SetKnownKeys(ControlKeyNames());
+    controller.SetCheckFiles([&] { return CheckFilesOfParameters(controller); });
     controller.SetBeforeStart([&] { report.Begin(controller); });
     try {
         controller.init(argc, argv, true);

@@ -1,8 +1,9 @@
 #include "app/simulation_state.h"
 
 #include "app/products/disk_room.h"
-#include "app/request/product_paths.h"
+#include "app/request/run_files.h"
 #include "app/scene/border_in_dem.h"
+#include "app/scene/extension_in_dem.h"
 #include "app/scene/kernel_scene.h"
 #include "app/scene/scene_meets_dem.h"
 #include "app/scene/slave_frame.h"
@@ -16,11 +17,12 @@ SCENE_IN_DEM Locate(const REQUEST& request, const ACQUISITIONS& acquisitions, co
     SCENE_IN_DEM place = LocateSimulationArea(master, locate, dem);
     SayPlace(place, acquisitions);
     RequireCommonCells(place, dem, request, CornersOf(master, locate.Mirrored()));
+    RequireDemUnderExtension(request, acquisitions.image, master, locate, dem);
     return place;
 }
 
 PRODUCT_WRITER OpenProducts(const REQUEST& request, const ACQUISITIONS& acquisitions, const OUTPUT_SIZES& sizes) {
-    CheckProductPaths(request);
+    CheckFilesOfRun(request, acquisitions);
     if (request.only_looks) RequireRoomFor(ProductsToCome(request, acquisitions.image, sizes));
     const VIEW_GEOMETRY geometry = {acquisitions.look_sign, acquisitions.ellipsoid.equatorial_m,
                                     acquisitions.ellipsoid.polar_m};

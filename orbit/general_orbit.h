@@ -90,6 +90,7 @@ class GENERAL_ORBIT {
     [[nodiscard]] ORBIT_TYPE_ID TypeId() const { return Core().TypeId(); }
     [[nodiscard]] const INTERPOLATION_REQUEST& Interpolation() const { return Core().Interpolation(); }
     [[nodiscard]] const ORBIT_CONFIGURATION& Configuration() const { return Core().Configuration(); }
+    [[nodiscard]] const std::vector<std::string>& RecordFiles() const { return Core().RecordFiles(); }
 
   private:
     [[nodiscard]] const ORBIT_BASE& Core() const {

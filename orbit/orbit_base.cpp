@@ -82,4 +82,5 @@ void ORBIT_BASE::CopySetupFrom(const ORBIT_BASE& other) {
     type_id_ = other.type_id_;
     interpolation_ = other.interpolation_;
     configuration_ = other.configuration_;
+    record_files_ = other.record_files_;
 }

@@ -74,10 +74,13 @@ class ORBIT_BASE {
     /// @{
     void SetTypeId(ORBIT_TYPE_ID id) { type_id_ = id; }
     void SetInterpolation(const INTERPOLATION_REQUEST& request) { interpolation_ = request; }
+    void SetRecordFiles(std::vector<std::string> paths) { record_files_ = std::move(paths); }
     void SetConfiguration(ORBIT_CONFIGURATION configuration) { configuration_ = std::move(configuration); }
     [[nodiscard]] ORBIT_TYPE_ID TypeId() const { return type_id_; }
     [[nodiscard]] const INTERPOLATION_REQUEST& Interpolation() const { return interpolation_; }
     [[nodiscard]] const ORBIT_CONFIGURATION& Configuration() const { return configuration_; }
+    /// Of the record database that the state vectors come from; none for those of a pool.
+    [[nodiscard]] const std::vector<std::string>& RecordFiles() const { return record_files_; }
     /// @}
 
   protected:
@@ -89,6 +92,7 @@ class ORBIT_BASE {
     ORBIT_TYPE_ID type_id_ = ORBIT_TYPE_ID::POOL_DOUBLE_DOUBLE;
     INTERPOLATION_REQUEST interpolation_;
     ORBIT_CONFIGURATION configuration_;
+    std::vector<std::string> record_files_;
 };
 
 /// Logs the signature of an assignment that was given an orbit of another concrete type, and throws ERROR_ARGUMENT.

@@ -2,6 +2,7 @@
 
 #include <new>
 
+#include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/logging/logging.h"
 #include "orbit/interpolation/everett.h"
 #include "orbit/interpolation/local_interpolation.h"
@@ -90,6 +91,8 @@ auto NamingEntry(const ORBIT_CONFIGURATION& configuration, const char* key, cons
     try {
         return step();
     } catch (const std::bad_alloc&) {  // no fault of the entry
+        throw;
+    } catch (const ERROR_NO_MEMORY&) {
         throw;
     } catch (...) {
         Log().Message(LOGGING_LEVEL::ALARM, "%s: key \"%s\": value \"%s\" is refused", configuration.pool_file.c_str(),

@@ -147,6 +147,8 @@ void SAMPLED_ORBIT::TakeOver(const STATE_VECTOR_LISTS& lists) {
         axes_ = std::make_shared<const AXES>(MakeAxes(samples));
     } catch (const std::bad_alloc&) {  // no fault of the entry
         throw;
+    } catch (const ERROR_NO_MEMORY&) {
+        throw;
     } catch (...) {
         Log().Message(
             LOGGING_LEVEL::ALARM,

@@ -16,7 +16,7 @@
 #include "app/keys/control_key.h"
 #include "app/products/pool_write_back.h"
 #include "app/products/software_history.h"
-#include "app/request/product_paths.h"
+#include "app/request/run_files.h"
 #include "app/velmora_version.h"
 #include "lib/baselib/controller/controller_ifc.h"
 #include "lib/baselib/image/output_path.h"
@@ -107,21 +107,24 @@ void LookAtLogPool(const SOURCED_TEXT& log_pool, PROBLEM_LIST& problems) {
 }
 
 /// What does not depend on the other inputs.
-void TryPartsAlone(const REQUEST& request, RUN_POOLS& pools, PROBLEM_LIST& problems) {
+/// @param files_differ  what is known of the files before the pools are read
+void TryPartsAlone(const REQUEST& request, RUN_POOLS& pools, bool files_differ, PROBLEM_LIST& problems) {
     if (pools.own_log != nullptr || request.pools.log_pool.text == request.pools.insar_pool.text)
         problems.Try([&] {
             TryHistory(pools.HistoryPool(),
                        EntryOfRun(VelmoraVersion("velmora"), Log().OpeningTime(), std::time(nullptr)));
         });
     LookAtLogPool(request.pools.log_pool, problems);
-    problems.Try([&] { static_cast<void>(ReadAcquisitions(request, pools)); });
+    problems.Try([&] {
+        const ACQUISITIONS acquisitions = ReadAcquisitions(request, pools);
+        if (files_differ) CheckFilesOfRun(request, acquisitions);
+    });
     problems.Try([&] {
         PARAMETER_POOL dem_pool = OpenDemPool(request);
         static_cast<void>(ReadTerrain(request, dem_pool));
     });
     problems.Try([&] { static_cast<void>(ReadValidHeights(request.terrain.valid_heights)); });
     problems.Try([&] { static_cast<void>(ReadInitialPhase(request)); });
-    problems.Try([&] { CheckProductPaths(request); });
     for (const SOURCED_TEXT& product : request.ProductFiles()) LookAtProduct(product, problems);
 }
 
@@ -154,6 +157,8 @@ void PrintFigures(const SIMULATION_STATE& state) {
 
 /// @return whether stage A would go well
 bool TryAll(CONTROLLER_IFC& controller, PROBLEM_LIST& problems) {
+    const std::vector<std::string> shared_files = CheckFilesOfParameters(controller).lines;
+    std::ranges::for_each(shared_files, [&](const std::string& line) { problems.Add(line); });
     bool ready = AllKeysAreGiven(controller, problems);
     for (const char* key : {"MASTER_POOL", "SLAVE_POOL", "INSAR_POOL", "DEM_POOL"})
         ready = PoolIsThere(controller, key, problems) && ready;
@@ -164,7 +169,7 @@ bool TryAll(CONTROLLER_IFC& controller, PROBLEM_LIST& problems) {
     REQUEST request;
     if (!problems.Try([&] { request = ReadRequest(controller, pools); })) return false;
     request.only_looks = true;
-    TryPartsAlone(request, pools, problems);
+    TryPartsAlone(request, pools, shared_files.empty(), problems);
     if (!problems.Problems().empty()) return false;
     return problems.Try([&] { PrintFigures(SIMULATION_STATE(request, pools)); });
 }

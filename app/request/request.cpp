@@ -96,7 +96,7 @@ std::optional<int> ReadMemoryLimit(CONTROLLER_IFC& controller) {
 /// What is forced takes effect in the InSAR pool at once, before anything else reads it.
 REQUEST ReadKeys(CONTROLLER_IFC& controller, RUN_POOLS& pools) {
     REQUEST request;
-    request.control_file = controller.get_configuration_file_name();
+    request.controller_files = controller.Files();
     request.phase = ReadPhaseKeys(controller);
     request.pools = ReadPoolPaths(controller);
     OpenPools(pools, request.pools);
@@ -141,11 +141,8 @@ std::vector<SOURCED_TEXT> REQUEST::ProductFiles() const {
 }
 
 std::vector<SOURCED_TEXT> REQUEST::OtherFiles() const {
-    constexpr CONTROL_KEY kControlFile = "pcf";
-    constexpr CONTROL_KEY kLogFile = "lfn";
     return GivenOnes({pools.master_pool, pools.slave_pool, pools.insar_pool, pools.log_pool, terrain.dem_pool,
-                      terrain.dem_file, report, SOURCED_TEXT{{"configuration", kControlFile.row.name}, control_file},
-                      SOURCED_TEXT{{"configuration", kLogFile.row.name}, Log().LogFileName()}});
+                      terrain.dem_file, report});
 }
 
 REQUEST ReadRequest(CONTROLLER_IFC& controller, RUN_POOLS& pools) {

@@ -56,7 +56,7 @@ struct VIEW_REQUEST {
 };
 
 struct REQUEST {
-    std::string control_file;  ///< it may be missing
+    CONTROLLER_FILES controller_files;
     PHASE_REQUEST phase;
     INPUT_FILES pools;
     TERRAIN_REQUEST terrain;
@@ -86,7 +86,7 @@ struct REQUEST {
     [[nodiscard]] std::vector<SOURCED_TEXT> ViewFiles() const;
     /// The files that stage C writes, in its order.
     [[nodiscard]] std::vector<SOURCED_TEXT> ProductFiles() const;
-    /// Every other file of the run.
+    /// Every other file that a key of the request names.
     [[nodiscard]] std::vector<SOURCED_TEXT> OtherFiles() const;
 };
 

@@ -26,7 +26,11 @@ class MDB_ORBIT final : public ORBIT<T, S, I, P> {
     }
 
     /// Opens the data file and notes its state. @throws as OrbitDataFile and MDB_STATE_VECTORS::Open
-    void Open() { file_.Open(OrbitDataFile(this->Configuration().mdb, this->Configuration().pool_file)); }
+    void Open() {
+        const MDB_FILE file = OrbitDataFile(this->Configuration().mdb, this->Configuration().pool_file);
+        this->SetRecordFiles({file.Path(), file.directory + "/" + MDB::kDefinitionName});
+        file_.Open(file);
+    }
 
     /// Reads the open file and creates the interpolation. A failure leaves the orbit as it was.
     /// @throws ERROR_DATA, after logging, when the file was changed since Open

@@ -1,6 +1,7 @@
 #include "orbit/source/orbit_configuration.h"
 
 #include "lib/baselib/containers/string.h"
+#include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/logging/logging.h"
 #include "lib/baselib/pool/parameter_pool.h"
 #include "orbit/orbit_ids.h"
@@ -34,7 +35,7 @@ MDB_LOCATION ReadMdbLocation(PARAMETER_POOL& pool) {
 ORBIT_TYPE_ID TypeOf(const ORBIT_CONFIGURATION& configuration) {
     try {
         return OrbitTypeIdFromText(configuration.representation);
-    } catch (...) {
+    } catch (const ERROR_ARGUMENT&) {
         Log().Message(LOGGING_LEVEL::ALARM, "%s: key \"orbit_representation\": value \"%s\" is refused",
                       configuration.pool_file.c_str(), configuration.representation.c_str());
         throw;

@@ -112,6 +112,12 @@ CASES = [
      [">> shift_matrices_subsampling_az << not found", NOT_FOUND]),
     ("Earth factor of one direction", keys(RG_COREG=None, AZ_COREG=None, EARTH_MATRICES_SUBSAMPLING_Y=2),
      ["Error: simulated area extension is not enough for subsampled shift matrixes", BOTH_DIRECTIONS]),
+    ("factors far beyond the image", keys(SHIFT_MATRICES_SUBSAMPLING=65536),
+     ["sub-sampling factors (shift 65536 x 65536, earth 1 x 1, geocoding 1 x 1) beyond the image of 60 x 50 pixels"]),
+    ("Earth factors far beyond the image", keys(EARTH_MATRICES_SUBSAMPLING_X=30000, EARTH_MATRICES_SUBSAMPLING_Y=30000),
+     ["sub-sampling factors (shift 1 x 1, earth 30000 x 30000, geocoding 1 x 1) beyond the image of 60 x 50 pixels"]),
+    ("factors beyond 32 bits", keys(SHIFT_MATRICES_SUBSAMPLING=2147483647),
+     ['key "n_samples": value 60 and an extension of 2147483647 exceed a 32-bit integer']),
     ("geocoding factor of one direction",
      lambda folder: [edit(folder) for edit in (
          keys(RG_COREG=None, AZ_COREG=None),

@@ -189,4 +189,4 @@ def test_three_files_of_one_key_are_products_like_all_others(fresh_scene):
     before = (folder / "los_n.ras").read_bytes()
     refused = velmora(folder)
     assert refused.status == 1 and (folder / "los_n.ras").read_bytes() == before
-    assert any("los_n.ras is the file" in line for line in refused.lines("ALARM")), refused.explanation()
+    assert any("north los_n.ras is the incidence angle" in line for line in refused.lines("ALARM")), refused.explanation()

@@ -79,12 +79,24 @@ std::optional<CONTROL_FILE::ENTRY> CONTROL_FILE::NextEntry() {
     return ENTRY{key, value};
 }
 
-std::vector<std::string> CONTROL_FILE::Keys() {
+std::vector<CONTROL_FILE::ENTRY> CONTROL_FILE::Entries() const {
+    std::vector<ENTRY> entries;
+    CONTROL_FILE from_the_start = *this;
+    from_the_start.Rewind();
+    while (const std::optional<ENTRY> entry = from_the_start.NextEntry()) entries.push_back(*entry);
+    return entries;
+}
+
+std::vector<std::string> CONTROL_FILE::Keys() const {
     std::vector<std::string> keys;
-    const std::size_t position = position_;
-    Rewind();
-    while (const std::optional<ENTRY> entry = NextEntry())
-        if (!entry->key.empty()) keys.push_back(entry->key);
-    position_ = position;
+    for (const ENTRY& entry : Entries())
+        if (!entry.key.empty()) keys.push_back(entry.key);
     return keys;
+}
+
+std::vector<std::string> CONTROL_FILE::ValuesOf(const std::string& key) const {
+    std::vector<std::string> values;
+    for (const ENTRY& entry : Entries())
+        if (entry.key == key) values.push_back(entry.value);
+    return values;
 }

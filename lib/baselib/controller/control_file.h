@@ -37,9 +37,13 @@ class CONTROL_FILE {
     void Rewind() { position_ = 0; }
 
     /// All keys of the file; the reading position stays.
-    [[nodiscard]] std::vector<std::string> Keys();
+    [[nodiscard]] std::vector<std::string> Keys() const;
+    /// The values of all lines of this key.
+    [[nodiscard]] std::vector<std::string> ValuesOf(const std::string& key) const;
 
   private:
+    [[nodiscard]] std::vector<ENTRY> Entries() const;
+
     bool is_open_ = false;
     std::string problem_;
     std::string content_;

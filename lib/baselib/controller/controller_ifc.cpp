@@ -64,7 +64,12 @@ void CONTROLLER_IFC::init(int argc, char** argv, bool controller_messages) {
     Log() << LOGGING_LEVEL::TRACE << "binary name is " << binary_name_ << "\n";
     ResolveStatusPaths();
     OpenConfigurationFile();
-    NameLogFile(pid_given);
+    const std::string log_file = NameLogFile(pid_given);
+    files_ = {configuration_file_path_, log_file, status_path_ + "OK." + binary_name_,
+              status_path_ + "ERROR." + binary_name_, stop_file_path_};
+    const FILE_PROBLEMS problems = check_files_ ? check_files_() : FILE_PROBLEMS{};
+    if (!problems.log) Log().SetLogFile(only_looks_ ? "/dev/null" : log_file);
+    if (!problems.lines.empty()) EndForFiles(problems);
     RequireReadableConfiguration();
     if (!configuration_file_.IsOpen())
         Log() << LOGGING_LEVEL::WARNING << "Configuration file " << configuration_file_path_ << " does not exist!\n";
@@ -122,7 +127,7 @@ void CONTROLLER_IFC::OpenConfigurationFile() {
     (void)configuration_file_.Open(configuration_file_path_);
 }
 
-void CONTROLLER_IFC::NameLogFile(bool pid_given) {
+std::string CONTROLLER_IFC::NameLogFile(bool pid_given) {
     std::string name;
     if (!get_optional_parameter("lfn", name)) {
         // The temporary file's name is nobody's choice; a name set by the program before stays.
@@ -130,7 +135,18 @@ void CONTROLLER_IFC::NameLogFile(bool pid_given) {
         name = keep ? Log().LogFileName() : "log." + binary_name_;
     }
     RequireFitting("lfn", name);
-    Log().SetLogFile(only_looks_ ? "/dev/null" : name);
+    return name;
+}
+
+/// What lies at the place of a status file may be another file of the run, which stays; a digit is a status file.
+void CONTROLLER_IFC::EndForFiles(const FILE_PROBLEMS& problems) {
+    if (problems.ok && !HoldsAtMostADigit(ok_file_path_.c_str())) ok_file_path_.clear();
+    if (problems.error && !HoldsAtMostADigit(error_file_path_.c_str())) error_file_path_.clear();
+    PublishForSignals();
+    if (!problems.report && before_start_) before_start_();
+    if (problems.log && !only_looks_) Complain("the log stays in " + Log().LogFileName());
+    for (std::size_t i = 0; i + 1 < problems.lines.size(); ++i) Complain(problems.lines[i]);
+    EndWithError(problems.lines.back());
 }
 
 void CONTROLLER_IFC::SetLogThresholds() {
@@ -185,19 +201,34 @@ bool CONTROLLER_IFC::Lookup(const std::string& name, std::string& value) {
     return true;
 }
 
-bool CONTROLLER_IFC::FindInArguments(const std::string& name, std::string& value) {
+int CONTROLLER_IFC::PlaceInArguments(const std::string& name) const {
     const std::string key = "-" + name;
     // Backwards, so that the last of several wins; the last argument has no value behind it.
-    for (int i = argument_count_ - 2; i >= 1; --i) {
-        if (key != arguments_[i]) continue;
-        RequireFitting(name, arguments_[i + 1]);
-        lookups_.used_arguments.insert(i);
-        value = arguments_[i + 1];
-        Log() << LOGGING_LEVEL::DEBUG << "Found parameter in argument list " << name << " = " << value << "\n";
-        return true;
+    for (int i = argument_count_ - 2; i >= 1; --i)
+        if (key == arguments_[i]) return i + 1;
+    return 0;
+}
+
+bool CONTROLLER_IFC::FindInArguments(const std::string& name, std::string& value) {
+    const int place = PlaceInArguments(name);
+    if (place == 0) {
+        Log() << LOGGING_LEVEL::TRACE << "Parameter " << name << " not found in argument list!\n";
+        return false;
     }
-    Log() << LOGGING_LEVEL::TRACE << "Parameter " << name << " not found in argument list!\n";
-    return false;
+    RequireFitting(name, arguments_[place]);
+    lookups_.used_arguments.insert(place - 1);
+    value = arguments_[place];
+    Log() << LOGGING_LEVEL::DEBUG << "Found parameter in argument list " << name << " = " << value << "\n";
+    return true;
+}
+
+std::vector<std::string> CONTROLLER_IFC::PossibleValues(const std::string& name) const {
+    if (const int place = PlaceInArguments(name); place != 0) return {arguments_[place]};
+    std::vector<std::string> values;
+    if (configuration_file_.IsOpen()) values = configuration_file_.ValuesOf(name);
+    const char* const text = std::getenv(name.c_str());
+    if (values.empty() && text != nullptr) values.emplace_back(text);
+    return values;
 }
 
 bool CONTROLLER_IFC::FindInConfigurationFile(const std::string& name, std::string& value) {
@@ -333,9 +364,13 @@ void CONTROLLER_IFC::RequireFitting(const std::string& name, const std::string& 
                  std::to_string(kLongestText) + " are allowed: " + text.substr(0, 40) + "...");
 }
 
-void CONTROLLER_IFC::EndWithError(const std::string& reason) {
+void CONTROLLER_IFC::Complain(const std::string& reason) const {
     Log().Message(LOGGING_LEVEL::ALARM, "%s", reason.c_str());
     if (only_looks_) std::printf("  problem: %s\n", Printable(reason).c_str());
+}
+
+void CONTROLLER_IFC::EndWithError(const std::string& reason) {
+    Complain(reason);
     Log() << LOGGING_LEVEL::ALARM << "ORQ_MSG|ERROR|" << binary_name_ << " terminated with error!\n";
     exit_error();
 }

@@ -27,6 +27,24 @@ struct FOUND_PARAMETER {
     const char* source = "";  ///< "argument", "control file", "environment" or "keyboard"
 };
 
+/// Paths of the files that the controller reads, writes or removes.
+struct CONTROLLER_FILES {
+    std::string control;
+    std::string log;
+    std::string ok;
+    std::string error;
+    std::string stop;
+};
+
+/// Why the run may not go on with its files, and which of them it may not touch.
+struct FILE_PROBLEMS {
+    std::vector<std::string> lines;  ///< empty: it may
+    bool log = false;
+    bool ok = false;
+    bool error = false;
+    bool report = false;
+};
+
 class CONTROLLER_IFC {
   public:
     CONTROLLER_IFC() = default;
@@ -36,6 +54,9 @@ class CONTROLLER_IFC {
 
     /// The keys that the program reads, for the recognition of mistyped ones. Call before init().
     void SetKnownKeys(std::vector<std::string> keys) { known_keys_ = std::move(keys); }
+
+    /// Called in init() before the first file is changed. Problems end the process, after the lines.
+    void SetCheckFiles(std::function<FILE_PROBLEMS()> check_files) { check_files_ = std::move(check_files); }
 
     /// Called in init() when parameters can be looked up, before a STOP file ends the process.
     void SetBeforeStart(std::function<void()> before_start) { before_start_ = std::move(before_start); }
@@ -60,6 +81,11 @@ class CONTROLLER_IFC {
     /// All parameters found so far, by name.
     [[nodiscard]] const std::map<std::string, FOUND_PARAMETER>& Found() const { return found_; }
 
+    /// Every text that a lookup of this name could give, without asking the keyboard and without a line in the log.
+    [[nodiscard]] std::vector<std::string> PossibleValues(const std::string& name) const;
+    /// Known from the moment in which init() checks the files.
+    [[nodiscard]] const CONTROLLER_FILES& Files() const { return files_; }
+
     /// Forms every file name: the last path component of the first argument, or the value of the parameter `pid`.
     [[nodiscard]] std::string get_binary_name() const;
     /// The last path component of the first argument.
@@ -78,6 +104,8 @@ class CONTROLLER_IFC {
 
   private:
     bool Lookup(const std::string& name, std::string& value);
+    /// Of the value; 0: none.
+    [[nodiscard]] int PlaceInArguments(const std::string& name) const;
     bool FindInArguments(const std::string& name, std::string& value);
     bool FindInConfigurationFile(const std::string& name, std::string& value);
     bool FindInEnvironment(const std::string& name, std::string& value);
@@ -90,7 +118,8 @@ class CONTROLLER_IFC {
 
     void ResolveStatusPaths();
     void OpenConfigurationFile();
-    void NameLogFile(bool pid_given);
+    [[nodiscard]] std::string NameLogFile(bool pid_given);
+    void EndForFiles(const FILE_PROBLEMS& problems);
     void SetLogThresholds();
     void EndWhenStopped();
     void RequireReadableConfiguration();
@@ -99,6 +128,7 @@ class CONTROLLER_IFC {
     void WriteStatus(const std::string& path, char digit);
 
     void RequireFitting(const std::string& name, const std::string& text);
+    void Complain(const std::string& reason) const;
     [[noreturn]] void EndWithError(const std::string& reason);
 
     int argument_count_ = 0;
@@ -117,6 +147,8 @@ class CONTROLLER_IFC {
     std::vector<std::string> known_keys_;
     LOOKUP_RECORD lookups_;
     std::set<std::string> warned_;
+    CONTROLLER_FILES files_;
+    std::function<FILE_PROBLEMS()> check_files_;
     std::function<void()> before_start_;
     std::map<std::string, FOUND_PARAMETER> found_;
     std::deque<FATAL_SIGNAL_REACTION> reactions_;  ///< all published so far: a handler may be reading an earlier one

@@ -58,6 +58,11 @@ bool CanBeRemoved(const char* path) noexcept {
     return !is_sticky || user == 0 || user == file.st_uid || user == folder.st_uid;
 }
 
+bool HoldsAtMostADigit(const char* path) noexcept {
+    struct stat status = {};
+    return lstat(path, &status) != 0 || (S_ISREG(status.st_mode) && status.st_size <= 1);
+}
+
 bool CanBeRead(const char* path) noexcept {
     const int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (descriptor < 0) return false;

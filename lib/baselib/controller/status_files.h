@@ -17,5 +17,8 @@ bool RemoveStatusFile(const char* path) noexcept;
 /// another owner's file in a sticky folder. @return true as well when there is no such file
 [[nodiscard]] bool CanBeRemoved(const char* path) noexcept;
 
+/// Whether there is nothing, or a file (no link) that a status file could be.
+[[nodiscard]] bool HoldsAtMostADigit(const char* path) noexcept;
+
 /// Whether the path can be opened for reading.
 [[nodiscard]] bool CanBeRead(const char* path) noexcept;

@@ -54,11 +54,12 @@ void RemoveUnlessHeld(const std::string& path) {
     }
 }
 
-/// A run that looks for left-overs may have seen the new file before it was locked.
-bool IsOurs(int descriptor) {
-    if (flock(descriptor, LOCK_EX | LOCK_NB) != 0) return errno != EWOULDBLOCK;  // no locks here: nobody can ask
+/// A run that looks for left-overs may have seen the new file before it was locked, and have it locked or removed.
+bool IsTaken(int descriptor) {
+    if (flock(descriptor, LOCK_EX | LOCK_NB) != 0) return errno == EWOULDBLOCK;  // no locks here: nobody can ask
     struct stat status {};
-    return fstat(descriptor, &status) == 0 && status.st_nlink > 0;
+    // A folder that does not tell is not asked a second time: every further file would be as unknown.
+    return fstat(descriptor, &status) == 0 && status.st_nlink == 0;
 }
 
 }  // namespace
@@ -74,7 +75,7 @@ int MakeTemporary(const FOLDER_AND_NAME& product, mode_t permissions, std::strin
         path = prefix + std::to_string(number);
         const int descriptor = OpenFile(path, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, permissions);
         if (descriptor < 0 && errno == EEXIST) continue;
-        if (descriptor < 0 || IsOurs(descriptor)) return descriptor;
+        if (descriptor < 0 || !IsTaken(descriptor)) return descriptor;
         close(descriptor);
     }
 }
