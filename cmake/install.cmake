@@ -30,26 +30,31 @@ write_basic_package_version_file(${velmora_BINARY_DIR}/velmoraConfigVersion.cmak
 install(FILES ${velmora_SOURCE_DIR}/cmake/velmoraConfig.cmake ${velmora_BINARY_DIR}/velmoraConfigVersion.cmake
   DESTINATION ${package_folder} COMPONENT development)
 
-# velmora_install_program(TARGET NAME COMPONENT): the program, its man page and its completion, both made from its own --help.
-find_program(VELMORA_GZIP gzip)
+# velmora_install_program(TARGET NAME COMPONENT): the program with its texts.
 function(velmora_install_program target name component)
   install(TARGETS ${target} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT ${component})
+  velmora_install_texts(${target} $<TARGET_FILE:${target}> ${name} ${component})
+endfunction()
+
+# velmora_install_texts(DEPENDS PROGRAM NAME COMPONENT): man page and completion, both made from the program's own --help.
+find_program(VELMORA_GZIP gzip)
+function(velmora_install_texts depends program name component)
   if(CMAKE_CROSSCOMPILING)
     return()
   endif()
   set(folder ${velmora_BINARY_DIR}/texts)
   set(page ${folder}/${name}.1)
   add_custom_command(OUTPUT ${page} ${folder}/${name}.bash
-    COMMAND ${CMAKE_COMMAND} -DPROGRAM=$<TARGET_FILE:${target}> -DNAME=${name} -DVERSION=${velmora_VERSION} -DFOLDER=${folder}
+    COMMAND ${CMAKE_COMMAND} -DPROGRAM=${program} -DNAME=${name} -DVERSION=${velmora_VERSION} -DFOLDER=${folder}
             -P ${velmora_SOURCE_DIR}/cmake/program_texts.cmake
-    DEPENDS ${target} ${velmora_SOURCE_DIR}/cmake/program_texts.cmake VERBATIM)
+    DEPENDS ${depends} ${velmora_SOURCE_DIR}/cmake/program_texts.cmake VERBATIM)
   set(texts ${folder}/${name}.bash ${page})
   if(VELMORA_GZIP)
     add_custom_command(OUTPUT ${page}.gz COMMAND ${VELMORA_GZIP} -9nkf ${page} DEPENDS ${page} VERBATIM)
     set(page ${page}.gz)
     list(APPEND texts ${page})
   endif()
-  add_custom_target(${target}_texts ALL DEPENDS ${texts})
+  add_custom_target(${name}_texts ALL DEPENDS ${texts})
   install(FILES ${page} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT ${component})
   install(FILES ${folder}/${name}.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME ${name}
     COMPONENT ${component})
@@ -61,6 +66,17 @@ if(TARGET velmora-view)
 endif()
 if(TARGET velmora_import)
   velmora_install_program(velmora_import velmora-import companions)
+  # Found beside its Snakefile, wherever the prefix is.
+  set(workflow ${velmora_SOURCE_DIR}/stack)
+  install(FILES ${workflow}/Snakefile ${workflow}/pair_run.py ${workflow}/stack_report.py
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/velmora/stack COMPONENT companions)
+  install(PROGRAMS ${workflow}/velmora-stack DESTINATION ${CMAKE_INSTALL_DATADIR}/velmora/stack COMPONENT companions)
+  install(DIRECTORY ${workflow}/profiles DESTINATION ${CMAKE_INSTALL_DATADIR}/velmora/stack COMPONENT companions
+    USE_SOURCE_PERMISSIONS)
+  file(MAKE_DIRECTORY ${velmora_BINARY_DIR}/links)
+  file(CREATE_LINK ../${CMAKE_INSTALL_DATADIR}/velmora/stack/velmora-stack ${velmora_BINARY_DIR}/links/velmora-stack SYMBOLIC)
+  install(FILES ${velmora_BINARY_DIR}/links/velmora-stack DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT companions)
+  velmora_install_texts(${workflow}/velmora-stack ${workflow}/velmora-stack velmora-stack companions)
 endif()
 
 install(DIRECTORY ${velmora_SOURCE_DIR}/docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT processor)

@@ -22,7 +22,9 @@ shift maps, Earth-fixed coordinates and heights in radar geometry.")
 if(TARGET velmora-view OR TARGET velmora_import)
   list(APPEND CPACK_COMPONENTS_ALL companions)
   set(CPACK_DEBIAN_COMPANIONS_PACKAGE_NAME velmora-companions)
+  set(CPACK_DEBIAN_COMPANIONS_PACKAGE_DEPENDS python3)
   set(CPACK_DEBIAN_COMPANIONS_PACKAGE_RECOMMENDS velmora)
+  set(CPACK_DEBIAN_COMPANIONS_PACKAGE_SUGGESTS snakemake)
   set(CPACK_COMPONENT_COMPANIONS_DESCRIPTION "import and viewing programs of velmora
 Bring downloaded terrain models, orbits and annotations into the processor's
 form, and show its products as pictures, maps and numbers.")

@@ -9,7 +9,7 @@ if [ "${1:-}" != demo ]; then
                clang-format clang-tidy)
 fi
 if [ "${1:-}" = companions ]; then
-    packages+=(libgdal-dev libproj-dev proj-data libpugixml-dev libcli11-dev gdal-bin python3-gdal)
+    packages+=(libgdal-dev libproj-dev proj-data libpugixml-dev libcli11-dev gdal-bin python3-gdal snakemake)
 fi
 
 missing=()

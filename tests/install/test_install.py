@@ -20,7 +20,8 @@ from scene_maker.ellipsoid import WGS84  # noqa: E402
 from scene_maker.options import SCENE_OPTIONS  # noqa: E402
 
 BUILD, CMAKE = pathlib.Path(os.environ["VELMORA_BUILD"]), os.environ["VELMORA_CMAKE"]
-COMPANIONS = [name for name, folder in (("velmora-view", "view"), ("velmora-import", "import")) if (BUILD / folder / name).exists()]
+COMPANIONS = [name for name, folder in (("velmora-view", "view"), ("velmora-import", "import"),
+                                          ("velmora-stack", "stack")) if (BUILD / folder / name).exists()]
 
 
 def call(*command, **options):
