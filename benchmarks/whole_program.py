@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Times whole runs of velmora on a synthetic scene and prints, per number of threads, what stage B and memory cost.
 
-Usage: benchmarks/whole_program.py [--scene square|wide] [--binary PATH] [--threads 1,2] [--repeat 3] [options of make_scene.py]
+Usage: benchmarks/whole_program.py [--scene square|wide|huge] [--binary PATH] [--threads 1,2] [--repeat 3] [options of make_scene.py]
 Products: phase, shifts at factor 4, height; about 2 million DEM points. The best of the repeats counts: noise of the machine
 only ever adds time. Stage B is timed from outside, between the
 arrival of its banner and of the next stage's on the program's standard output. DEM points are those of the simulated
@@ -20,7 +20,8 @@ import time
 REPOSITORY = pathlib.Path(__file__).resolve().parents[1]
 COMMON = ["--products", "phase", "shifts", "height", "--shift-factors", "4", "4", "--dem-margin-m", "500", "--high-m", "1800"]
 SCENES = {"square": ["--samples", "2000", "--lines", "2000", "--dem-spacing-m", "15"],
-          "wide": ["--samples", "10000", "--lines", "2500", "--dem-spacing-m", "25"]}
+          "wide": ["--samples", "10000", "--lines", "2500", "--dem-spacing-m", "25"],
+          "huge": ["--samples", "10000", "--lines", "100000", "--dem-spacing-m", "18", "--prf-hz", "4000"]}
 
 
 def timed_run(binary, folder, threads, memory_limit):

@@ -33,10 +33,10 @@ int EndOfCommonRows(const GRID_VIEW<T>& grid, const IMAGE_SIZE& product) {
 /// Columns 0 .. columns - 1 of single-precision rows.
 void WriteSingles(PRODUCT_FILE& file, const GRID_VIEW<const float>& grid, const IMAGE_SIZE& product) {
     const int end_row = EndOfCommonRows(grid, product);
-    if (grid.row_stride == product.samples) {
-        file.WriteRows(grid.first_row, end_row - grid.first_row, grid.data);
-        return;
-    }
+    if (grid.row_stride == product.samples) return file.WriteRows(grid.first_row, end_row - grid.first_row, grid.data);
+    if (file.IsHiddenUntilPlaced())
+        return file.WriteSpacedRows(grid.first_row, end_row - grid.first_row, grid.data,
+                                    static_cast<std::size_t>(grid.row_stride) * sizeof(float));
     WriteRowsMade(file, grid.first_row, end_row, product.samples, [&](long long row, float* pixels) {
         std::memcpy(pixels, grid[static_cast<int>(row)], sizeof(float) * static_cast<std::size_t>(product.samples));
     });

@@ -1,8 +1,11 @@
 #include "lib/baselib/image/file_descriptor.h"
 
 #include <fcntl.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 FILE_DESCRIPTOR::~FILE_DESCRIPTOR() {
@@ -64,5 +67,22 @@ int WriteWholeAt(int file_descriptor, const void* data, std::size_t bytes, off_t
     const char* const from = static_cast<const char*>(data);
     return WriteAll(bytes, [=](std::size_t done) {
         return pwrite(file_descriptor, from + done, bytes - done, offset + static_cast<off_t>(done));
+    });
+}
+
+int WriteRowsWholeAt(int file_descriptor, const void* data, std::size_t row_bytes, std::size_t stride, long long rows,
+                     off_t offset) {
+    constexpr long long kRowsPerWrite = 256;
+    const auto row_at = [=](long long row) {
+        return static_cast<char*>(const_cast<void*>(data)) + static_cast<std::size_t>(row) * stride;  // only read
+    };
+    return WriteAll(static_cast<std::size_t>(rows) * row_bytes, [=](std::size_t done) {
+        const auto first = static_cast<long long>(done / row_bytes);
+        const std::size_t done_of_first = done % row_bytes;
+        const long long count = std::min(kRowsPerWrite, rows - first);
+        std::array<iovec, kRowsPerWrite> parts;
+        for (long long i = 0; i < count; ++i) parts[static_cast<std::size_t>(i)] = {row_at(first + i), row_bytes};
+        parts[0] = {row_at(first) + done_of_first, row_bytes - done_of_first};
+        return pwritev(file_descriptor, parts.data(), static_cast<int>(count), offset + static_cast<off_t>(done));
     });
 }

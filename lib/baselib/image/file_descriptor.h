@@ -51,3 +51,8 @@ int WriteWhole(int file_descriptor, const void* data, std::size_t bytes);
 
 /// The same at an offset of a regular file, whose position does not change: several threads may write at once.
 int WriteWholeAt(int file_descriptor, const void* data, std::size_t bytes, off_t offset);
+
+/// The same for rows that lie apart in memory and follow each other in the file.
+/// @param stride  from row to row in memory, in bytes
+int WriteRowsWholeAt(int file_descriptor, const void* data, std::size_t row_bytes, std::size_t stride, long long rows,
+                     off_t offset);

@@ -194,16 +194,19 @@ void PRODUCT_FILE::LogCreation() const {
                   path_.c_str());
 }
 
-void PRODUCT_FILE::CountValues(long long rows, const void* pixels) {
+void PRODUCT_FILE::CountValues(long long rows, const void* pixels, std::size_t stride) {
     if (pixel_type_ != PIXEL_TYPE::FLT_6) return;
     VALUE_STATISTICS values;
-    values.Add(static_cast<const float*>(pixels), rows * header_.width);
+    for (long long row = 0; row < rows; ++row) {
+        const char* const from = static_cast<const char*>(pixels) + static_cast<std::size_t>(row) * stride;
+        values.Add(reinterpret_cast<const float*>(from), header_.width);
+    }
     const std::lock_guard<std::mutex> lock(mutex_);
     values_.Add(values);
 }
 
 void PRODUCT_FILE::WriteRows(long long first_row, long long rows, const void* pixels) {
-    CountValues(rows, pixels);
+    CountValues(rows, pixels, static_cast<std::size_t>(row_bytes_));
     const long long bytes = rows * row_bytes_;
     if (way_ != WAY::DIRECT) {
         WriteHeader();
@@ -223,6 +226,14 @@ void PRODUCT_FILE::WriteRows(long long first_row, long long rows, const void* pi
     lock.lock();
     next_row_ += rows;
     turn_.notify_all();
+}
+
+void PRODUCT_FILE::WriteSpacedRows(long long first_row, long long rows, const void* pixels, std::size_t stride) {
+    CountValues(rows, pixels, stride);
+    WriteHeader();
+    const int error = WriteRowsWholeAt(file_.Get(), pixels, static_cast<std::size_t>(row_bytes_), stride, rows,
+                                       kRasterHeaderBytes + first_row * row_bytes_);
+    if (error != 0) FailWriting("MEM_MGR: unable to write into: ", error);
 }
 
 void PRODUCT_FILE::Abandon() {

@@ -72,6 +72,10 @@ class PRODUCT_FILE {
     /// @throws ERROR_CAN_NOT_WRITE_FILE
     void WriteRows(long long first_row, long long rows, const void* pixels);
 
+    /// The same for rows that lie apart in memory, of a file that IsHiddenUntilPlaced().
+    /// @param stride  from row to row, in bytes
+    void WriteSpacedRows(long long first_row, long long rows, const void* pixels, std::size_t stride);
+
     /// Of the 32-bit reals in the rows written so far; no thread may be writing.
     [[nodiscard]] const VALUE_STATISTICS& Values() const { return values_; }
 
@@ -95,7 +99,7 @@ class PRODUCT_FILE {
   private:
     enum class WAY { TEMPORARY, IN_PLACE, DIRECT };
 
-    void CountValues(long long rows, const void* pixels);
+    void CountValues(long long rows, const void* pixels, std::size_t stride);
     void Open(mode_t permissions);
     void OpenOlder(const struct stat& older);
     [[nodiscard]] bool TryTemporary(mode_t permissions);
