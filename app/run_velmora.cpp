@@ -67,6 +67,7 @@ void RunStages(CONTROLLER_IFC& controller, const VERSION_RECORD& version, RUN_RE
     SIMULATION_STATE state(request, pools);
 
     report.Describe(state);
+    if (report.IsWanted() || Log().Takes(LOGGING_LEVEL::DEBUG)) state.products.WantValues();
     SetOutOfMemoryLine("out of memory in the phase simulation (stage B)");
     report.BeginStage("B");
     LogStage("B. PHASE SIMULATION ***************************************");

@@ -152,6 +152,10 @@ void PRODUCT_WRITER::WriteSlab(const SCENE& scene) {
     files_.BeginSynchronising();
 }
 
+void PRODUCT_WRITER::WantValues() {
+    for (const auto& file : files_.Files()) file->WantValues();
+}
+
 void PRODUCT_WRITER::Place() {
     for (const auto& file : files_.Files()) {
         const VALUE_STATISTICS& values = file->Values();

@@ -25,6 +25,9 @@ class PRODUCT_WRITER {
     /// Whether nobody sees rows that are written before stage C.
     [[nodiscard]] bool MayBeWrittenEarly() const { return files_.AreHiddenUntilPlaced(); }
 
+    /// To be called before anything is written: Place() and the run's report tell of values.
+    void WantValues();
+
     void WritePhase(const MASTER_GRIDS& grids);
     /// The phase of an image with a border, by the parallel copy kernel with its log lines.
     /// @param phase      the pixels of the grids
@@ -49,7 +52,7 @@ class PRODUCT_WRITER {
     /// Every product that is wanted, once it is written.
     [[nodiscard]] const PRODUCT_SET& Files() const { return files_; }
 
-    /// To the disk, and in the place of the older ones, after a line with the values of each.
+    /// To the disk, and in the place of the older ones, after a line at DEBUG with the values of each.
     /// @throws ERROR_CAN_NOT_WRITE_FILE
     void Place();
     /// The run has ended well: the older products go.

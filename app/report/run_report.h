@@ -27,6 +27,7 @@ class RUN_REPORT {
 
     /// Looks the key up; nothing else here does anything without it. The object must live until the process ends.
     void Begin(CONTROLLER_IFC& controller);
+    [[nodiscard]] bool IsWanted() const { return controller_ != nullptr; }
 
     /// "A", "B", "C"
     void BeginStage(const std::string& name);

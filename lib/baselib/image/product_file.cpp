@@ -195,7 +195,7 @@ void PRODUCT_FILE::LogCreation() const {
 }
 
 void PRODUCT_FILE::CountValues(long long rows, const void* pixels, std::size_t stride) {
-    if (pixel_type_ != PIXEL_TYPE::FLT_6) return;
+    if (!values_wanted_) return;
     VALUE_STATISTICS values;
     for (long long row = 0; row < rows; ++row) {
         const char* const from = static_cast<const char*>(pixels) + static_cast<std::size_t>(row) * stride;

@@ -76,7 +76,9 @@ class PRODUCT_FILE {
     /// @param stride  from row to row, in bytes
     void WriteSpacedRows(long long first_row, long long rows, const void* pixels, std::size_t stride);
 
-    /// Of the 32-bit reals in the rows written so far; no thread may be writing.
+    /// To be called before the first row: Values() will be asked.
+    void WantValues() { values_wanted_ = pixel_type_ == PIXEL_TYPE::FLT_6; }
+    /// Of the 32-bit reals in the rows written so far, if wanted; no thread may be writing.
     [[nodiscard]] const VALUE_STATISTICS& Values() const { return values_; }
 
     /// No more rows will come from a thread that has failed: those that wait for them fail, too.
@@ -114,6 +116,7 @@ class PRODUCT_FILE {
     std::string key_;
     std::string path_;
     PIXEL_TYPE pixel_type_;
+    bool values_wanted_ = false;
     RASTER_HEADER header_;
     long long row_bytes_;
     long long bytes_;

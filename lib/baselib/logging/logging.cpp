@@ -246,6 +246,11 @@ void LOGGING::SetFileThreshold(int level) {
     file_threshold_ = level;
 }
 
+bool LOGGING::Takes(LOGGING_LEVEL level) const {
+    const int number = static_cast<int>(level);
+    return number >= screen_threshold_ || number >= file_threshold_;
+}
+
 void LOGGING::SetLogFile(const std::string& file_name) {
     const std::lock_guard lock(mutex_);
     const bool is_present_name = file_name == file_name_;

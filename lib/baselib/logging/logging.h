@@ -84,6 +84,8 @@ class LOGGING {
     /// Thresholds are numbers because an unknown level name stands for 10, which silences an output entirely.
     void SetScreenThreshold(int level);
     void SetFileThreshold(int level);
+    /// Whether lines of this level go anywhere: what only such a line tells need not be computed else.
+    [[nodiscard]] bool Takes(LOGGING_LEVEL level) const;
 
     /// Moves the log to this file, which is appended to. What went into a temporary file so far is copied, and the
     /// temporary file removed. When the file cannot be opened (a named pipe that nobody reads is none), the screen says
