@@ -8,10 +8,12 @@
 namespace {
 
 std::atomic<const char*> line_of_step{"out of memory at the start of the run"};
-std::atomic_flag told;
+std::atomic<const char*> told{nullptr};
 
 [[noreturn]] void TellAndThrow() {
-    if (!told.test_and_set()) LOGGING::EmergencyLine(LOGGING_LEVEL::ALARM, line_of_step);
+    const char* nothing = nullptr;
+    const char* const line = line_of_step;
+    if (told.compare_exchange_strong(nothing, line)) LOGGING::EmergencyLine(LOGGING_LEVEL::ALARM, line);
     throw std::bad_alloc();
 }
 
@@ -23,4 +25,8 @@ void ReportOutOfMemory() noexcept {
 
 void SetOutOfMemoryLine(const char* line) noexcept {
     line_of_step = line;
+}
+
+const char* OutOfMemoryLine() noexcept {
+    return told;
 }

@@ -9,3 +9,6 @@ void ReportOutOfMemory() noexcept;
 
 /// @param line  "out of memory while ..."; it must live as long as the process
 void SetOutOfMemoryLine(const char* line) noexcept;
+
+/// The line that was logged; null while memory sufficed. Async-signal-safe.
+[[nodiscard]] const char* OutOfMemoryLine() noexcept;

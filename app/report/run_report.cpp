@@ -6,8 +6,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <deque>
+#include <string_view>
 
 #include "app/keys/control_key.h"
+#include "app/out_of_memory.h"
 #include "app/report/json_text.h"
 #include "app/report/report_file.h"
 #include "app/report/utc_text.h"
@@ -29,9 +31,25 @@ struct PREPARED {
 /// Never destroyed, and all that were published stay: a handler may be reading an earlier one.
 std::atomic<const PREPARED*> prepared{nullptr};
 
+/// The line of a lack of memory as a JSON string: it holds nothing that must be escaped, and there is no memory to do
+/// it.
+std::string_view QuotedMemoryLine(std::array<char, 200>& text) noexcept {
+    const char* const line = OutOfMemoryLine();
+    if (line == nullptr) return {};
+    const std::size_t length = std::min(std::strlen(line), text.size() - 2);
+    text[0] = '"';
+    std::memcpy(&text[1], line, length);
+    text[length + 1] = '"';
+    return {text.data(), length + 2};
+}
+
 void WriteFromHandler(int signal_number) noexcept {
     const PREPARED* const ready = prepared;
-    if (ready != nullptr) static_cast<void>(ready->file.Write(ready->document, {1, ready->last_errors[signal_number]}));
+    if (ready == nullptr) return;
+    std::array<char, 200> text;
+    const std::string_view memory_line = QuotedMemoryLine(text);
+    const std::string_view last_error = memory_line.empty() ? ready->last_errors[signal_number] : memory_line;
+    static_cast<void>(ready->file.Write(ready->document, {1, last_error}));
 }
 
 std::array<std::string, kSignalCount> LastErrors() {
@@ -65,8 +83,9 @@ std::optional<std::string> PathOf(const CONTROLLER_IFC& controller, const PRODUC
     return is_component ? LineOfSightPath(found->second.value, component) : found->second.value;
 }
 
-/// The last line that says more than that the program ended.
-std::string LastError() {
+/// A lack of memory; else the last line that says more than that the program ended.
+std::string LastError(int status) {
+    if (status != 0 && OutOfMemoryLine() != nullptr) return OutOfMemoryLine();
     for (std::vector<std::string> errors = Log().Tally().LastErrors(); !errors.empty(); errors.pop_back()) {
         if (!errors.back().starts_with("ORQ_MSG|")) return errors.back();
     }
@@ -220,7 +239,7 @@ void RUN_REPORT::Publish() const {
 
 void RUN_REPORT::WriteAtExit(int status) {
     clock_.Begin("");
-    const std::string last_error = LastError();
+    const std::string last_error = LastError(status);
     const std::string quoted = last_error.empty() ? "" : JsonString(last_error);
     const int error = REPORT_FILE(path_).Write(Document(), {status, quoted});
     if (error != 0)

@@ -87,6 +87,16 @@ def test_report_tells_how_a_run_ended(folder, spoil, status, error):
     assert not any(product["written"] for product in report["products"])
 
 
+@pytest.mark.skipif(velmora_run.SANITIZED, reason="a sanitizer needs more address space than the test leaves")
+def test_report_names_a_lack_of_memory(folder):
+    with open(folder / "master.pool", "a", encoding="ascii") as pool:
+        pool.write(("# " + 77 * "x" + "\n") * 500000)
+    done = subprocess.run(["sh", "-c", "ulimit -v 40000; exec %s -pcf scene.pcf -REPORT report.json" % BINARY], cwd=folder, check=False,
+                          env={"PATH": os.environ["PATH"], "PARALLEL": "1"}, stdin=subprocess.DEVNULL, capture_output=True, timeout=100)
+    assert (done.returncode, report_of(folder)["exit_status"]) == (1, 1)
+    assert report_of(folder)["last_error"] == "out of memory while the configuration, the pools and the DEM were read (stage A)"
+
+
 def test_report_of_a_signal(folder):
     edit_control_file(folder, REPORT="report.json")
     run = velmora_run.HELD_RUN(folder, {"PATH": os.environ["PATH"], "PARALLEL": "2"})
