@@ -205,6 +205,8 @@ TEST(BistaticSolution, ErrsInTimeWithTheSquareOfTheAperture) {
     const PAIR pair(f, 1.0, 1500.0);
     const MINIMUM truth = ShortestTravel(f, pair.Point(), pair.MiddleTime());
     const double time_s = pair.EquivalentTime(truth.receive_time_s, truth.travel_s);
+    EXPECT_NEAR(pair.Solve(0.9).time_s, time_s, 5e-7);
+    EXPECT_NEAR(pair.Solve(0.9).range_m, static_cast<double>(truth.travel_s * kC / 2), 1e-6);
     double previous_s = pair.Solve(4.0).time_s - time_s;
     for (const double aperture_s : {2.0, 1.0, 0.5}) {
         const double error_s = pair.Solve(aperture_s).time_s - time_s;
