@@ -11,6 +11,7 @@
 namespace {
 
 constexpr int kNodes = 32;
+constexpr int kTurn = 4 * kNodes;                  ///< a turn in steps of the nodes' angles
 using SERIES = std::array<EXTENDED_REAL, kNodes>;  ///< coefficients of T_0 .. T_31 on -1..1
 
 /// What may be dropped from the end of a series, and how far a compiled value may be from the orbit's own beside the
@@ -45,14 +46,14 @@ EXTENDED_REAL CosineOfStep() {
 /// cos(k pi (j + 1/2) / 32) depends on k (2 j + 1) modulo 128 only; cos((i + 1) a) = 2 cos(a) cos(i a) - cos((i - 1)
 /// a).
 const EXTENDED_REAL& CosineOf(int k, int j) {
-    static const std::array<EXTENDED_REAL, 4 * kNodes> table = [] {
-        std::array<EXTENDED_REAL, 4 * kNodes> cosines{};
+    static const std::array<EXTENDED_REAL, kTurn> table = [] {
+        std::array<EXTENDED_REAL, kTurn> cosines{};
         cosines[0] = 1.0;
         cosines[1] = CosineOfStep();
-        for (int i = 2; i < 4 * kNodes; ++i) cosines[i] = 2.0 * cosines[1] * cosines[i - 1] - cosines[i - 2];
+        for (int i = 2; i < kTurn; ++i) cosines[i] = 2.0 * cosines[1] * cosines[i - 1] - cosines[i - 2];
         return cosines;
     }();
-    return table[k * (2 * j + 1) % (4 * kNodes)];
+    return table[k * (2 * j + 1) % kTurn];
 }
 
 /// Chebyshev series through the samples at the nodes cos(pi (j + 1/2) / 32).
