@@ -66,7 +66,8 @@ void EVERETT_CORE::Create(const SUPPORT_POINTS& points) {
     for (const double difference : differences_) magnitude = std::max(magnitude, std::fabs(difference));
     const double half = (points.x.back() - first_x_) / 2;
     // In steps, p stays below count (1 + |x - centre| / half): hence half a step as the half width.
-    reach_.Set(first_x_ + half, step_ / 2, order_ + 1, magnitude * (order_ / 2 + 1));
+    const int terms = order_ / 2 + 1;
+    reach_.Set(first_x_ + half, step_ / 2, order_ + 1, magnitude * terms);
     reach_.radius = std::max(reach_.radius, 2 * half);
 }
 
