@@ -24,6 +24,7 @@
 #include "lib/baselib/image/mapped_file.h"
 #include "lib/baselib/image/unfinished_files.h"
 #include "lib/baselib/logging/logging.h"
+#include "lib/baselib/pool/pool_replacement.h"
 #include "lib/baselib/vectors/vector_level.h"
 
 namespace {
@@ -94,6 +95,12 @@ void WriteFooter() {
     }
 }
 
+/// For the handler of a fatal signal.
+void CleanUp() noexcept {
+    UndoUnfinishedFiles();
+    RemoveUnmarkedTemporaries();
+}
+
 void LogReason(const std::string& reason) {
     Log() << LOGGING_LEVEL::ALARM << reason << "\n";
 }
@@ -102,7 +109,7 @@ void LogReason(const std::string& reason) {
 
 void RunVelmora(int argc, char** argv) {
     ReportOutOfMemory();
-    SetFatalSignalHelp({BusErrorText, UndoUnfinishedFiles});
+    SetFatalSignalHelp({BusErrorText, CleanUp});
     CONTROLLER_IFC controller;
     RUN_REPORT report;  // read while the process ends: what calls exit() leaves this frame as it is
     controller.SetKnownKeys(ControlKeyNames());

@@ -2,6 +2,7 @@
 
 import os
 import re
+import shutil
 import signal
 import subprocess
 
@@ -238,3 +239,21 @@ def test_a_history_that_can_not_be_written_ends_the_run_before_the_simulation(sm
     assert run.status == 1 and run.lines("ALARM")[-2:] == [reasons[1], last], run.explanation()
     assert any(reasons[0] in line for line in run.lines("ALARM"))
     assert pool_bytes(small) == before
+
+
+def test_eight_runs_share_one_pool(fresh_scene):
+    """Each reads its image from the pool and enters itself there, three times: no entry is lost, no half pool is read."""
+    runs, rounds = 8, 3
+    folders = [fresh_scene(name="run%d" % i, **SMALL)[1] for i in range(runs)]
+    shared = folders[0].parent / "shared.pool"
+    shutil.copy(folders[0] / "insar.pool", shared)
+    succeed(fresh_scene(name="alone", **SMALL)[1])
+    for _ in range(rounds):
+        processes = [subprocess.Popen([velmora_run.BINARY, "-pcf", "scene.pcf", "-pid", "job%d" % i, "-INSAR_POOL", str(shared), "-log_pp", str(shared)],
+                                      cwd=folder, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL) for i, folder in enumerate(folders)]
+        assert [process.wait(timeout=velmora_run.RUN_LIMIT_S) for process in processes] == [0] * runs
+    assert sorted(pool_file.read(shared)["software_names"]) == ["job%d" % i for i in range(runs)]
+    for folder in folders:
+        for product in folder.glob("*.ras"):
+            assert product.read_bytes() == (folder.parent / "alone" / product.name).read_bytes(), product
+    assert not list(shared.parent.glob("pool_*"))

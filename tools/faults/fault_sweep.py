@@ -97,7 +97,7 @@ def ends_in_time(case):
 def status_is_known(case):
     """Before main() there is no log yet, and nobody to handle a failed allocation; before the controller is there, 255."""
     before_main = case.status in (-signal.SIGABRT, -(case.number or 0)) and " : global : " not in case.log
-    at_the_start = case.status == 255 and "at the start of the run" in case.log
+    at_the_start = case.status == 255 and ("at the start of the run" in case.log or case.number is not None)
     return case.status in (0, 1) or case.killed() or before_main or at_the_start
 
 
@@ -180,6 +180,14 @@ def next_run_from(case):
     return again.returncode == 0 and whole and not left
 
 
+def signal_leaves_no_temporary(case):
+    left = [path.name for path in case.folder.iterdir() if path.name.startswith(("pool_", ".velmora_"))]
+    signalled = case.number is not None and case.status == 1
+    if signalled and left:
+        case.name += " " + " ".join(left)
+    return not (signalled and left)
+
+
 def poor_file_system_is_told(case):
     return not case.name.startswith("poor") or \
         case.status == 0 and any(text in case.log for text in ("no locks for pools", "can not be changed", "can not be flushed"))
@@ -193,6 +201,7 @@ EXPECTATIONS = [
     ("a failure has a cause in the log", failure_has_a_cause),
     ("no memory: said so", memory_is_named),
     ("a signal is named", signal_is_named),
+    ("a signal leaves no temporary", signal_leaves_no_temporary),
     ("a poor file system costs a WARNING", poor_file_system_is_told),
     ("each product old or complete", no_false_product),
     ("status 1: every older product is there", older_products_kept),

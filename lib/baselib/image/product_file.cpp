@@ -15,6 +15,7 @@
 
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/errors/log_and_throw.h"
+#include "lib/baselib/image/blocked_signals.h"
 #include "lib/baselib/image/left_over_files.h"
 #include "lib/baselib/image/output_path.h"
 #include "lib/baselib/image/raster_output.h"
@@ -132,10 +133,8 @@ void PRODUCT_FILE::OpenOlder(const struct stat& older) {
     fcntl(file_.Get(), F_SETFL, fcntl(file_.Get(), F_GETFL) & ~O_NONBLOCK);
 }
 
-/// @return whether it is there; else errno tells why not
-bool PRODUCT_FILE::TryTemporary(mode_t permissions) {
-    const FOLDER_AND_NAME target(names_.target);
-    RemoveLeftOvers(target);
+bool PRODUCT_FILE::MakeAndRemember(const FOLDER_AND_NAME& target, mode_t permissions) {
+    const BLOCKED_SIGNALS both_or_neither;
     std::string path;
     lock_.Reset(MakeTemporary(target, permissions, path));
     if (lock_.Get() < 0) return false;
@@ -146,7 +145,15 @@ bool PRODUCT_FILE::TryTemporary(mode_t permissions) {
     names_.backup = path + ".old";
     names_.temporary = path;
     RememberUnfinished(names_);
-    file_.Reset(OpenFile(path, O_WRONLY | O_CLOEXEC));
+    return true;
+}
+
+/// @return whether it is there; else errno tells why not
+bool PRODUCT_FILE::TryTemporary(mode_t permissions) {
+    const FOLDER_AND_NAME target(names_.target);
+    RemoveLeftOvers(target);
+    if (!MakeAndRemember(target, permissions)) return false;
+    file_.Reset(OpenFile(names_.temporary, O_WRONLY | O_CLOEXEC));
     if (file_.Get() < 0) RefuseToCreate(errno);
     return true;
 }

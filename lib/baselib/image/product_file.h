@@ -33,6 +33,8 @@ struct PRODUCT_REQUEST {
     PIXEL_TYPE pixel_type = PIXEL_TYPE::FLT_6;
 };
 
+struct FOLDER_AND_NAME;
+
 class PRODUCT_FILE {
   public:
     /// Opens what is to be written and changes nothing that a user can see but the temporary's name.
@@ -104,6 +106,7 @@ class PRODUCT_FILE {
     void CountValues(long long rows, const void* pixels, std::size_t stride);
     void Open(mode_t permissions);
     void OpenOlder(const struct stat& older);
+    [[nodiscard]] bool MakeAndRemember(const FOLDER_AND_NAME& target, mode_t permissions);
     [[nodiscard]] bool TryTemporary(mode_t permissions);
     void KeepOwnerAndPermissions(const struct stat& older);
     void Write(const void* data, long long bytes, long long offset);

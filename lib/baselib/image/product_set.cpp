@@ -1,12 +1,10 @@
 #include "lib/baselib/image/product_set.h"
 
 #include <fcntl.h>
-#include <pthread.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <csignal>
 #include <cstring>
 #include <map>
 #include <set>
@@ -14,25 +12,10 @@
 
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/errors/log_and_throw.h"
+#include "lib/baselib/image/blocked_signals.h"
 #include "lib/baselib/logging/logging.h"
 
 namespace {
-
-/// Renaming takes microseconds: a signal waits that long, and finds all products new or all of them old.
-class BLOCKED_SIGNALS {
-  public:
-    BLOCKED_SIGNALS() {
-        sigset_t all;
-        sigfillset(&all);
-        pthread_sigmask(SIG_BLOCK, &all, &before_);
-    }
-    BLOCKED_SIGNALS(const BLOCKED_SIGNALS&) = delete;
-    BLOCKED_SIGNALS& operator=(const BLOCKED_SIGNALS&) = delete;
-    ~BLOCKED_SIGNALS() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-
-  private:
-    sigset_t before_{};
-};
 
 /// @return 0 or the errno value
 int SynchroniseFolder(const std::string& folder) {

@@ -5,6 +5,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
+#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -71,12 +73,29 @@ int Uninterrupted(CALL call) {
     return result;
 }
 
+/// The names of temporaries that hold nothing but copies. Two pools with their old contents need four places.
+std::array<std::atomic<const char*>, 8> unmarked{};
+static_assert(std::atomic<const char*>::is_always_lock_free);
+
+void Exchange(const char* present, const char* next) noexcept {
+    for (auto& place : unmarked) {
+        const char* expected = present;
+        if (place.compare_exchange_strong(expected, next)) return;
+    }
+}
+
 }  // namespace
+
+void RemoveUnmarkedTemporaries() noexcept {
+    for (const auto& place : unmarked)
+        if (const char* const name = place) unlink(name);
+}
 
 POOL_REPLACEMENT::POOL_REPLACEMENT(const POOL_FILE& pool, std::string content)
     : pool_(pool), content_(std::move(content)), temporary_name_(pool.Directory() + "/pool_XXXXXX") {}
 
 POOL_REPLACEMENT::~POOL_REPLACEMENT() {
+    Exchange(temporary_name_.c_str(), nullptr);
     if (temporary_ >= 0) close(temporary_);
 }
 
@@ -93,13 +112,15 @@ void POOL_REPLACEMENT::Prepare() {
     LogAlarm("the corrupted parameter pool is:",
              temporary_ >= 0 ? temporary_name_ : " none, no file can be made in " + pool_.Directory());
     LogAlarm("the original parameter pool is NOT CHANGED !!");
+    Exchange(temporary_name_.c_str(), nullptr);
     temporary_name_.clear();  // the file stays
     throw CORRUPTED_PARAMETER_POOL();
 }
 
 void POOL_REPLACEMENT::CreateTemporary() {
+    Exchange(nullptr, temporary_name_.c_str());  // before it is there: the name is filled in place
     do {
-        temporary_name_ = pool_.Directory() + "/pool_XXXXXX";
+        temporary_name_.replace(temporary_name_.size() - 6, 6, "XXXXXX");
         temporary_ = mkostemp(temporary_name_.data(), O_CLOEXEC);
     } while (temporary_ < 0 && errno == EINTR);
     Require(temporary_ >= 0, "creating the temporary file");
@@ -135,6 +156,7 @@ void POOL_REPLACEMENT::ReadBack() {
 }
 
 void POOL_REPLACEMENT::MarkComplete() {
+    Exchange(temporary_name_.c_str(), nullptr);
     if (fchmod(temporary_, 0400) == 0)
         return Require(Uninterrupted([this] { return fsync(temporary_); }) == 0, "flushing the mode");
     Require(IsMissingFeature(errno), "changing the mode");
@@ -161,6 +183,7 @@ void POOL_REPLACEMENT::CopyIntoPool() {
 }
 
 void POOL_REPLACEMENT::LeaveToRecovery() {
+    Exchange(temporary_name_.c_str(), nullptr);
     std::string name;
     name.swap(temporary_name_);  // the file stays
     const bool marked = fchmod(temporary_, 0400) == 0;
@@ -174,5 +197,6 @@ void POOL_REPLACEMENT::Remove() {
     if (Uninterrupted([this] { return unlink(temporary_name_.c_str()); }) != 0 && errno != ENOENT)
         Log().Message(LOGGING_LEVEL::WARNING, "temporary file %s of pool %s can not be removed: %s",
                       temporary_name_.c_str(), pool_.Name().c_str(), std::strerror(errno));
+    Exchange(temporary_name_.c_str(), nullptr);
     temporary_name_.clear();
 }

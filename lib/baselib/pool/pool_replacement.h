@@ -49,3 +49,6 @@ class POOL_REPLACEMENT {
     int temporary_ = -1;          ///< descriptor that holds the temporary's lock to the end
     bool has_touched_pool_ = false;
 };
+
+/// For the handler of a fatal signal: removes the temporaries whose pools are still as they were. Async-signal-safe.
+void RemoveUnmarkedTemporaries() noexcept;
