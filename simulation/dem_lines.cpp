@@ -74,15 +74,22 @@ struct HEIGHTS {
 };
 
 HEIGHTS HeightsOf(const DEM_GRID& dem, const DEM_RANGE& block) {
-    short lowest = std::numeric_limits<short>::max();
-    short highest = std::numeric_limits<short>::min();
-    for (int row = block.first_row; row <= block.last_row; ++row) {
-        const short* const heights = dem.heights[row];
-        const auto [low, high] = std::minmax_element(heights + block.first_column, heights + block.last_column + 1);
-        lowest = std::min(lowest, *low);
-        highest = std::max(highest, *high);
-    }
-    return {lowest + dem.height_offset_m, highest + dem.height_offset_m};
+    float lowest_m = std::numeric_limits<float>::max();
+    float highest_m = std::numeric_limits<float>::lowest();
+    const auto look_at = [&](const auto& heights) {
+        for (int row = block.first_row; row <= block.last_row; ++row) {
+            for (int column = block.first_column; column <= block.last_column; ++column) {
+                const float height_m = HeightOf(heights[row][column]);
+                lowest_m = std::min(lowest_m, height_m);
+                highest_m = std::max(highest_m, height_m);
+            }
+        }
+    };
+    if (dem.real_heights)
+        look_at(dem.real_heights);
+    else
+        look_at(dem.heights);
+    return {lowest_m + dem.height_offset_m, highest_m + dem.height_offset_m};
 }
 
 COMPILED_ORBIT Compiled(const ACQUISITION_SCENE& master) {

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstdio>
 
+#include "view/flag_colours.h"
+
 namespace {
 
 constexpr COLOUR kWhite{255, 255, 255};
@@ -63,6 +65,18 @@ void DrawScale(CANVAS& canvas, const LEGEND_PLACE& place, const VALUE_RANGE& ran
     }
 }
 
+/// Swatches with their names, in the place of the bar.
+void DrawClasses(CANVAS& canvas, const LEGEND_PLACE& place) {
+    const int row = place.row + kMargin + kTextRows + kMargin;
+    int column = kMargin;
+    for (const FLAG_CLASS& entry : FlagClasses()) {
+        canvas.Fill(column, row, kBarRows, kBarRows, kBlack);
+        canvas.Fill(column + 1, row + 1, kBarRows - 2, kBarRows - 2, entry.colour);
+        canvas.Write(column + kBarRows + 4, row, entry.name, kBlack);
+        column += kBarRows + TextColumns(entry.name) + 2 * kMargin;
+    }
+}
+
 /// At the right end of the title's line, where pixels without a value are in the picture.
 void DrawGreyNote(CANVAS& canvas, const LEGEND_PLACE& place) {
     const std::string text = "no value";
@@ -74,13 +88,16 @@ void DrawGreyNote(CANVAS& canvas, const LEGEND_PLACE& place) {
 }  // namespace
 
 AVERAGE AverageFor(const PRODUCT_KIND* kind) {
-    return kind != nullptr && kind->product == PRODUCT::SIMU_PHASE ? AVERAGE::PHASE : AVERAGE::MEAN;
+    if (kind == nullptr) return AVERAGE::MEAN;
+    if (kind->product == PRODUCT::LAYOVER_SHADOW) return AVERAGE::BITS;
+    return kind->product == PRODUCT::SIMU_PHASE ? AVERAGE::PHASE : AVERAGE::MEAN;
 }
 
 CANVAS DrawPicture(const RASTER_FILE& raster, const PRODUCT_KIND* kind, int longest, std::optional<double> invalid) {
     const VALUE_GRID grid = AverageDown(raster, FactorFor(raster, longest), AverageFor(kind), invalid);
     const COLOURING colouring = ColouringFor(kind, raster.PixelType(), grid);
-    const std::vector<COLOUR> colours = Colours(grid, colouring);
+    const bool has_classes = AverageFor(kind) == AVERAGE::BITS;
+    const std::vector<COLOUR> colours = has_classes ? FlagColours(grid) : Colours(grid, colouring);
 
     CANVAS canvas(std::max(grid.columns, kShortestLongestSide), grid.rows + kLegendRows, kWhite);
     for (int row = 0; row < grid.rows; ++row) {
@@ -89,8 +106,12 @@ CANVAS DrawPicture(const RASTER_FILE& raster, const PRODUCT_KIND* kind, int long
     }
     const LEGEND_PLACE place{grid.rows, canvas.Columns()};
     canvas.Write(kMargin, place.row + kMargin, Title(kind), kBlack);
-    DrawBar(canvas, place, colouring);
-    DrawScale(canvas, place, colouring.range, kind == nullptr ? "" : " " + std::string(kind->unit));
+    if (has_classes) {
+        DrawClasses(canvas, place);
+    } else {
+        DrawBar(canvas, place, colouring);
+        DrawScale(canvas, place, colouring.range, kind == nullptr ? "" : " " + std::string(kind->unit));
+    }
     if (std::ranges::any_of(grid.values, [](float value) { return std::isnan(value); })) DrawGreyNote(canvas, place);
     return canvas;
 }

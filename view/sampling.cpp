@@ -15,6 +15,7 @@ int Factor(PARAMETER_POOL& pool, const char* key) {
 SAMPLING SamplingOf(PRODUCT product, PARAMETER_POOL& insar_pool) {
     switch (product) {
         case PRODUCT::SIMU_PHASE:
+        case PRODUCT::LAYOVER_SHADOW:
             return {};
         case PRODUCT::RG_COREG:
         case PRODUCT::AZ_COREG:

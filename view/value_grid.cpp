@@ -45,9 +45,25 @@ void AddPhases(const std::vector<double>& values, int factor, BLOCK_SUMS& sums) 
     }
 }
 
+void AddBits(const std::vector<double>& values, int factor, BLOCK_SUMS& sums) {
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        if (std::isnan(values[i])) continue;
+        const std::size_t block = i / static_cast<std::size_t>(factor);
+        const auto bits = static_cast<unsigned>(std::clamp(values[i], 0.0, 255.0));
+        sums.count[block] = 1;
+        sums.first[block] = static_cast<double>(static_cast<unsigned>(sums.first[block]) | bits);
+    }
+}
+
+void Add(AVERAGE average, const std::vector<double>& values, int factor, BLOCK_SUMS& sums) {
+    if (average == AVERAGE::PHASE) return AddPhases(values, factor, sums);
+    if (average == AVERAGE::BITS) return AddBits(values, factor, sums);
+    AddValues(values, factor, sums);
+}
+
 float ValueOfBlock(const BLOCK_SUMS& sums, std::size_t block, AVERAGE average) {
     if (sums.count[block] == 0) return kNoValue;
-    if (average == AVERAGE::MEAN) return static_cast<float>(sums.first[block] / sums.count[block]);
+    if (average != AVERAGE::PHASE) return static_cast<float>(sums.first[block] / sums.count[block]);
     const double angle = std::atan2(sums.second[block], sums.first[block]);
     return static_cast<float>(angle < 0.0 ? angle + 2.0 * std::numbers::pi : angle);
 }
@@ -85,7 +101,7 @@ class AVERAGER {
         for (long long line = first; line < end; ++line) {
             raster_.ReadRow(line, values);
             if (invalid_) std::ranges::replace(values, *invalid_, std::numeric_limits<double>::quiet_NaN());
-            average_ == AVERAGE::PHASE ? AddPhases(values, factor_, sums) : AddValues(values, factor_, sums);
+            Add(average_, values, factor_, sums);
         }
         float* const to = grid_.values.data() + static_cast<std::size_t>(row) * grid_.columns;
         for (int block = 0; block < grid_.columns; ++block) to[block] = ValueOfBlock(sums, block, average_);

@@ -19,8 +19,9 @@ struct VALUE_GRID {
 };
 
 enum class AVERAGE {
-    MEAN,  ///< of the values that are there
-    PHASE  ///< angle of the mean of exp(i phase), 0..2 pi: fringes do not smear where the phase wraps
+    MEAN,   ///< of the values that are there
+    PHASE,  ///< angle of the mean of exp(i phase), 0..2 pi: fringes do not smear where the phase wraps
+    BITS    ///< all bits of whole numbers 0..255: what is there in any pixel stays to be seen
 };
 
 /// Blocks of factor x factor pixels become one, those at the far edges from what is left of them.

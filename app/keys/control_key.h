@@ -63,6 +63,8 @@ inline constexpr CONTROL_KEY_ROW kControlKeys[] = {
     {"Y_EARTH", KEY_NEED::OPTIONAL, "path", "", kAnything, "not written", "", "Earth-fixed y of each pixel"},
     {"Z_EARTH", KEY_NEED::OPTIONAL, "path", "", kAnything, "not written", "", "Earth-fixed z of each pixel"},
     {"H_EARTH", KEY_NEED::OPTIONAL, "path", "", kAnything, "not written", "", "elevation in radar geometry"},
+    {"LAYOVER_SHADOW", KEY_NEED::OPTIONAL, "path", "", kAnything, "not written", "",
+     "one byte per pixel of the master: layover, shadow, for the master and for the slave"},
     {"INCIDENCE", KEY_NEED::OPTIONAL, "path", "", kAnything, "not written", "",
      "angle between the line of sight and the ellipsoid's normal"},
     {"LOCAL_INCIDENCE", KEY_NEED::OPTIONAL, "path", "", kAnything, "not written", "",

@@ -41,14 +41,17 @@ bool FindRoom(const std::string& target, dev_t& device, long long& there) {
 }  // namespace
 
 long long PRODUCT_TO_COME::Bytes() const {
-    return kRasterHeaderBytes +
-           static_cast<long long>(size.samples) * size.lines * static_cast<long long>(sizeof(float));
+    return kRasterHeaderBytes + static_cast<long long>(size.samples) * size.lines * pixel_bytes;
 }
 
 std::vector<PRODUCT_TO_COME> ProductsToCome(const REQUEST& request, const IMAGE_SIZE& image,
                                             const OUTPUT_SIZES& sizes) {
     std::vector<PRODUCT_TO_COME> products;
     for (const SOURCED_TEXT& file : request.ProductFiles()) {
+        if (file.text == request.layover_shadow_file.text) {
+            products.push_back({file, image, 1});
+            continue;
+        }
         const bool is_phase = file.text == request.phase.file.text;
         const bool is_shift =
             file.text == request.shifts.range_file.text || file.text == request.shifts.azimuth_file.text;

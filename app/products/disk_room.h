@@ -12,6 +12,7 @@
 struct PRODUCT_TO_COME {
     SOURCED_TEXT file;
     IMAGE_SIZE size;
+    int pixel_bytes = 4;
 
     [[nodiscard]] long long Bytes() const;
 };

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "app/say.h"
+#include "app/terrain/terrain_bounds.h"
 #include "simulation/dem2phase.h"
 #include "simulation/perturbation_file.h"
 
@@ -122,6 +123,15 @@ void SaveViews(SIMULATION_STATE& state, const SCENE& in_memory) {
     state.products.Views().Write(in_memory);
 }
 
+/// Of the whole image, slabs or not.
+void SaveFlags(SIMULATION_STATE& state) {
+    if (!state.request.WantsLayoverShadow()) return;
+    Say(" 6. Output of layover and shadow");
+    Say("    save: %s", state.request.layover_shadow_file.Text());
+    const auto terrain = [](double height_m) { return std::clamp(height_m, kLowestTerrain_m, kHighestTerrain_m); };
+    state.products.Flags().Write(state.scene, terrain(state.survey.highest_m) - terrain(state.survey.lowest_m));
+}
+
 }  // namespace
 
 SIMULATED_IMAGE SimulateImage(SIMULATION_STATE& state) {
@@ -139,5 +149,6 @@ void SaveProducts(SIMULATION_STATE& state, const SIMULATED_IMAGE& image, PARAMET
     SaveHeight(state, image.in_memory.earth);
     SaveEarth(state, image.in_memory.earth, insar_pool);
     SaveViews(state, image.in_memory);
+    SaveFlags(state);
     state.products.Place();
 }

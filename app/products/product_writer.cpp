@@ -55,7 +55,8 @@ PRODUCT_WRITER::PRODUCT_WRITER(const REQUEST& request, const IMAGE_SIZE& image, 
       height_(Add(request.earth.height_file, sizes.earth)),
       earth_{Add(request.earth.x_file, sizes.earth), Add(request.earth.y_file, sizes.earth),
              Add(request.earth.z_file, sizes.earth)},
-      views_(files_, request.views, sizes.earth, geometry) {
+      views_(files_, request.views, sizes.earth, geometry),
+      flags_(files_, request.layover_shadow_file, image) {
     files_.ReserveRoom();
 }
 

@@ -9,6 +9,7 @@
 #include <array>
 
 #include "app/acquisition/acquisitions.h"
+#include "app/products/flag_product.h"
 #include "app/products/view_products.h"
 #include "app/request/request.h"
 #include "app/scene/output_sizes.h"
@@ -41,6 +42,7 @@ class PRODUCT_WRITER {
     void WriteEarth(const EARTH_GRIDS& grids, int axis);
 
     [[nodiscard]] const VIEW_PRODUCTS& Views() const { return views_; }
+    [[nodiscard]] const FLAG_PRODUCT& Flags() const { return flags_; }
 
     /// All products that are wanted, silently, on ThreadCount() threads.
     void WriteSlab(const SCENE& scene);
@@ -76,4 +78,5 @@ class PRODUCT_WRITER {
     std::array<PRODUCT_FILE*, 3> earth_;  ///< x, y, z
     std::array<double, 3> earth_offsets_m_{};
     VIEW_PRODUCTS views_;
+    FLAG_PRODUCT flags_;
 };

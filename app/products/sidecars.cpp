@@ -29,12 +29,12 @@ bool IsOurs(const std::string& content) {
 
 std::string TextFor(const SOURCED_TEXT& product, const PRODUCT_KIND& kind, bool relative_shifts) {
     MEM_MGR image;
-    image.MapFile(product.text, ACCESS_MODE::READ_ONLY, PIXEL_TYPE::FLT_6);
+    image.MapFile(product.text, ACCESS_MODE::READ_ONLY, kind.pixel_type);
     const bool is_shift = kind.product == PRODUCT::RG_COREG || kind.product == PRODUCT::AZ_COREG;
     std::string description = kind.description;
     if (is_shift && relative_shifts) description.replace(0, std::strlen("position in slave"), "shift towards slave");
     return VrtText({fs::path(product.text).filename().string(), image.Columns(), image.Rows(), image.HeaderSize(),
-                    PIXEL_TYPE::FLT_6, description, kind.unit, kind.key, std::nullopt});
+                    kind.pixel_type, description, kind.unit, kind.key, std::nullopt});
 }
 
 void Warn(const std::string& path, const char* reason) {

@@ -112,6 +112,7 @@ REQUEST ReadKeys(CONTROLLER_IFC& controller, RUN_POOLS& pools) {
     request.factors.geocoding = ReadGeocodingSubsampling(pools.insar);
     request.extension = ExtensionOf(request.factors);
     request.views = ReadViewKeys(controller);
+    request.layover_shadow_file = ReadProduct(controller, "LAYOVER_SHADOW").value_or(SOURCED_TEXT{});
     request.memory_limit_mib = ReadMemoryLimit(controller);
     request.sidecars = IsGiven(controller, "VRT_SIDECARS");
     request.report = OptionalText(controller, "REPORT").value_or(SOURCED_TEXT{});
@@ -137,6 +138,7 @@ std::vector<SOURCED_TEXT> REQUEST::ProductFiles() const {
     std::vector<SOURCED_TEXT> files = GivenOnes({phase.file, shifts.range_file, shifts.azimuth_file, earth.x_file,
                                                  earth.y_file, earth.z_file, earth.height_file});
     for (const SOURCED_TEXT& file : ViewFiles()) files.push_back(file);
+    if (WantsLayoverShadow()) files.push_back(layover_shadow_file);
     return files;
 }
 

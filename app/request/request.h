@@ -67,6 +67,7 @@ struct REQUEST {
     SHIFT_REQUEST shifts;
     EARTH_REQUEST earth;
     VIEW_REQUEST views;
+    SOURCED_TEXT layover_shadow_file;
     bool sidecars = false;
     SOURCED_TEXT report;      ///< may be empty
     bool only_looks = false;  ///< no product is opened
@@ -80,6 +81,7 @@ struct REQUEST {
     [[nodiscard]] bool WantsHeight() const { return earth.height_file.Given(); }
     [[nodiscard]] bool WantsViews() const { return !ViewFiles().empty(); }
     [[nodiscard]] bool NeedsNormals() const { return views.local_incidence_file.Given(); }
+    [[nodiscard]] bool WantsLayoverShadow() const { return layover_shadow_file.Given(); }
     /// The grid of heights is there, for its own product or for the views that are made from it.
     [[nodiscard]] bool NeedsHeights() const { return WantsHeight() || WantsViews(); }
 

@@ -34,6 +34,10 @@ void SayProducts(const REQUEST& request) {
             Say("      - %s: %s", file.source.key.c_str(), file.Text());
         SaySubsampling(request.factors.earth);
     }
+    if (request.WantsLayoverShadow()) {
+        Say("   o. layover and shadow requested");
+        Say("      - layover shadow img: .. %s", request.layover_shadow_file.Text());
+    }
 }
 
 }  // namespace

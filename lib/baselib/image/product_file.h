@@ -79,7 +79,7 @@ class PRODUCT_FILE {
     void WriteSpacedRows(long long first_row, long long rows, const void* pixels, std::size_t stride);
 
     /// To be called before the first row: Values() will be asked.
-    void WantValues() { values_wanted_ = pixel_type_ == PIXEL_TYPE::FLT_6; }
+    void WantValues() { values_wanted_ = pixel_type_ == PIXEL_TYPE::FLT_6 || pixel_type_ == PIXEL_TYPE::U_INT_8; }
     /// Of the 32-bit reals in the rows written so far, if wanted; no thread may be writing.
     [[nodiscard]] const VALUE_STATISTICS& Values() const { return values_; }
 

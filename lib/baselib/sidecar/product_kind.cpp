@@ -19,6 +19,7 @@ constexpr PRODUCT_KIND kKinds[] = {
     {PRODUCT::LINE_OF_SIGHT_U, "LINE_OF_SIGHT_U", "line of sight, up", ""},
     {PRODUCT::PERPENDICULAR_BASELINE, "PERPENDICULAR_BASELINE", "perpendicular baseline", "m"},
     {PRODUCT::HEIGHT_OF_AMBIGUITY, "HEIGHT_OF_AMBIGUITY", "height of ambiguity", "m"},
+    {PRODUCT::LAYOVER_SHADOW, "LAYOVER_SHADOW", "layover and shadow", "", PIXEL_TYPE::U_INT_8},
 };
 
 }  // namespace

@@ -7,6 +7,8 @@
 #include <span>
 #include <string_view>
 
+#include "lib/baselib/image/pixel_type.h"
+
 enum class PRODUCT {
     SIMU_PHASE,
     RG_COREG,
@@ -21,7 +23,8 @@ enum class PRODUCT {
     LINE_OF_SIGHT_N,
     LINE_OF_SIGHT_U,
     PERPENDICULAR_BASELINE,
-    HEIGHT_OF_AMBIGUITY
+    HEIGHT_OF_AMBIGUITY,
+    LAYOVER_SHADOW
 };
 
 struct PRODUCT_KIND {
@@ -30,6 +33,7 @@ struct PRODUCT_KIND {
                       ///< _N and _U stand for the files that LINE_OF_SIGHT asks for
     const char* description;
     const char* unit;
+    PIXEL_TYPE pixel_type = PIXEL_TYPE::FLT_6;
 };
 
 /// In the order in which a run writes them.

@@ -1,0 +1,32 @@
+#include "app/products/flag_product.h"
+
+#include <vector>
+
+#include "simulation/layover_shadow.h"
+#include "simulation/thread_arg.h"
+#include "simulation/threads.h"
+
+FLAG_PRODUCT::FLAG_PRODUCT(PRODUCT_SET& files, const SOURCED_TEXT& file, const IMAGE_SIZE& image) : image_(image) {
+    if (file.Given()) file_ = &files.Add({file.source.key, file.text, image.samples, image.lines, PIXEL_TYPE::U_INT_8});
+}
+
+void FLAG_PRODUCT::Write(const SCENE& scene, double relief_m) const {
+    if (file_ == nullptr) return;
+    const LAYOVER_SHADOW flags(scene, image_.samples, image_.lines, relief_m);
+    const auto write = [&](THREAD_ARG* argument) {
+        const CONVERGENCE_REPORT report;
+        try {
+            std::vector<unsigned char> pixels(static_cast<std::size_t>(image_.samples) * LAYOVER_SHADOW::kLines);
+            for (std::uint32_t i = 0; i < argument->length; ++i) {
+                const auto piece = static_cast<int>(argument->start + i);
+                flags.Find(piece, pixels.data());
+                file_->WriteRows(static_cast<long long>(piece) * LAYOVER_SHADOW::kLines, flags.LinesOf(piece),
+                                 pixels.data());
+            }
+        } catch (...) {
+            file_->Abandon();  // others may wait for these rows
+            throw;
+        }
+    };
+    THREADS<THREAD_ARG, unsigned>(0, static_cast<unsigned>(flags.Pieces()), write, THREADS_LOG::SILENT).Run();
+}

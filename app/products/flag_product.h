@@ -1,0 +1,25 @@
+/// \file flag_product.h
+/// Layover and shadow: a product that needs none of the kernel's grids. It is made from the DEM and the orbits, piece
+/// by piece, by several threads.
+
+#pragma once
+
+#include "app/acquisition/acquisitions.h"
+#include "app/request/request.h"
+#include "lib/baselib/image/product_set.h"
+#include "simulation/scene.h"
+
+class FLAG_PRODUCT {
+  public:
+    /// Opens it, if it is wanted. @throws as PRODUCT_SET::Add
+    FLAG_PRODUCT(PRODUCT_SET& files, const SOURCED_TEXT& file, const IMAGE_SIZE& image);
+
+    /// The whole image.
+    /// @param relief_m  between the lowest and the highest terrain
+    /// @throws ERROR_CAN_NOT_WRITE_FILE or the text of a thread that failed
+    void Write(const SCENE& scene, double relief_m) const;
+
+  private:
+    IMAGE_SIZE image_;
+    PRODUCT_FILE* file_ = nullptr;
+};

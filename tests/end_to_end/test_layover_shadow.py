@@ -1,0 +1,151 @@
+"""Layover and shadow: against brute force over every sheet of every pixel, and against slopes of known answer."""
+
+import numpy as np
+import pytest
+
+import judge
+from scene_maker import raster
+from test_properties import BESSEL
+from velmora_run import edit_control_file, succeed
+
+SIZE = dict(samples=120, lines=40)
+LAYOVER, SHADOW, SLAVE_LAYOVER, SLAVE_SHADOW, NO_TERRAIN = 1, 2, 4, 8, 128
+KEYS = dict(LAYOVER_SHADOW="layover_shadow.ras")
+
+
+def flags_of(folder, *arguments, **options):
+    edit_control_file(folder, **KEYS)
+    return succeed(folder, *arguments, **options).product("LAYOVER_SHADOW")
+
+
+class PROFILES:
+    """Lines of the master across the columns (or rows) of the DEM, as docs/products.md defines them."""
+
+    def __init__(self, scene):
+        rows, columns = scene.heights.shape
+        row, column = np.mgrid[0:rows, 0:columns]
+        points = scene.grid.earth_point(column, row, scene.heights + scene.options.dem_correction_m)
+        seen = []
+        for acquisition in (scene.master, scene.slave):
+            time_s, range_m = judge.zero_doppler(acquisition.orbit, points, acquisition.first_azimuth_time_s)
+            sample, line = acquisition.pixel(time_s, range_m)
+            satellite = acquisition.orbit.state(time_s).position_m
+            down = -satellite / np.linalg.norm(satellite, axis=-1, keepdims=True)
+            look = np.arccos(np.sum((points - satellite) * down, axis=-1) / range_m)
+            seen += [line, sample, look]
+        self.line, *self.values = seen[:3] + seen[4:]  # range and look, of the master and of the slave
+        middle = np.array(self.line.shape) // 2
+        step_down, step_right = (abs(self.line[tuple(middle + step)] - self.line[tuple(middle)]) for step in ((1, 0), (0, 1)))
+        if step_down < step_right:
+            self.line, self.values = self.line.T, [value.T for value in self.values]
+
+    def of(self, line):
+        """Points of the line, outwards: master's pixel and look, slave's pixel and look."""
+        before = self.line <= line
+        points = []
+        for i in range(self.line.shape[1]):
+            (crossings,) = np.nonzero(before[:-1, i] != before[1:, i])
+            if len(crossings) == 0:
+                continue
+            j = crossings[0]
+            part = (line - self.line[j, i]) / (self.line[j + 1, i] - self.line[j, i])
+            points.append([value[j, i] + part * (value[j + 1, i] - value[j, i]) for value in self.values])
+        points = np.array(points)
+        return points if points[-1, 0] > points[0, 0] else points[::-1]
+
+
+def sheets(points, quantity, place):
+    """Segments that reach the place, and where on them it lies."""
+    a, b = points[:-1, quantity], points[1:, quantity]
+    (hits,) = np.nonzero((np.minimum(a, b) <= place) & (place < np.maximum(a, b)))
+    return [(k, (place - a[k]) / (b[k] - a[k])) for k in hits]
+
+
+def facing(points, first, hits):
+    return sum(points[k + 1, first + 1] > points[k, first + 1] for k, _ in hits)
+
+
+def brute_force(points, pixel):
+    hits = sheets(points, 0, pixel)
+    if not hits:
+        return NO_TERRAIN
+    flag = LAYOVER if facing(points, 0, hits) > 1 else 0
+    for first, bit in ((0, SHADOW), (2, SLAVE_SHADOW)):
+        looks = [points[k, first + 1] + u * (points[k + 1, first + 1] - points[k, first + 1]) for k, u in hits]
+        if all(look < np.max(points[:k + 1, first + 1]) for look, (k, _) in zip(looks, hits)):
+            flag |= bit
+    for k, u in hits:
+        slave_pixel = np.floor(points[k, 2] + u * (points[k + 1, 2] - points[k, 2]) + 0.5)
+        if facing(points, 2, sheets(points, 2, slave_pixel)) > 1:
+            flag |= SLAVE_LAYOVER
+    return flag
+
+
+ROUGH = dict(smoothness=1.5, low_m=0.0, high_m=2500.0, dem_margin_m=500.0)
+SCENES = {
+    "steep": dict(incidence_deg=20.0, **ROUGH),
+    "shallow, left, ascending": dict(incidence_deg=55.0, side="left", pass_direction="ascending", **ROUGH),
+    "south, UTM, Bessel": dict(incidence_deg=35.0, latitude_deg=-33.0, utm=True, **BESSEL, **ROUGH),
+    "single pass": dict(incidence_deg=50.0, single_pass=True, **ROUGH),
+    "long baseline": dict(incidence_deg=40.0, perpendicular_baseline_m=4000.0, seed=5, **ROUGH),
+    "lines along the columns, 85 north": dict(latitude_deg=85.0, incidence_deg=45.0, seed=3, **ROUGH),
+}
+
+
+@pytest.mark.parametrize("options", SCENES.values(), ids=SCENES)
+def test_every_pixel_is_what_brute_force_over_its_sheets_says(fresh_scene, options):
+    made, folder = fresh_scene(**{**SIZE, **options})
+    flags = flags_of(folder, parallel="2")
+    profiles = PROFILES(made)
+    seen = 0
+    for line in range(0, flags.shape[0], 3):
+        points = profiles.of(float(line))
+        for pixel in range(flags.shape[1]):
+            # At the edge of a sheet rounding decides.
+            answers = {brute_force(points, pixel + beside) for beside in (-0.02, 0.0, 0.02)}
+            assert flags[line, pixel] in answers, (line, pixel, answers)
+        seen |= int(np.bitwise_or.reduce(flags[line]))
+    assert seen & (LAYOVER | SLAVE_LAYOVER) == LAYOVER | SLAVE_LAYOVER or options["incidence_deg"] > 50.0
+    assert seen & (SHADOW | SLAVE_SHADOW) == SHADOW | SLAVE_SHADOW or options["incidence_deg"] < 30.0
+
+
+def ridges(made, slope_deg):
+    """Ridges and valleys along the DEM's columns: flanks of one slope to both sides."""
+    column = np.arange(made.grid.columns)
+    spacing_m = np.linalg.norm(made.grid.earth_point(1, made.grid.rows // 2, 0.0) - made.grid.earth_point(0, made.grid.rows // 2, 0.0))
+    wave = np.abs((column + 8) % 16 - 8) * spacing_m * np.tan(np.radians(slope_deg))
+    return np.broadcast_to(np.rint(wave), made.heights.shape)
+
+
+@pytest.mark.parametrize("incidence_deg, slope_deg, layover, shadow", [
+    (35.0, 26.0, False, False), (35.0, 44.0, True, False), (35.0, 65.0, True, True), (55.0, 44.0, False, True),
+    (55.0, 27.0, False, False), (25.0, 34.0, True, False)])
+def test_slopes_beyond_the_incidence_lay_over_and_those_beyond_its_complement_cast_shadow(fresh_scene, incidence_deg,
+                                                                                          slope_deg, layover, shadow):
+    made, folder = fresh_scene(samples=300, lines=30, incidence_deg=incidence_deg, latitude_deg=1.0, inclination_deg=90.0,
+                               terrain="flat", low_m=0.0)
+    raster.write_int16(folder / "dem.ras", ridges(made, slope_deg))
+    flags = flags_of(folder)
+    assert (bool(np.any(flags & LAYOVER)), bool(np.any(flags & SHADOW))) == (layover, shadow)
+    assert not np.any(flags & NO_TERRAIN)
+
+
+def test_level_ground_has_neither_and_a_pair_of_one_image_has_equal_flags(fresh_scene):
+    _, flat = fresh_scene("flat", **SIZE, terrain="flat", low_m=300.0)
+    assert not np.any(flags_of(flat))
+    _, same = fresh_scene("same", **SIZE, slave_is_master=True, incidence_deg=30.0, **ROUGH)
+    flags = flags_of(same)
+    assert np.array_equal(flags & LAYOVER != 0, flags & SLAVE_LAYOVER != 0)
+    assert np.array_equal(flags & SHADOW != 0, flags & SLAVE_SHADOW != 0)
+
+
+def test_flags_do_not_depend_on_the_way_there(fresh_scene):
+    products = set()
+    for name, arguments, options in (("plain", (), {}), ("threads", (), dict(parallel="5")),
+                                     ("slabs", ("-MEMORY_LIMIT", "1"), dict(parallel="2")),
+                                     ("vectors", (), dict(environment={"VELMORA_VECTORS": "plain"}))):
+        _, folder = fresh_scene(name, samples=400, lines=420, incidence_deg=30.0, shift_factors=(4, 3), **ROUGH)
+        flags = flags_of(folder, *arguments, **options)
+        assert flags.shape == (420, 400)
+        products.add(flags.tobytes())
+    assert len(products) == 1
