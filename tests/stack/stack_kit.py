@@ -134,7 +134,8 @@ class ENGINE:
     def read_until(self, number, text):
         """Lets the held run go on to this line of its screen. Each packet is one line."""
         while True:
-            assert select.select([self.pipes[number]], [], [], 600)[0], "nothing from run %d\n%s" % (number, self.log())
+            while not select.select([self.pipes[number]], [], [], 1.0)[0]:
+                assert self.started[-1].poll() is None, "nothing from run %d\n%s" % (number, self.log())
             line = os.read(self.pipes[number], 65536)
             assert line, "run %d ended before %r\n%s" % (number, text, self.log())
             if text in line:

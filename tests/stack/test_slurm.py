@@ -75,6 +75,9 @@ def slurm(tmp_path_factory, monkeypatch):
         yield folder
     finally:
         subprocess.run(["scancel", "--user=root"], capture_output=True, check=False)
+        until = time.monotonic() + 30
+        while subprocess.run(["squeue", "--noheader"], capture_output=True, check=False).stdout and time.monotonic() < until:
+            time.sleep(0.5)
         for daemon in reversed(daemons):
             daemon.terminate()
             daemon.wait(timeout=60)
