@@ -97,7 +97,10 @@ MEM_MGR& MEM_MGR::operator=(MEM_MGR&& other) noexcept {
 
 // A destructor does not throw: the error of a damaged pixel type becomes std::terminate here, by intention.
 MEM_MGR::~MEM_MGR() {
-    Free();
+    try {
+        Free();
+    } catch (const std::bad_alloc&) {  // of its lines in the log: no reason to end a run whose products are complete
+    }
 }
 
 void MEM_MGR::Allocate(long long first_column, long long first_row, long long last_column, long long last_row,

@@ -86,11 +86,21 @@ PARAMETER_POOL_LIST POOL_TRANSACTION::PendingOf(const POOL_FILE& file) const {
 void POOL_TRANSACTION::Commit() {
     PrepareAll();
     PARAMETER_POOL_READ_WRITE_CHANGE::CountUpdate();
-    for (const PART& part : parts_) part.update.Announce();
+    AnnounceAll();
     const SIGNALS_HELD_BACK held_back;
     CopyAll();
     RemoveAll();
     for (PARAMETER_POOL_READ_WRITE_CHANGE* pool : pools_) pool->pending_.Clear();
+}
+
+/// The last step that may fail for want of memory, with pools as they were.
+void POOL_TRANSACTION::AnnounceAll() {
+    try {
+        for (const PART& part : parts_) part.update.Announce();
+    } catch (...) {
+        RemoveAll();
+        throw;
+    }
 }
 
 void POOL_TRANSACTION::PrepareAll() {

@@ -44,6 +44,7 @@ class POOL_TRANSACTION {
 
     void LockAll();
     void PrepareAll();
+    void AnnounceAll();
     void CopyAll();
     void PutBackAll();
     static void LeaveToRecovery(PART& part) noexcept;
