@@ -25,8 +25,8 @@ def products(folder):
     return {name: (folder / (name + ".ras")).read_bytes() for name in PRODUCTS if (folder / (name + ".ras")).exists()}
 
 
-def good_products(folder):
-    run = velmora(folder)
+def good_products(folder, *arguments):
+    run = velmora(folder, *arguments)
     assert run.status == 0, run.explanation()
     made = products(folder)
     assert "simu_phase" in made and "h_earth" in made
@@ -50,6 +50,13 @@ def test_whole_metres_and_fractions_give_the_same_products_in_either_type(fresh_
     _, fraction = fresh_scene("fraction", **MOUNTAINS, **GRIDS[grid])
     make_real(fraction, made.heights.astype(np.float32) + np.float32(0.375))
     assert good_products(fraction) == good_products(lifted)
+
+
+def test_slabs_of_reals(fresh_scene):
+    made, folder = fresh_scene(samples=400, lines=300, shift_factors=(1, 1), earth_factors=(1, 1))
+    make_real(folder, made.heights.astype(np.float32))
+    whole = good_products(folder)
+    assert good_products(folder, "-MEMORY_LIMIT", "2") == whole
 
 
 @pytest.mark.parametrize("grid", GRIDS)

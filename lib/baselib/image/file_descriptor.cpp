@@ -73,6 +73,8 @@ int WriteWholeAt(int file_descriptor, const void* data, std::size_t bytes, off_t
 int WriteRowsWholeAt(int file_descriptor, const void* data, std::size_t row_bytes, std::size_t stride, long long rows,
                      off_t offset) {
     constexpr long long kRowsPerWrite = 256;
+    if (stride == row_bytes)
+        return WriteWholeAt(file_descriptor, data, static_cast<std::size_t>(rows) * row_bytes, offset);
     const auto row_at = [=](long long row) {
         return static_cast<char*>(const_cast<void*>(data)) + static_cast<std::size_t>(row) * stride;  // only read
     };

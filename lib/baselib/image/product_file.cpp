@@ -23,8 +23,9 @@
 
 namespace {
 
-/// One system call copies that much: far more than a call costs, and progress can be interrupted.
-constexpr long long kBytesPerWrite = 4 << 20;
+/// One system call copies that much: far more than a call costs, and what a core's second-level cache holds, where the
+/// values have just been looked at.
+constexpr long long kBytesPerWrite = 256 << 10;
 
 /// In a folder with the sticky bit only the owner of file or folder may put another file in the file's place, and in
 /// that of a file that is mounted nobody.
@@ -230,12 +231,9 @@ void PRODUCT_FILE::CountValues(long long rows, const void* pixels, std::size_t s
 }
 
 void PRODUCT_FILE::WriteRows(long long first_row, long long rows, const void* pixels) {
+    if (way_ != WAY::DIRECT) return WriteSpacedRows(first_row, rows, pixels, static_cast<std::size_t>(row_bytes_));
     CountValues(rows, pixels, static_cast<std::size_t>(row_bytes_));
     const long long bytes = rows * row_bytes_;
-    if (way_ != WAY::DIRECT) {
-        WriteHeader();
-        return Write(pixels, bytes, kRasterHeaderBytes + first_row * row_bytes_);
-    }
     std::unique_lock<std::mutex> lock(mutex_);
     turn_.wait(lock, [&] { return abandoned_ || next_row_ == first_row; });
     if (abandoned_) throw ERROR_CAN_NOT_WRITE_FILE();
@@ -253,11 +251,16 @@ void PRODUCT_FILE::WriteRows(long long first_row, long long rows, const void* pi
 }
 
 void PRODUCT_FILE::WriteSpacedRows(long long first_row, long long rows, const void* pixels, std::size_t stride) {
-    CountValues(rows, pixels, stride);
     WriteHeader();
-    const int error = WriteRowsWholeAt(file_.Get(), pixels, static_cast<std::size_t>(row_bytes_), stride, rows,
-                                       kRasterHeaderBytes + first_row * row_bytes_);
-    if (error != 0) FailWriting("MEM_MGR: unable to write into: ", error);
+    const long long rows_per_write = std::max(kBytesPerWrite / std::max(row_bytes_, 1LL), 1LL);
+    for (long long done = 0; done < rows; done += rows_per_write) {
+        const char* const from = static_cast<const char*>(pixels) + static_cast<std::size_t>(done) * stride;
+        const long long count = std::min(rows_per_write, rows - done);
+        CountValues(count, from, stride);
+        const int error = WriteRowsWholeAt(file_.Get(), from, static_cast<std::size_t>(row_bytes_), stride, count,
+                                           kRasterHeaderBytes + (first_row + done) * row_bytes_);
+        if (error != 0) FailWriting("MEM_MGR: unable to write into: ", error);
+    }
 }
 
 void PRODUCT_FILE::Abandon() {
@@ -277,14 +280,6 @@ void PRODUCT_FILE::WriteHeader() {
     const int error = way_ == WAY::DIRECT ? WriteWhole(file_.Get(), header.data(), header.size())
                                           : WriteWholeAt(file_.Get(), header.data(), header.size(), 0);
     if (error != 0) FailWriting("MEM_MGR: can not save header for ", error);
-}
-
-void PRODUCT_FILE::Write(const void* data, long long bytes, long long offset) {
-    for (long long done = 0; done < bytes; done += kBytesPerWrite) {
-        const auto count = static_cast<std::size_t>(std::min(kBytesPerWrite, bytes - done));
-        const int error = WriteWholeAt(file_.Get(), static_cast<const char*>(data) + done, count, offset + done);
-        if (error != 0) FailWriting("MEM_MGR: unable to write into: ", error);
-    }
 }
 
 void PRODUCT_FILE::WriteInOrder(const void* data, long long bytes) {

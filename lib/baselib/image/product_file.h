@@ -109,7 +109,6 @@ class PRODUCT_FILE {
     [[nodiscard]] bool MakeAndRemember(const FOLDER_AND_NAME& target, mode_t permissions);
     [[nodiscard]] bool TryTemporary(mode_t permissions);
     void KeepOwnerAndPermissions(const struct stat& older);
-    void Write(const void* data, long long bytes, long long offset);
     void WriteInOrder(const void* data, long long bytes);
     void WriteHeader();
     [[noreturn]] void RefuseToCreate(int error) const;

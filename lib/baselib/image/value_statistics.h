@@ -7,6 +7,8 @@
 
 #include <limits>
 
+#include "lib/baselib/vectors/vector_level.h"
+
 class VALUE_STATISTICS {
   public:
     void Add(const float* values, long long count);
@@ -19,7 +21,7 @@ class VALUE_STATISTICS {
     [[nodiscard]] double Mean() const { return count_ == 0 ? 0.0 : sum_ / static_cast<double>(count_); }
 
   private:
-    void AddFinite(const float* values, int count);
+    void AddFinite(const float* values, int count, VECTOR_LEVEL level);
 
     float minimum_ = std::numeric_limits<float>::max();
     float maximum_ = std::numeric_limits<float>::lowest();
