@@ -87,3 +87,16 @@ def test_data_that_end_close_behind_the_image(fresh_scene, interpolation, behind
         alarms = run.lines("ALARM")
         assert warns and "master.pool: %s is asked for " % interpolation in alarms[0]
         assert alarms[1].startswith("interpolation point outside of data constraints")
+
+
+def test_a_long_orbit_makes_the_pieces_that_the_scene_needs(fresh_scene):
+    """20 001 vectors, each with a piece of its own: three lines of the log for every one of them were 21 MB."""
+    made, folder = fresh_scene(**SMALL)
+    for name, acquisition in (("master", made.master), ("slave", made.slave)):
+        middle_s = float(np.mean(acquisition.state_vector_times_s))
+        times_s = middle_s + 0.1 * np.arange(-10000, 10001)
+        set_orbit(folder / (name + ".pool"), acquisition, time_text.SECONDS_AXIS(0.0), 0.0, times_s)
+        set_start(folder, name, acquisition.first_azimuth_time_s)
+        edit_pool(folder / (name + ".pool"), "orbit_interpolation", 'orbit_interpolation STR "localpolyfit_7_9"')
+    run = succeed(folder)
+    assert 0 < run.screen.count("idx_start=") < 1000
