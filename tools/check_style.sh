@@ -10,7 +10,7 @@ checks='-*,readability-identifier-naming,readability-function-size,misc-unused-*
 git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run --Werror
 
 [ -f build/release/compile_commands.json ] || cmake --preset release
-grep -oP '"file": "\K[^"]+' build/release/compile_commands.json | grep -vE '/(tests|fuzz|benchmarks)/' |
+grep -oP '"file": "\K[^"]+' build/release/compile_commands.json | grep -vE '/(tests|fuzz|benchmarks)/' | sort -u |
     xargs --max-procs "$(nproc)" --max-args 4 clang-tidy --quiet -p build/release --checks="$checks" \
         --extra-arg=-w 2> >(grep -v 'warnings generated' >&2)
 echo "style: all files are as .clang-format and .clang-tidy say"
