@@ -5,27 +5,21 @@
 #include <limits>
 
 #include "geometry/constants.h"
-#include "geometry/vector_arithmetic.h"
+#include "geometry/pair_geometry.h"
 #include "orbit/general_orbit.h"
 
 namespace {
 
 using POINT_M = VECTOR_3D<double>;
 
-POINT_M Unit(const POINT_M& a) {
-    return (1.0 / Length(a)) * a;
-}
-
 /// The last one stands for those that are missing.
 void Fill(const float* from, int size, double (&to)[GROUND_BLOCK::kSize]) {
     for (int i = 0; i < GROUND_BLOCK::kSize; ++i) to[i] = from[std::min(i, size - 1)];
 }
 
-/// A height that no terrain has: the range of the slave stands still but for rounding.
 void EndAtInfinity(float (&heights_m)[GROUND_BLOCK::kSize]) {
-    constexpr float kBeyond_m = 1e9F;
     for (float& height_m : heights_m)
-        if (height_m > kBeyond_m) height_m = std::numeric_limits<float>::infinity();
+        if (height_m > static_cast<float>(kEndlessHeight_m)) height_m = std::numeric_limits<float>::infinity();
 }
 
 /// Radius of the ellipsoid below a point.

@@ -6,12 +6,11 @@
 
 #include "app/scene/geographic_box.h"
 #include "geometry/calc_slave_time.h"
+#include "geometry/constants.h"
 #include "lib/baselib/logging/logging.h"
 #include "simulation/azimuth_shift_correction.h"
 
 namespace {
-
-constexpr double kSpeedOfLight_m_s = 299792458.0;
 
 /// Fractional sample (x) and line (y) of the slave; nothing where its orbit has no data.
 class SLAVE_VIEW {
@@ -27,7 +26,7 @@ class SLAVE_VIEW {
         const std::optional<ZERO_DOPPLER> seen = ZeroDopplerInsideData(slave_.orbit, point_m, middle_s_);
         if (!seen) return std::nullopt;
         double time_s = seen->time_s;
-        double range_time_s = 2.0 * seen->range_m / kSpeedOfLight_m_s;
+        double range_time_s = 2.0 * seen->range_m / kSpeedOfLight;
         if (single_pass_) {  // the echo leaves one satellite and reaches the other: halfway between the two views
             time_s = 0.5 * (time_s + place.azimuth_time_s);
             range_time_s = 0.5 * (range_time_s + place.range_time_s);

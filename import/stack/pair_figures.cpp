@@ -1,16 +1,12 @@
 #include "import/stack/pair_figures.h"
 
-#include <cmath>
-#include <limits>
-
 #include "companions/companion_error.h"
 #include "geometry/calc_slave_time.h"
+#include "geometry/constants.h"
 #include "geometry/geolocation_fast.h"
-#include "geometry/vector_arithmetic.h"
+#include "geometry/pair_geometry.h"
 
 namespace {
-
-constexpr double kSpeedOfLight_m_s = 299792458.0;
 
 double Middle(const HALF_OPEN_RANGE& range) {
     return 0.5 * static_cast<double>(range.first + range.end - 1);
@@ -27,7 +23,6 @@ class CENTRE_OF_PAIR {
           state_(master.acquisition.orbit.State(time_s_)) {}
 
     [[nodiscard]] double Time_s() const { return time_s_; }
-    [[nodiscard]] const ORBIT_STATE& Master() const { return state_; }
 
     [[nodiscard]] VECTOR_3D<double> Ground(double height_m) const {
         const ACQUISITION_OF_POOL& acquisition = master_.acquisition;
@@ -36,7 +31,7 @@ class CENTRE_OF_PAIR {
             .point_m;
     }
 
-    [[nodiscard]] ZERO_DOPPLER Slave(const VECTOR_3D<double>& point_m) const {
+    [[nodiscard]] double SlaveTime_s(const VECTOR_3D<double>& point_m) const {
         const ORBIT_OF_POOL& orbit = slave_.acquisition.orbit;
         const double guess_s = 0.5 * (orbit.FirstTime() + orbit.LastTime());
         const auto solution = ZeroDopplerInsideData({&orbit, 0.0}, point_m, guess_s);
@@ -45,7 +40,16 @@ class CENTRE_OF_PAIR {
                                   ": its state vectors do not cover the time at which it passes "
                                   "the centre of the image of " +
                                   master_.acquisition.pool);
-        return *solution;
+        return solution->time_s;
+    }
+
+    [[nodiscard]] PAIR_GEOMETRY Pair(const VECTOR_3D<double>& point_m, double height_m, double slave_time_s) const {
+        const ACQUISITION_OF_POOL& master = master_.acquisition;
+        const ACQUISITION_OF_POOL& slave = slave_.acquisition;
+        const VECTOR_3D<double> up =
+            UpAt(point_m, master.equatorial_radius_m + height_m, master.polar_radius_m + height_m);
+        return PairGeometryAt(point_m, up, state_, slave.orbit.Position(slave_time_s),
+                              0.5 * kSpeedOfLight / slave.radar_frequency_hz);
     }
 
   private:
@@ -56,34 +60,14 @@ class CENTRE_OF_PAIR {
     ORBIT_STATE state_;
 };
 
-/// Across track and line of sight; turned so that it points up.
-double PerpendicularBaseline_m(const ORBIT_STATE& master, const VECTOR_3D<double>& slave_m,
-                               const VECTOR_3D<double>& point_m) {
-    const VECTOR_3D<double> across = CrossProduct(master.velocity_m_s, point_m - master.position_m);
-    const double length = DotProduct(slave_m - master.position_m, across) / Length(across);
-    return DotProduct(across, master.position_m) < 0.0 ? -length : length;
-}
-
-/// The phase is 4 pi / wavelength times the slave's range: the height over which that changes by one turn, from places
-/// 100 m apart in height with one range to the master.
-double HeightOfAmbiguity_m(const CENTRE_OF_PAIR& centre, const STACK_IMAGE& slave, double height_m) {
-    constexpr double kHalfStep_m = 50.0;
-    constexpr double kSmallestSlope = 1e-12;
-    const double change = centre.Slave(centre.Ground(height_m + kHalfStep_m)).range_m -
-                          centre.Slave(centre.Ground(height_m - kHalfStep_m)).range_m;
-    const double slope = std::fabs(change) / (2.0 * kHalfStep_m);
-    if (slope < kSmallestSlope) return std::numeric_limits<double>::infinity();
-    return kSpeedOfLight_m_s / slave.acquisition.radar_frequency_hz / (2.0 * slope);
-}
-
 }  // namespace
 
 PAIR_FIGURES FiguresOfPair(const STACK_IMAGE& master, const STACK_IMAGE& slave, const IMAGE_PART& part,
                            double height_m) {
     const CENTRE_OF_PAIR centre(master, slave, part);
     const VECTOR_3D<double> point_m = centre.Ground(height_m);
-    const double slave_time_s = centre.Slave(point_m).time_s;
+    const double slave_time_s = centre.SlaveTime_s(point_m);
     const double slave_axis_s = master.acquisition.orbit.SecondsFromReferenceOf(slave.acquisition.orbit);
-    return {PerpendicularBaseline_m(centre.Master(), slave.acquisition.orbit.Position(slave_time_s), point_m),
-            slave_axis_s + slave_time_s - centre.Time_s(), HeightOfAmbiguity_m(centre, slave, height_m)};
+    const PAIR_GEOMETRY pair = centre.Pair(point_m, height_m, slave_time_s);
+    return {pair.perpendicular_baseline_m, slave_axis_s + slave_time_s - centre.Time_s(), pair.height_of_ambiguity_m};
 }

@@ -1,6 +1,6 @@
 /// \file pair_figures.h
 /// What a pair is good for: baseline, time between its images, height of ambiguity, at the centre of the scene.
-/// Formulas: docs/stacks.md. Frame: Earth-fixed, metres, seconds.
+/// Formulas: geometry/pair_geometry.h. Frame: Earth-fixed, metres, seconds.
 
 #pragma once
 
