@@ -1,6 +1,6 @@
 #include "app/simulation_state.h"
 
-#include "app/products/disk_room.h"
+#include "app/products/wanted_products.h"
 #include "app/request/run_files.h"
 #include "app/scene/border_in_dem.h"
 #include "app/scene/extension_in_dem.h"
@@ -8,6 +8,7 @@
 #include "app/scene/scene_meets_dem.h"
 #include "app/scene/slave_frame.h"
 #include "lib/baselib/errors/error_exception.h"
+#include "lib/baselib/image/disk_room.h"
 
 namespace {
 
@@ -23,10 +24,14 @@ SCENE_IN_DEM Locate(const REQUEST& request, const ACQUISITIONS& acquisitions, co
 
 PRODUCT_WRITER OpenProducts(const REQUEST& request, const ACQUISITIONS& acquisitions, const OUTPUT_SIZES& sizes) {
     CheckFilesOfRun(request, acquisitions);
-    if (request.only_looks) RequireRoomFor(ProductsToCome(request, acquisitions.image, sizes));
+    std::vector<PRODUCT_REQUEST> products = WantedProducts(request, acquisitions.image, sizes);
+    if (request.only_looks) {
+        RequireRoomForAll(products);
+        products.clear();
+    }
     const VIEW_GEOMETRY geometry = {acquisitions.look_sign, acquisitions.ellipsoid.equatorial_m,
                                     acquisitions.ellipsoid.polar_m};
-    return {request.only_looks ? REQUEST{} : request, acquisitions.image, sizes, geometry};
+    return {products, acquisitions.image, sizes, request.shifts.relative, geometry};
 }
 
 /// Told before the simulation, judged by nobody.

@@ -4,11 +4,12 @@
 #include <chrono>
 #include <cmath>
 
-#include "app/products/disk_room.h"
+#include "app/products/wanted_products.h"
 #include "app/scene/image_to_dem.h"
 #include "geometry/calc_slave_time.h"
 #include "geometry/constants.h"
 #include "geometry/pair_geometry.h"
+#include "lib/baselib/image/disk_room.h"
 #include "simulation/dem2phase.h"
 
 namespace {
@@ -66,8 +67,8 @@ long long MemoryNeeded_bytes(const SIMULATION_STATE& state) {
 
 long long DiskNeeded_bytes(const SIMULATION_STATE& state) {
     long long bytes = 0;
-    for (const PRODUCT_TO_COME& product : ProductsToCome(state.request, state.acquisitions.image, state.sizes))
-        bytes += product.Bytes();
+    for (const PRODUCT_REQUEST& product : WantedProducts(state.request, state.acquisitions.image, state.sizes))
+        bytes += FileBytes(product);
     return bytes;
 }
 

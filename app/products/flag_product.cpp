@@ -2,13 +2,13 @@
 
 #include <vector>
 
+#include "lib/baselib/sidecar/product_kind.h"
 #include "simulation/layover_shadow.h"
 #include "simulation/thread_arg.h"
 #include "simulation/threads.h"
 
-FLAG_PRODUCT::FLAG_PRODUCT(PRODUCT_SET& files, const SOURCED_TEXT& file, const IMAGE_SIZE& image) : image_(image) {
-    if (file.Given()) file_ = &files.Add({file.source.key, file.text, image.samples, image.lines, PIXEL_TYPE::U_INT_8});
-}
+FLAG_PRODUCT::FLAG_PRODUCT(const PRODUCT_SET& files, const IMAGE_SIZE& image)
+    : image_(image), file_(files.Find(KindOf(PRODUCT::LAYOVER_SHADOW).key)) {}
 
 void FLAG_PRODUCT::Write(const SCENE& scene, double relief_m) const {
     if (file_ == nullptr) return;

@@ -11,8 +11,8 @@
 
 class FLAG_PRODUCT {
   public:
-    /// Opens it, if it is wanted. @throws as PRODUCT_SET::Add
-    FLAG_PRODUCT(PRODUCT_SET& files, const SOURCED_TEXT& file, const IMAGE_SIZE& image);
+    /// Its file, if it is wanted, is one of the set.
+    FLAG_PRODUCT(const PRODUCT_SET& files, const IMAGE_SIZE& image);
 
     /// The whole image.
     /// @param relief_m  between the lowest and the highest terrain

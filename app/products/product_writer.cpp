@@ -42,27 +42,31 @@ void WriteSingles(PRODUCT_FILE& file, const GRID_VIEW<const float>& grid, const 
     });
 }
 
-}  // namespace
-
-PRODUCT_WRITER::PRODUCT_WRITER(const REQUEST& request, const IMAGE_SIZE& image, const OUTPUT_SIZES& sizes,
-                               const VIEW_GEOMETRY& geometry)
-    : image_(image),
-      sizes_(sizes),
-      relative_shifts_(request.shifts.relative),
-      phase_(Add(request.phase.file, image)),
-      range_shifts_(Add(request.shifts.range_file, sizes.shift)),
-      azimuth_shifts_(Add(request.shifts.azimuth_file, sizes.shift)),
-      height_(Add(request.earth.height_file, sizes.earth)),
-      earth_{Add(request.earth.x_file, sizes.earth), Add(request.earth.y_file, sizes.earth),
-             Add(request.earth.z_file, sizes.earth)},
-      views_(files_, request.views, sizes.earth, geometry),
-      flags_(files_, request.layover_shadow_file, image) {
-    files_.ReserveRoom();
+PRODUCT_SET Opened(const std::vector<PRODUCT_REQUEST>& products) {
+    PRODUCT_SET files;
+    for (const PRODUCT_REQUEST& product : products) files.Add(product);
+    files.ReserveRoom();
+    return files;
 }
 
-PRODUCT_FILE* PRODUCT_WRITER::Add(const SOURCED_TEXT& file, const IMAGE_SIZE& size) {
-    if (!file.Given()) return nullptr;
-    return &files_.Add({file.source.key, file.text, size.samples, size.lines, PIXEL_TYPE::FLT_6});
+}  // namespace
+
+PRODUCT_WRITER::PRODUCT_WRITER(const std::vector<PRODUCT_REQUEST>& products, const IMAGE_SIZE& image,
+                               const OUTPUT_SIZES& sizes, bool relative_shifts, const VIEW_GEOMETRY& geometry)
+    : files_(Opened(products)),
+      image_(image),
+      sizes_(sizes),
+      relative_shifts_(relative_shifts),
+      phase_(Find(PRODUCT::SIMU_PHASE)),
+      range_shifts_(Find(PRODUCT::RG_COREG)),
+      azimuth_shifts_(Find(PRODUCT::AZ_COREG)),
+      height_(Find(PRODUCT::H_EARTH)),
+      earth_{Find(PRODUCT::X_EARTH), Find(PRODUCT::Y_EARTH), Find(PRODUCT::Z_EARTH)},
+      views_(files_, sizes.earth, geometry),
+      flags_(files_, image) {}
+
+PRODUCT_FILE* PRODUCT_WRITER::Find(PRODUCT product) const {
+    return files_.Find(KindOf(product).key);
 }
 
 void PRODUCT_WRITER::WritePhase(const MASTER_GRIDS& grids) {

@@ -7,21 +7,24 @@
 #pragma once
 
 #include <array>
+#include <vector>
 
 #include "app/acquisition/acquisitions.h"
 #include "app/products/flag_product.h"
 #include "app/products/view_products.h"
-#include "app/request/request.h"
 #include "app/scene/output_sizes.h"
 #include "lib/baselib/image/product_set.h"
+#include "lib/baselib/sidecar/product_kind.h"
 #include "simulation/scene.h"
 
 class PRODUCT_WRITER {
   public:
-    /// @param image  the master image: what is left of the phase
+    /// @param products         what WantedProducts() tells
+    /// @param image            the master image: what is left of the phase
+    /// @param relative_shifts  the shift maps tell the way to the slave, not the place there
     /// @throws ERROR_CAN_NOT_CREATE_FILE, ERROR_NO_DISK_SPACE
-    PRODUCT_WRITER(const REQUEST& request, const IMAGE_SIZE& image, const OUTPUT_SIZES& sizes,
-                   const VIEW_GEOMETRY& geometry = {});
+    PRODUCT_WRITER(const std::vector<PRODUCT_REQUEST>& products, const IMAGE_SIZE& image, const OUTPUT_SIZES& sizes,
+                   bool relative_shifts, const VIEW_GEOMETRY& geometry);
 
     /// Whether nobody sees rows that are written before stage C.
     [[nodiscard]] bool MayBeWrittenEarly() const { return files_.AreHiddenUntilPlaced(); }
@@ -61,7 +64,7 @@ class PRODUCT_WRITER {
     void Accept() { files_.Accept(); }
 
   private:
-    PRODUCT_FILE* Add(const SOURCED_TEXT& file, const IMAGE_SIZE& size);
+    [[nodiscard]] PRODUCT_FILE* Find(PRODUCT product) const;
     /// One thread's part of a slab. Threads begin at different products: the system lets one write into a file at a
     /// time.
     void WriteShare(const SCENE& share, bool backward);

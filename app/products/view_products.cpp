@@ -4,31 +4,32 @@
 #include <vector>
 
 #include "lib/baselib/image/product_rows.h"
+#include "lib/baselib/sidecar/product_kind.h"
 #include "simulation/thread_arg.h"
 #include "simulation/threads.h"
 
 namespace {
 
-PRODUCT_FILE* Add(PRODUCT_SET& files, const SOURCED_TEXT& file, const IMAGE_SIZE& size) {
-    if (!file.Given()) return nullptr;
-    return &files.Add({file.source.key, file.text, size.samples, size.lines, PIXEL_TYPE::FLT_6});
-}
+struct VIEW_OF_PRODUCT {
+    PRODUCT product;
+    VIEW view;
+};
+constexpr VIEW_OF_PRODUCT kViewsOfProducts[kViews] = {
+    {PRODUCT::INCIDENCE, VIEW::INCIDENCE_DEG},
+    {PRODUCT::LOCAL_INCIDENCE, VIEW::LOCAL_INCIDENCE_DEG},
+    {PRODUCT::LINE_OF_SIGHT_E, VIEW::LINE_OF_SIGHT_EAST},
+    {PRODUCT::LINE_OF_SIGHT_N, VIEW::LINE_OF_SIGHT_NORTH},
+    {PRODUCT::LINE_OF_SIGHT_U, VIEW::LINE_OF_SIGHT_UP},
+    {PRODUCT::PERPENDICULAR_BASELINE, VIEW::PERPENDICULAR_BASELINE_M},
+    {PRODUCT::HEIGHT_OF_AMBIGUITY, VIEW::HEIGHT_OF_AMBIGUITY_M},
+};
 
 }  // namespace
 
-VIEW_PRODUCTS::VIEW_PRODUCTS(PRODUCT_SET& files, const VIEW_REQUEST& request, const IMAGE_SIZE& size,
-                             const VIEW_GEOMETRY& geometry)
+VIEW_PRODUCTS::VIEW_PRODUCTS(const PRODUCT_SET& files, const IMAGE_SIZE& size, const VIEW_GEOMETRY& geometry)
     : size_(size), geometry_(geometry) {
-    const auto set = [&](VIEW view, const SOURCED_TEXT& file) {
-        files_[static_cast<std::size_t>(view)] = Add(files, file, size);
-    };
-    set(VIEW::INCIDENCE_DEG, request.incidence_file);
-    set(VIEW::LOCAL_INCIDENCE_DEG, request.local_incidence_file);
-    set(VIEW::LINE_OF_SIGHT_EAST, request.line_of_sight[0]);
-    set(VIEW::LINE_OF_SIGHT_NORTH, request.line_of_sight[1]);
-    set(VIEW::LINE_OF_SIGHT_UP, request.line_of_sight[2]);
-    set(VIEW::PERPENDICULAR_BASELINE_M, request.baseline_file);
-    set(VIEW::HEIGHT_OF_AMBIGUITY_M, request.ambiguity_file);
+    for (const VIEW_OF_PRODUCT& row : kViewsOfProducts)
+        files_[static_cast<std::size_t>(row.view)] = files.Find(KindOf(row.product).key);
 }
 
 bool VIEW_PRODUCTS::AnyWanted() const {

@@ -13,9 +13,8 @@
 
 class VIEW_PRODUCTS {
   public:
-    /// Opens those that are wanted. @throws as PRODUCT_SET::Add
-    VIEW_PRODUCTS(PRODUCT_SET& files, const VIEW_REQUEST& request, const IMAGE_SIZE& size,
-                  const VIEW_GEOMETRY& geometry);
+    /// The files of those that are wanted are in the set.
+    VIEW_PRODUCTS(const PRODUCT_SET& files, const IMAGE_SIZE& size, const VIEW_GEOMETRY& geometry);
 
     /// The rows that the scene's grid of heights holds, on ThreadCount() threads.
     /// @throws ERROR_CAN_NOT_WRITE_FILE or the text of a thread that failed

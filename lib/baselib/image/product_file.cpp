@@ -2,9 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -16,6 +14,7 @@
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/image/blocked_signals.h"
+#include "lib/baselib/image/disk_room.h"
 #include "lib/baselib/image/left_over_files.h"
 #include "lib/baselib/image/output_path.h"
 #include "lib/baselib/image/raster_output.h"
@@ -64,47 +63,32 @@ bool IsOutOfRoom(int error) {
     return error == ENOSPC || error == EDQUOT || error == EFBIG;
 }
 
-long long BytesThere(int descriptor) {
-    struct statvfs status {};
-    if (fstatvfs(descriptor, &status) != 0) return 0;
-    return static_cast<long long>(status.f_frsize) *
-           static_cast<long long>(geteuid() == 0 ? status.f_bfree : status.f_bavail);
-}
-
-/// The system would end the process by SIGXFSZ.
-bool ExceedsFileSizeLimit(long long bytes) {
-    rlimit limit{};
-    return getrlimit(RLIMIT_FSIZE, &limit) == 0 && static_cast<rlim_t>(bytes) > limit.rlim_cur;
-}
-
 }  // namespace
 
 PRODUCT_FILE::PRODUCT_FILE(const PRODUCT_REQUEST& request, mode_t permissions)
-    : key_(request.key),
-      path_(request.path),
-      pixel_type_(request.pixel_type),
+    : request_(request),
       header_(RasterHeaderFor(request.path, request.columns, request.rows, KnownPixelType(request.pixel_type))),
       row_bytes_(request.columns * KnownPixelType(request.pixel_type).bytes),
       bytes_(RasterFileBytes(header_)) {
-    names_.target = BehindLinks(path_);
+    names_.target = BehindLinks(request_.path);
     if (names_.target.empty()) RefuseToCreate(errno);
     Open(permissions);
 }
 
 void PRODUCT_FILE::RefuseToCreate(int error) const {
     Log().Message(LOGGING_LEVEL::ALARM, "configuration: key \"%s\": the product %s can not be written: %s",
-                  key_.c_str(), path_.c_str(), std::strerror(error));
+                  request_.key.c_str(), request_.path.c_str(), std::strerror(error));
     if (IsOutOfRoom(error)) throw ERROR_NO_DISK_SPACE();
     throw ERROR_CAN_NOT_CREATE_FILE();
 }
 
 void PRODUCT_FILE::FailWriting(const char* what, int error) const {
-    Log().Message(LOGGING_LEVEL::ALARM, "%s%s", what, path_.c_str());
-    LogAndThrow<ERROR_CAN_NOT_WRITE_FILE>("%s: %s", path_.c_str(), std::strerror(error));
+    Log().Message(LOGGING_LEVEL::ALARM, "%s%s", what, request_.path.c_str());
+    LogAndThrow<ERROR_CAN_NOT_WRITE_FILE>("%s: %s", request_.path.c_str(), std::strerror(error));
 }
 
 void PRODUCT_FILE::Open(mode_t permissions) {
-    if (FOLDER_AND_NAME(names_.target).name.empty()) RefuseToCreate(path_.empty() ? ENOENT : EISDIR);
+    if (FOLDER_AND_NAME(names_.target).name.empty()) RefuseToCreate(request_.path.empty() ? ENOENT : EISDIR);
     struct stat older {};
     if (stat(names_.target.c_str(), &older) != 0) {
         if (errno != ENOENT || !TryTemporary(permissions)) RefuseToCreate(errno);
@@ -119,7 +103,7 @@ void PRODUCT_FILE::Open(mode_t permissions) {
     Log().Message(LOGGING_LEVEL::WARNING,
                   "%s: its folder takes no other file in its place (%s): it is written in place, and a run that fails "
                   "leaves it incomplete",
-                  path_.c_str(), std::strerror(error));
+                  request_.path.c_str(), std::strerror(error));
 }
 
 /// Without waiting for a reader of a pipe, and with respect for a write protection.
@@ -168,24 +152,11 @@ void PRODUCT_FILE::KeepOwnerAndPermissions(const struct stat& older) {
     const bool permissions_kept = fchmod(file_.Get(), older.st_mode & 07777) == 0;
     if (owner_kept && permissions_kept) return;
     Log().Message(LOGGING_LEVEL::WARNING, "%s: the older product's owner and permissions can not be kept: %s",
-                  path_.c_str(), std::strerror(errno));
-}
-
-void PRODUCT_FILE::RefuseForRoom(long long there, int error) const {
-    LogAndThrow<ERROR_NO_DISK_SPACE>(
-        "configuration: key \"%s\": %s: no room for an image of %u x %u pixels: %lld bytes are needed, %lld "
-        "are there: %s",
-        key_.c_str(), path_.c_str(), header_.width, header_.height, bytes_, there, std::strerror(error));
+                  request_.path.c_str(), std::strerror(errno));
 }
 
 void PRODUCT_FILE::RequireRoom(std::map<dev_t, long long>& asked) const {
-    struct stat status {};
-    if (way_ == WAY::DIRECT || fstat(file_.Get(), &status) != 0) return;
-    const long long there = BytesThere(file_.Get()) - asked[status.st_dev];
-    const long long needed = std::max(bytes_ - 512LL * status.st_blocks, 0LL);  // written in place: it has some
-    if (needed > there) RefuseForRoom(std::max(there, 0LL), ENOSPC);
-    if (ExceedsFileSizeLimit(bytes_)) RefuseForRoom(there, EFBIG);
-    asked[status.st_dev] += needed;
+    if (way_ != WAY::DIRECT) ::RequireRoom(request_, file_.Get(), asked);
 }
 
 void PRODUCT_FILE::ReserveRoom() const {
@@ -193,13 +164,13 @@ void PRODUCT_FILE::ReserveRoom() const {
     const int number = file_.Get();
     const auto reserve = [=, this] { return fallocate(number, FALLOC_FL_KEEP_SIZE, 0, bytes_); };
     if (UnlessInterrupted(reserve) == 0 || errno == EOPNOTSUPP || errno == ENOSYS) return;
-    if (IsOutOfRoom(errno)) RefuseForRoom(BytesThere(number), errno);
+    if (IsOutOfRoom(errno)) RefuseForRoom(request_, BytesThere(number), errno);
     RefuseToCreate(errno);
 }
 
 void PRODUCT_FILE::LogCreation() const {
     Log().Message(LOGGING_LEVEL::INFO, "creating file with dimensions %u x %u: %s", header_.width, header_.height,
-                  path_.c_str());
+                  request_.path.c_str());
 }
 
 namespace {
@@ -221,7 +192,7 @@ void PRODUCT_FILE::CountValues(long long rows, const void* pixels, std::size_t s
     VALUE_STATISTICS values;
     for (long long row = 0; row < rows; ++row) {
         const char* const from = static_cast<const char*>(pixels) + static_cast<std::size_t>(row) * stride;
-        if (pixel_type_ == PIXEL_TYPE::U_INT_8)
+        if (request_.pixel_type == PIXEL_TYPE::U_INT_8)
             AddBytes(reinterpret_cast<const unsigned char*>(from), header_.width, values);
         else
             values.Add(reinterpret_cast<const float*>(from), header_.width);

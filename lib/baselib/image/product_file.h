@@ -47,7 +47,8 @@ class PRODUCT_FILE {
     /// Takes everything back that was not accepted.
     ~PRODUCT_FILE() = default;
 
-    [[nodiscard]] const std::string& Path() const { return path_; }
+    [[nodiscard]] const std::string& Key() const { return request_.key; }
+    [[nodiscard]] const std::string& Path() const { return request_.path; }
     [[nodiscard]] long long Columns() const { return header_.width; }
     [[nodiscard]] long long Rows() const { return header_.height; }
     /// Whether nothing can be seen of it before Place(): its rows may come early and in any order.
@@ -55,10 +56,7 @@ class PRODUCT_FILE {
     /// Header and pixels, in bytes.
     [[nodiscard]] long long Bytes() const { return bytes_; }
 
-    /// Refuses the file when its disk has no room for it beside those that were asked before: filling a disk to find
-    /// that out would disturb its other users.
-    /// @param asked  bytes by device; this file's are added
-    /// @throws ERROR_NO_DISK_SPACE with the bytes needed and the bytes there
+    /// As the function of disk_room.h; devices and pipes need none.
     void RequireRoom(std::map<dev_t, long long>& asked) const;
 
     /// Gives the file all its room, where the file system can.
@@ -79,8 +77,10 @@ class PRODUCT_FILE {
     void WriteSpacedRows(long long first_row, long long rows, const void* pixels, std::size_t stride);
 
     /// To be called before the first row: Values() will be asked.
-    void WantValues() { values_wanted_ = pixel_type_ == PIXEL_TYPE::FLT_6 || pixel_type_ == PIXEL_TYPE::U_INT_8; }
-    /// Of the 32-bit reals in the rows written so far, if wanted; no thread may be writing.
+    void WantValues() {
+        values_wanted_ = request_.pixel_type == PIXEL_TYPE::FLT_6 || request_.pixel_type == PIXEL_TYPE::U_INT_8;
+    }
+    /// Of the 32-bit reals or bytes in the rows written so far, if wanted; no thread may be writing.
     [[nodiscard]] const VALUE_STATISTICS& Values() const { return values_; }
 
     /// No more rows will come from a thread that has failed: those that wait for them fail, too.
@@ -112,12 +112,9 @@ class PRODUCT_FILE {
     void WriteInOrder(const void* data, long long bytes);
     void WriteHeader();
     [[noreturn]] void RefuseToCreate(int error) const;
-    [[noreturn]] void RefuseForRoom(long long there, int error) const;
     [[noreturn]] void FailWriting(const char* what, int error) const;
 
-    std::string key_;
-    std::string path_;
-    PIXEL_TYPE pixel_type_;
+    PRODUCT_REQUEST request_;
     bool values_wanted_ = false;
     RASTER_HEADER header_;
     long long row_bytes_;

@@ -30,6 +30,11 @@ PRODUCT_FILE& PRODUCT_SET::Add(const PRODUCT_REQUEST& request, mode_t permission
     return *files_.emplace_back(std::make_unique<PRODUCT_FILE>(request, permissions));
 }
 
+PRODUCT_FILE* PRODUCT_SET::Find(std::string_view key) const {
+    const auto found = std::ranges::find_if(files_, [key](const auto& file) { return file->Key() == key; });
+    return found == files_.end() ? nullptr : found->get();
+}
+
 void PRODUCT_SET::ReserveRoom() {
     std::map<dev_t, long long> asked;
     for (const auto& file : files_) file->RequireRoom(asked);

@@ -12,6 +12,7 @@
 #include <sys/types.h>
 
 #include <memory>
+#include <string_view>
 #include <vector>
 
 #include "lib/baselib/image/product_file.h"
@@ -22,6 +23,8 @@ class PRODUCT_SET {
     /// @return the file; it lives as long as the set
     PRODUCT_FILE& Add(const PRODUCT_REQUEST& request, mode_t permissions = 0666);
 
+    /// The file of a key; null when there is none.
+    [[nodiscard]] PRODUCT_FILE* Find(std::string_view key) const;
     [[nodiscard]] const std::vector<std::unique_ptr<PRODUCT_FILE>>& Files() const { return files_; }
 
     /// @throws ERROR_NO_DISK_SPACE
