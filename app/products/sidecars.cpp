@@ -6,7 +6,6 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/image/mem_mgr.h"
@@ -18,9 +17,15 @@ namespace {
 
 namespace fs = std::filesystem;
 
+/// The beginning of a regular file, of which more than a sidecar has is no sidecar. A pipe would wait for a writer.
 std::string Content(const std::string& path) {
+    constexpr std::size_t kMoreThanSidecar = 8192;
+    if (!fs::is_regular_file(path)) return "";
+    std::string content(kMoreThanSidecar, '\0');
     std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    file.read(content.data(), static_cast<std::streamsize>(content.size()));
+    content.resize(static_cast<std::size_t>(file.gcount()));
+    return content;
 }
 
 bool IsOurs(const std::string& content) {
