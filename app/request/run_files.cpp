@@ -4,6 +4,7 @@
 #include <sys/sysmacros.h>
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <fstream>
 #include <optional>
@@ -148,9 +149,10 @@ std::vector<std::string> LinesOf(const std::vector<COLLISION>& collisions) {
 
 /// A level's tag of five characters, then " : "; or nothing.
 bool BeginsAsLog(const std::string& path) {
+    std::array<char, 8> beginning{};
     std::ifstream file(path, std::ios::binary);
-    std::string line;
-    return !std::getline(file, line) || (line.size() > 7 && line.substr(5, 3) == " : ");
+    file.read(beginning.data(), beginning.size());
+    return file.gcount() == 0 || std::string_view(beginning.data(), beginning.size()).substr(5) == " : ";
 }
 
 /// The record database of an orbit is known when the pools are read; by then the log has grown.
