@@ -119,7 +119,7 @@ void RUN_REPORT::Describe(const SIMULATION_STATE& state) {
 void RUN_REPORT::ProductsAreWritten(const PRODUCT_SET& products) {
     if (controller_ == nullptr) return;
     for (const auto& file : products.Files())
-        written_.push_back({file->Path(), file->Columns(), file->Rows(), file->Bytes(), file->Values()});
+        written_.push_back({file->Key(), file->Columns(), file->Rows(), file->Bytes(), file->Values()});
     products_written_ = true;
     Publish();
 }
@@ -192,7 +192,7 @@ void RUN_REPORT::AddProducts(JSON_TEXT& json) const {
         json.BeginObject();
         json.Add("key", kind.key);
         json.Add("path", *path);
-        const auto written = std::ranges::find(written_, *path, &WRITTEN::path);
+        const auto written = std::ranges::find(written_, kind.key, &WRITTEN::key);
         json.Add("written", written != written_.end());
         if (written != written_.end()) {
             json.Add("columns", written->columns);

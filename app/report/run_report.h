@@ -46,7 +46,7 @@ class RUN_REPORT {
         long long voids = 0;
     };
     struct WRITTEN {
-        std::string path;
+        std::string key;
         long long columns = 0;
         long long rows = 0;
         long long bytes = 0;  ///< of the file

@@ -10,8 +10,8 @@
 struct STAGE_COST {
     std::string name;
     double seconds = 0.0;
-    long long peak_memory_bytes =
-        0;  ///< resident, of the whole process while the stage ran; 0: the system does not tell
+    /// Resident, of the whole process while the stage ran; 0: the system does not tell.
+    long long peak_memory_bytes = 0;
 };
 
 class STAGE_CLOCK {

@@ -57,10 +57,11 @@ def test_report_of_a_good_run_says_what_was_made(folder):
 
 
 def test_report_of_products_in_a_device_and_without_a_path(folder):
-    edit_control_file(folder, REPORT="report.json", SIMU_PHASE="/dev/null", H_EARTH="")
+    edit_control_file(folder, REPORT="report.json", SIMU_PHASE="/dev/null", RG_COREG="/dev/null", H_EARTH="")
     assert succeed(folder).lines("ALARM") == []
     products = {product["key"]: product for product in report_of(folder)["products"]}
     assert products["SIMU_PHASE"]["bytes"] == 32 + 60 * 50 * 4 and products["SIMU_PHASE"]["mean"] != 0
+    assert products["RG_COREG"]["columns"] == products["AZ_COREG"]["columns"] != 60  # two products, one path
     assert (products["H_EARTH"]["written"], products["H_EARTH"]["reason"]) == (False, "its key stands without a path")
 
 
@@ -126,14 +127,16 @@ def test_sidecars_come_with_the_key_and_stale_ones_go(folder):
     plain = {path.name: path.read_bytes() for path in folder.glob("*.ras")}
     assert not list(folder.glob("*.vrt"))
     (folder / "h_earth.ras.vrt").write_text("mine")
+    os.mkfifo(folder / "x_earth.ras.vrt")  # once waited for a writer
     run = succeed(folder, environment={"VRT_SIDECARS": "1"})
     assert {path.name: path.read_bytes() for path in folder.glob("*.ras")} == plain
-    names = sorted(name for name in plain if name not in ("dem.ras", "h_earth.ras"))
+    names = sorted(name for name in plain if name not in ("dem.ras", "h_earth.ras", "x_earth.ras"))
     for name in names:
         opened = gdal.Open(str(folder / (name + ".vrt")))
         assert opened.ReadAsArray().tobytes() == raster.read(folder / name).tobytes()
         assert opened.GetRasterBand(1).GetUnitType() in ("rad", "px", "m")
-    assert (folder / "h_earth.ras.vrt").read_text() == "mine" and any("h_earth.ras.vrt" in line for line in run.lines("WARN"))
+    assert (folder / "h_earth.ras.vrt").read_text() == "mine" and all(
+        any(name in line for line in run.lines("WARN")) for name in ("h_earth.ras.vrt", "x_earth.ras.vrt"))
     # The same again without the key: they still fit and stay. Another size: they go.
     succeed(folder)
     assert (folder / "simu_phase.ras.vrt").exists()
