@@ -141,59 +141,62 @@ void Geocode(const OPTIONS& options) {
     if (options.kmz) PrintResult("%s\n", WithEnding(path, ".kmz").c_str());
 }
 
-CLI::App& WithProducts(CLI::App& command, OPTIONS& options) {
-    command.add_option("PRODUCT", options.products, "raster files of a run")->required();
-    command.add_option("--kind", options.kind, "which product it is, where its name does not tell: " + ProductKeys());
-    return command;
+/// @return the products, any number of them
+COMMAND_OPTION AddProducts(COMPANION_COMMAND& command, OPTIONS& options) {
+    const COMMAND_OPTION products = command.Add("PRODUCT", options.products, "raster files of a run").Required();
+    command.Add("--kind", options.kind, "which product it is, where its name does not tell: " + ProductKeys());
+    return products;
 }
 
-void AddForce(CLI::App& command, OPTIONS& options) {
-    command.add_flag("--force", options.force, "replace outputs that are there already");
+void AddForce(COMPANION_COMMAND& command, OPTIONS& options) {
+    command.AddFlag("--force", options.force, "replace outputs that are there already");
 }
 
-void AddInvalid(CLI::App& command, OPTIONS& options) {
-    command.add_option("--invalid", options.invalid, "a value that stands for no value");
+void AddInvalid(COMPANION_COMMAND& command, OPTIONS& options) {
+    command.Add("--invalid", options.invalid, "a value that stands for no value");
 }
 
 void AddPicture(COMPANION_PROGRAM& program, OPTIONS& options) {
-    CLI::App& command =
+    COMPANION_COMMAND command =
         program.AddCommand("picture", "a PNG of at most 1600 pixels a side with a colour bar",
                            "  velmora-view picture simu_phase.ras h_earth.ras", [&options] { MakePictures(options); });
-    WithProducts(command, options);
-    command.add_option("-o", options.output, "the PNG [the product's name with .png]");
-    command.add_option("--longest", options.longest, "pixels of the longest side [1600]")
-        ->check(CLI::Range(kShortestLongestSide, kLongestSide));
+    AddProducts(command, options);
+    command.Add("-o", options.output, "the PNG [the product's name with .png]");
+    command.Add("--longest", options.longest, "pixels of the longest side [1600]")
+        .Between(kShortestLongestSide, kLongestSide);
     AddInvalid(command, options);
     AddForce(command, options);
 }
 
 void AddVrt(COMPANION_PROGRAM& program, OPTIONS& options) {
-    CLI::App& command = program.AddCommand("vrt", "sidecars through which GDAL and QGIS open products as they are",
-                                           "  velmora-view vrt *.ras", [&options] { MakeSidecars(options); });
-    AddForce(WithProducts(command, options), options);
+    COMPANION_COMMAND command =
+        program.AddCommand("vrt", "sidecars through which GDAL and QGIS open products as they are",
+                           "  velmora-view vrt *.ras", [&options] { MakeSidecars(options); });
+    AddProducts(command, options);
+    AddForce(command, options);
 }
 
 void AddGeocode(COMPANION_PROGRAM& program, OPTIONS& options) {
-    CLI::App& command = program.AddCommand("geocode", "a product on the map, as GeoTIFF and for a globe",
-                                           "  velmora-view geocode simu_phase.ras --pool insar.pool --kmz",
-                                           [&options] { Geocode(options); });
-    WithProducts(command, options).get_option("PRODUCT")->expected(1);
-    command.add_option("--pool", options.pool, "the run's InSAR pool")->required();
-    command.add_option("--x", options.x, "the run's X_EARTH file [x_earth.ras beside the product]");
-    command.add_option("--y", options.y, "its Y_EARTH file [y_earth.ras]");
-    command.add_option("--z", options.z, "its Z_EARTH file [z_earth.ras]");
-    command.add_option("-o", options.output, "the GeoTIFF [the product's name with .tif]");
-    command.add_flag("--kmz", options.kmz, "also a KMZ for a globe, beside the GeoTIFF");
+    COMPANION_COMMAND command = program.AddCommand("geocode", "a product on the map, as GeoTIFF and for a globe",
+                                                   "  velmora-view geocode simu_phase.ras --pool insar.pool --kmz",
+                                                   [&options] { Geocode(options); });
+    AddProducts(command, options).Takes(1);
+    command.Add("--pool", options.pool, "the run's InSAR pool").Required();
+    command.Add("--x", options.x, "the run's X_EARTH file [x_earth.ras beside the product]");
+    command.Add("--y", options.y, "its Y_EARTH file [y_earth.ras]");
+    command.Add("--z", options.z, "its Z_EARTH file [z_earth.ras]");
+    command.Add("-o", options.output, "the GeoTIFF [the product's name with .tif]");
+    command.AddFlag("--kmz", options.kmz, "also a KMZ for a globe, beside the GeoTIFF");
     AddInvalid(command, options);
     AddForce(command, options);
 }
 
 void AddInfo(COMPANION_PROGRAM& program, OPTIONS& options) {
-    CLI::App& command =
+    COMPANION_COMMAND command =
         program.AddCommand("info", "size, type, statistics and offset",
                            "  velmora-view info x_earth.ras --pool insar.pool", [&options] { PrintInfo(options); });
-    WithProducts(command, options);
-    command.add_option("--pool", options.pool, "the run's InSAR pool, which has the offsets of x, y, z");
+    AddProducts(command, options);
+    command.Add("--pool", options.pool, "the run's InSAR pool, which has the offsets of x, y, z");
     AddInvalid(command, options);
 }
 

@@ -207,21 +207,20 @@ void Run(const DEM_OPTIONS& options) {
 
 void AddDemCommand(COMPANION_PROGRAM& program) {
     const auto options = std::make_shared<DEM_OPTIONS>();
-    CLI::App& command = program.AddCommand("dem", "Make the terrain model from DEM files of any kind", kExample,
-                                           [options] { Run(*options); });
-    command.add_option("FILE", options->files, "DEM files: whatever GDAL reads, also in a zip archive")->required();
-    command.add_option("-o,--output", options->name, "NAME.ras and NAME.pool are written")->required();
-    CLI::Option* const box =
-        command.add_option("--box", options->box, "W S E N in degrees: the part to take; W > E crosses 180 degrees")
-            ->expected(4);
+    COMPANION_COMMAND command = program.AddCommand("dem", "Make the terrain model from DEM files of any kind", kExample,
+                                                   [options] { Run(*options); });
+    command.Add("FILE", options->files, "DEM files: whatever GDAL reads, also in a zip archive").Required();
+    command.Add("-o,--output", options->name, "NAME.ras and NAME.pool are written").Required();
+    const COMMAND_OPTION box =
+        command.Add("--box", options->box, "W S E N in degrees: the part to take; W > E crosses 180 degrees").Takes(4);
     command
-        .add_option("--around", options->around,
-                    "MASTER [SLAVE]: pools; the part that the master's image needs, for terrain of -1000 to 9000 m")
-        ->expected(1, 2)
-        ->excludes(box);
-    command.add_option("--heights", options->heights, "to what the files' heights refer: ellipsoid, egm96 or as-is")
-        ->check(CLI::IsMember({"ellipsoid", "egm96", "as-is"}));
-    command.add_flag("--fill-voids", options->fill_voids, "fill missing heights from their surroundings");
-    command.add_flag("--float", options->as_float, "32-bit reals instead of whole metres");
-    command.add_flag("--force", options->force, "replace existing outputs");
+        .Add("--around", options->around,
+             "MASTER [SLAVE]: pools; the part that the master's image needs, for terrain of -1000 to 9000 m")
+        .Takes(1, 2)
+        .NotWith(box);
+    command.Add("--heights", options->heights, "to what the files' heights refer: ellipsoid, egm96 or as-is")
+        .OneOf({"ellipsoid", "egm96", "as-is"});
+    command.AddFlag("--fill-voids", options->fill_voids, "fill missing heights from their surroundings");
+    command.AddFlag("--float", options->as_float, "32-bit reals instead of whole metres");
+    command.AddFlag("--force", options->force, "replace existing outputs");
 }

@@ -69,11 +69,11 @@ void Run(const ORBIT_OPTIONS& options) {
 
 void AddOrbitCommand(COMPANION_PROGRAM& program) {
     const auto options = std::make_shared<ORBIT_OPTIONS>();
-    CLI::App& command = program.AddCommand("orbit", "Put the state vectors of an orbit file into a pool", kExample,
-                                           [options] { Run(*options); });
-    command.add_option("FILE", options->file, "Sentinel-1 EOF, CCSDS OEM (KVN) or CSV")->required();
-    command.add_option("--from", options->from, "first line of the image, UTC")->required();
-    command.add_option("--to", options->to, "last line of the image, UTC")->required();
-    command.add_option("--into", options->pool, "pool that receives the orbit; made when it is not there")->required();
-    command.add_flag("--force", options->force, "replace the orbit that the pool has");
+    COMPANION_COMMAND command = program.AddCommand("orbit", "Put the state vectors of an orbit file into a pool",
+                                                   kExample, [options] { Run(*options); });
+    command.Add("FILE", options->file, "Sentinel-1 EOF, CCSDS OEM (KVN) or CSV").Required();
+    command.Add("--from", options->from, "first line of the image, UTC").Required();
+    command.Add("--to", options->to, "last line of the image, UTC").Required();
+    command.Add("--into", options->pool, "pool that receives the orbit; made when it is not there").Required();
+    command.AddFlag("--force", options->force, "replace the orbit that the pool has");
 }

@@ -3,21 +3,15 @@
 #include "companions/input_file.h"
 #include "companions/results.h"
 #include "import/commands/commands.h"
+#include "import/commands/run_options.h"
 #include "import/pair/pair_folder.h"
 #include "import/pair/pair_inputs.h"
 
 namespace {
 
-struct PAIR_OPTIONS {
+struct PAIR_OPTIONS : RUN_OPTIONS {
     std::string master;
     std::string slave;
-    std::string dem_pool;
-    std::string folder;
-    std::string lines;
-    std::string samples;
-    std::vector<int> shift_factors{1, 1};
-    std::vector<int> earth_factors{1, 1};
-    std::string interpolation;
     bool force = false;
 };
 
@@ -81,20 +75,12 @@ void Run(const PAIR_OPTIONS& options) {
 
 void AddPairCommand(COMPANION_PROGRAM& program) {
     const auto options = std::make_shared<PAIR_OPTIONS>();
-    CLI::App& command = program.AddCommand("pair", "Make the folder of a run from two acquisitions and a DEM", kExample,
-                                           [options] { Run(*options); });
-    command.add_option("MASTER", options->master, "pool of the master, as sentinel1 makes it")->required();
-    command.add_option("SLAVE", options->slave, "pool of the slave")->required();
-    command.add_option("DEM", options->dem_pool, "NAME.pool of the terrain model, with NAME.ras beside it")->required();
-    command.add_option("-o,--output", options->folder, "folder to be filled")->required();
-    command.add_option("--lines", options->lines, "A:B, the master's lines from A up to B (not included), from 0");
-    command.add_option("--samples", options->samples, "C:D, the master's samples, in the same way");
-    command.add_option("--shift-factors", options->shift_factors, "RANGE AZIMUTH: subsampling of the shift maps")
-        ->expected(2)
-        ->check(CLI::Range(1, 10000));
-    command.add_option("--earth-factors", options->earth_factors, "X Y: subsampling of Earth coordinates and height")
-        ->expected(2)
-        ->check(CLI::Range(1, 10000));
-    command.add_option("--interpolation", options->interpolation, "orbit interpolation in place of the one chosen");
-    command.add_flag("--force", options->force, "replace existing files of the folder");
+    COMPANION_COMMAND command = program.AddCommand("pair", "Make the folder of a run from two acquisitions and a DEM",
+                                                   kExample, [options] { Run(*options); });
+    command.Add("MASTER", options->master, "pool of the master, as sentinel1 makes it").Required();
+    command.Add("SLAVE", options->slave, "pool of the slave").Required();
+    AddRunOptions(command, *options,
+                  {"folder to be filled", "A:B, the master's lines from A up to B (not included), from 0",
+                   "C:D, the master's samples, in the same way", "orbit interpolation in place of the one chosen"});
+    command.AddFlag("--force", options->force, "replace existing files of the folder");
 }

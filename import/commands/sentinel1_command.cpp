@@ -63,13 +63,12 @@ void Run(const SENTINEL1_OPTIONS& options) {
 
 void AddSentinel1Command(COMPANION_PROGRAM& program) {
     const auto options = std::make_shared<SENTINEL1_OPTIONS>();
-    CLI::App& command = program.AddCommand("sentinel1", "Make an acquisition's pool from a Sentinel-1 annotation file",
-                                           kExample, [options] { Run(*options); });
-    command.add_option("ANNOTATION", options->annotation, "annotation file of one swath and polarisation (XML)")
-        ->required();
-    command.add_option("--orbit", options->orbit,
-                       "orbit file (EOF, OEM or CSV) that replaces the annotation's state vectors");
-    command.add_option("--burst", options->burst, "one burst, counted from 1, instead of the whole swath");
-    command.add_option("-o,--output", options->output, "pool to write")->required();
-    command.add_flag("--force", options->force, "replace an existing output");
+    COMPANION_COMMAND command =
+        program.AddCommand("sentinel1", "Make an acquisition's pool from a Sentinel-1 annotation file", kExample,
+                           [options] { Run(*options); });
+    command.Add("ANNOTATION", options->annotation, "annotation file of one swath and polarisation (XML)").Required();
+    command.Add("--orbit", options->orbit, "orbit file (EOF, OEM or CSV) that replaces the annotation's state vectors");
+    command.Add("--burst", options->burst, "one burst, counted from 1, instead of the whole swath");
+    command.Add("-o,--output", options->output, "pool to write").Required();
+    command.AddFlag("--force", options->force, "replace an existing output");
 }

@@ -6,6 +6,7 @@
 #include "companions/input_file.h"
 #include "companions/results.h"
 #include "import/commands/commands.h"
+#include "import/commands/run_options.h"
 #include "import/pair/pair_folder.h"
 #include "import/pair/pair_inputs.h"
 #include "import/stack/pair_table.h"
@@ -14,16 +15,9 @@
 
 namespace {
 
-struct STACK_OPTIONS {
+struct STACK_OPTIONS : RUN_OPTIONS {
     std::string images;
     std::string pairs;
-    std::string dem_pool;
-    std::string folder;
-    std::string lines;
-    std::string samples;
-    std::vector<int> shift_factors{1, 1};
-    std::vector<int> earth_factors{1, 1};
-    std::string interpolation;
 };
 
 struct OUTCOME {
@@ -208,27 +202,21 @@ class STACK_IMPORT {
 
 void AddStackCommand(COMPANION_PROGRAM& program) {
     const auto options = std::make_shared<STACK_OPTIONS>();
-    CLI::App& command = program.AddCommand("stack", "Make the folders of many runs from tables of images and pairs",
-                                           kExample, [options] { STACK_IMPORT(*options).Run(); });
+    COMPANION_COMMAND command =
+        program.AddCommand("stack", "Make the folders of many runs from tables of images and pairs", kExample,
+                           [options] { STACK_IMPORT(*options).Run(); });
     command
-        .add_option("IMAGES", options->images,
-                    "table (CSV) of names and annotation files, with an orbit file if there is one, or of ready pools: "
-                    "name,annotation,orbit,pool")
-        ->required();
+        .Add("IMAGES", options->images,
+             "table (CSV) of names and annotation files, with an orbit file if there is one, or of ready pools: "
+             "name,annotation,orbit,pool")
+        .Required();
     command
-        .add_option("PAIRS", options->pairs,
-                    "table of pairs: master,slave; or of rules: of next,days,baseline (each image with its next so "
-                    "many, within days, within metres)")
-        ->required();
-    command.add_option("DEM", options->dem_pool, "NAME.pool of the terrain model, with NAME.ras beside it")->required();
-    command.add_option("-o,--output", options->folder, "folder of the stack; what is there already stays")->required();
-    command.add_option("--lines", options->lines, "A:B, lines of every master from A up to B (not included), from 0");
-    command.add_option("--samples", options->samples, "C:D, samples of every master, in the same way");
-    command.add_option("--shift-factors", options->shift_factors, "RANGE AZIMUTH: subsampling of the shift maps")
-        ->expected(2)
-        ->check(CLI::Range(1, 10000));
-    command.add_option("--earth-factors", options->earth_factors, "X Y: subsampling of Earth coordinates and height")
-        ->expected(2)
-        ->check(CLI::Range(1, 10000));
-    command.add_option("--interpolation", options->interpolation, "orbit interpolation in place of those chosen");
+        .Add("PAIRS", options->pairs,
+             "table of pairs: master,slave; or of rules: of next,days,baseline (each image with its next so "
+             "many, within days, within metres)")
+        .Required();
+    AddRunOptions(command, *options,
+                  {"folder of the stack; what is there already stays",
+                   "A:B, lines of every master from A up to B (not included), from 0",
+                   "C:D, samples of every master, in the same way", "orbit interpolation in place of those chosen"});
 }
