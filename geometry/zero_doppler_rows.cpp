@@ -9,7 +9,7 @@
 namespace {
 
 using BLOCK = ZERO_DOPPLER_BLOCK;
-constexpr int kMaxSteps = 16;  ///< three are usual
+constexpr int kMostSteps = 16;  ///< three are usual
 
 bool IsUnsolved(const BLOCK& block, int i) {
     return std::abs(block.last_step_s[i]) > kZeroDopplerTolerance;
@@ -21,7 +21,7 @@ void SolveBlock(VECTOR_LEVEL level, const ROW_ORBIT& orbit, BLOCK& block) {
     const STEP_FRAME frame = {pieces.front().first_s, pieces.back().last_s, orbit.handle.offset_s, orbit.first_guess_s};
     const auto step_block = VELMORA_AT_LEVEL(level, StepBlock);
     int first_unsolved = 0;
-    for (int i = 0; i < kMaxSteps; ++i) {
+    for (int i = 0; i < kMostSteps; ++i) {
         while (!IsUnsolved(block, first_unsolved)) ++first_unsolved;
         const ORBIT_PIECE* const piece = orbit.compiled->PieceAt(block.time_s[first_unsolved] + orbit.handle.offset_s);
         if (step_block(*piece, frame, block) == 0) return;

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr double kMarginLines = 2000.0;  ///< samples farther from the image are not looked at
+constexpr double kShadowMarginLines = 2000.0;  ///< samples farther from the image are not looked at
 
 /// The scene with as much more of the DEM as a shadow that falls into the image may begin in.
 SCENE Widened(const SCENE& scene, double relief_m) {
@@ -437,7 +437,7 @@ LAYOVER_SHADOW::LAYOVER_SHADOW(const SCENE& scene, int samples, int lines, doubl
 /// As far beyond the image as the orbit's data go.
 LAYOVER_SHADOW::RADII LAYOVER_SHADOW::RadiiOf(const ACQUISITION_SCENE& acquisition) const {
     const TIME_WINDOW data = DataWindow(acquisition.orbit);
-    const auto margin = static_cast<int>(kMarginLines);
+    const auto margin = static_cast<int>(kShadowMarginLines);
     RADII radii;
     radii.first_line = -margin;
     for (int line = -margin; line <= lines_ + margin; ++line) {

@@ -15,11 +15,11 @@ namespace {
 std::optional<COMPILED_ORBIT> CompiledFor(const ACQUISITION_SCENE& acquisition, bool bistatic) {
     if (acquisition.orbit.orbit == nullptr) return std::nullopt;
     constexpr double kLongAperture_s = 5.0;
-    constexpr double kMarginLines = 2000.0;
+    constexpr double kOrbitMarginLines = 2000.0;
     constexpr double kShortestMargin_s = 1.0;
     const double length_s = acquisition.last_azimuth_time_s - acquisition.first_azimuth_time_s;
     const double margin_s =
-        std::max({kMarginLines * acquisition.azimuth_sampling_interval_s, length_s, kShortestMargin_s}) +
+        std::max({kOrbitMarginLines * acquisition.azimuth_sampling_interval_s, length_s, kShortestMargin_s}) +
         (bistatic ? kLongAperture_s : 0.0);
     const double offset_s = acquisition.orbit.offset_s;
     return std::optional<COMPILED_ORBIT>(std::in_place, *acquisition.orbit.orbit,

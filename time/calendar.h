@@ -4,6 +4,7 @@
 
 #pragma once
 
+inline constexpr long long kMicrosecondsPerDay = 86'400'000'000;
 inline constexpr int kLastYear = 9999;  ///< a year has four digits
 
 [[nodiscard]] bool IsLeapYear(int year);

@@ -3,11 +3,11 @@
 #include <limits>
 
 #include "lib/baselib/logging/logging.h"
+#include "time/calendar.h"
 
 namespace {
 
 constexpr long long kMillisecondsPerDay = 86'400'000;
-constexpr long long kMicrosecondsPerDay = 86'400'000'000;
 
 [[noreturn]] void ThrowRangeError(long long days, long long milliseconds, long long microseconds) {
     Log().Message(LOGGING_LEVEL::ALARM, "DURATION: exceeding representable range (d=%lld ms=%lld us=%lld)", days,

@@ -4,11 +4,10 @@
 #include <cstdlib>
 
 #include "lib/baselib/logging/logging.h"
+#include "time/calendar.h"
 #include "time/met_scanner.h"
 
 namespace {
-
-constexpr long long kMicrosecondsPerDay = 86'400'000'000;
 
 constexpr long long kMicrosecondsPerUnit[] = {kMicrosecondsPerDay, 3'600'000'000, 60'000'000, 1'000'000, 1000, 1};
 

@@ -8,11 +8,11 @@
 #include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/errors/parse_number.h"
 #include "lib/baselib/logging/logging.h"
+#include "time/calendar.h"
 
 namespace {
 
 constexpr double kMostSeconds = 1e12;  // beyond every calendar type's range, and far from overflow in microseconds
-constexpr long long kMicrosecondsPerDay = 86'400'000'000;
 
 /// @throws message when the shift exceeds any calendar
 long long RoundToMicroseconds(double seconds, const char* message) {

@@ -10,7 +10,6 @@
 namespace {
 
 constexpr long long kMicrosecondsPerSecond = 1'000'000;
-constexpr long long kMicrosecondsPerDay = 86'400 * kMicrosecondsPerSecond;
 constexpr long long kMillisecondsPerMinute = 60'000;
 constexpr int kSpareMinute = 60;
 constexpr size_t kTextSize = 128;  // eight integers of at most eleven characters and their separators

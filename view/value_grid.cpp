@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr float kNoValue = std::numeric_limits<float>::quiet_NaN();
+constexpr float kNoMean = std::numeric_limits<float>::quiet_NaN();
 
 /// Sums of one row of blocks.
 struct BLOCK_SUMS {
@@ -62,7 +62,7 @@ void Add(AVERAGE average, const std::vector<double>& values, int factor, BLOCK_S
 }
 
 float ValueOfBlock(const BLOCK_SUMS& sums, std::size_t block, AVERAGE average) {
-    if (sums.count[block] == 0) return kNoValue;
+    if (sums.count[block] == 0) return kNoMean;
     if (average != AVERAGE::PHASE) return static_cast<float>(sums.first[block] / sums.count[block]);
     const double angle = std::atan2(sums.second[block], sums.first[block]);
     return static_cast<float>(angle < 0.0 ? angle + 2.0 * std::numbers::pi : angle);

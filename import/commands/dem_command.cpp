@@ -40,7 +40,7 @@ struct DEM_OUTCOME {
     HEIGHT_STATISTICS statistics;
 };
 
-constexpr const char* kExample =
+constexpr const char* kDemExample =
     "  velmora-import dem N34W119.hgt.zip N34W118.hgt.zip --heights egm96 --fill-voids --around master.pool -o dem\n";
 
 std::vector<std::unique_ptr<DEM_SOURCE>> OpenAll(const std::vector<std::string>& files) {
@@ -207,8 +207,8 @@ void Run(const DEM_OPTIONS& options) {
 
 void AddDemCommand(COMPANION_PROGRAM& program) {
     const auto options = std::make_shared<DEM_OPTIONS>();
-    COMPANION_COMMAND command = program.AddCommand("dem", "Make the terrain model from DEM files of any kind", kExample,
-                                                   [options] { Run(*options); });
+    COMPANION_COMMAND command = program.AddCommand("dem", "Make the terrain model from DEM files of any kind",
+                                                   kDemExample, [options] { Run(*options); });
     command.Add("FILE", options->files, "DEM files: whatever GDAL reads, also in a zip archive").Required();
     command.Add("-o,--output", options->name, "NAME.ras and NAME.pool are written").Required();
     const COMMAND_OPTION box =

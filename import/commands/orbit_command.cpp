@@ -21,7 +21,7 @@ struct ORBIT_OPTIONS {
     bool force = false;
 };
 
-constexpr const char* kExample =
+constexpr const char* kOrbitExample =
     "  velmora-import orbit S1A_OPER_AUX_POEORB_....EOF --from 2023-01-08T13:52:51 --to 2023-01-08T13:53:17 \\\n"
     "      --into master.pool\n";
 
@@ -70,7 +70,7 @@ void Run(const ORBIT_OPTIONS& options) {
 void AddOrbitCommand(COMPANION_PROGRAM& program) {
     const auto options = std::make_shared<ORBIT_OPTIONS>();
     COMPANION_COMMAND command = program.AddCommand("orbit", "Put the state vectors of an orbit file into a pool",
-                                                   kExample, [options] { Run(*options); });
+                                                   kOrbitExample, [options] { Run(*options); });
     command.Add("FILE", options->file, "Sentinel-1 EOF, CCSDS OEM (KVN) or CSV").Required();
     command.Add("--from", options->from, "first line of the image, UTC").Required();
     command.Add("--to", options->to, "last line of the image, UTC").Required();

@@ -15,7 +15,7 @@ struct PAIR_OPTIONS : RUN_OPTIONS {
     bool force = false;
 };
 
-constexpr const char* kExample =
+constexpr const char* kPairExample =
     "  velmora-import pair master.pool slave.pool dem.pool -o run --lines 240:660 --samples 21480:22980 \\\n"
     "      --shift-factors 4 2 --earth-factors 3 3\n";
 
@@ -76,7 +76,7 @@ void Run(const PAIR_OPTIONS& options) {
 void AddPairCommand(COMPANION_PROGRAM& program) {
     const auto options = std::make_shared<PAIR_OPTIONS>();
     COMPANION_COMMAND command = program.AddCommand("pair", "Make the folder of a run from two acquisitions and a DEM",
-                                                   kExample, [options] { Run(*options); });
+                                                   kPairExample, [options] { Run(*options); });
     command.Add("MASTER", options->master, "pool of the master, as sentinel1 makes it").Required();
     command.Add("SLAVE", options->slave, "pool of the slave").Required();
     AddRunOptions(command, *options,

@@ -18,7 +18,7 @@ struct SENTINEL1_OPTIONS {
     bool force = false;
 };
 
-constexpr const char* kExample =
+constexpr const char* kSentinel1Example =
     "  velmora-import sentinel1 s1a-iw2-slc-vv-20230108t135251-....xml --orbit S1A_OPER_AUX_POEORB_....EOF \\\n"
     "      -o master.pool\n";
 
@@ -64,8 +64,8 @@ void Run(const SENTINEL1_OPTIONS& options) {
 void AddSentinel1Command(COMPANION_PROGRAM& program) {
     const auto options = std::make_shared<SENTINEL1_OPTIONS>();
     COMPANION_COMMAND command =
-        program.AddCommand("sentinel1", "Make an acquisition's pool from a Sentinel-1 annotation file", kExample,
-                           [options] { Run(*options); });
+        program.AddCommand("sentinel1", "Make an acquisition's pool from a Sentinel-1 annotation file",
+                           kSentinel1Example, [options] { Run(*options); });
     command.Add("ANNOTATION", options->annotation, "annotation file of one swath and polarisation (XML)").Required();
     command.Add("--orbit", options->orbit, "orbit file (EOF, OEM or CSV) that replaces the annotation's state vectors");
     command.Add("--burst", options->burst, "one burst, counted from 1, instead of the whole swath");

@@ -27,7 +27,7 @@ struct OUTCOME {
     std::string first_not_shown;  ///< one of them
 };
 
-constexpr const char* kExample = "  velmora-import stack images.csv pairs.csv dem.pool -o stack\n";
+constexpr const char* kStackExample = "  velmora-import stack images.csv pairs.csv dem.pool -o stack\n";
 constexpr const char* kTableNames =
     "pair,master,slave,perpendicular_baseline_m,time_difference_days,height_of_ambiguity_m";
 
@@ -203,7 +203,7 @@ class STACK_IMPORT {
 void AddStackCommand(COMPANION_PROGRAM& program) {
     const auto options = std::make_shared<STACK_OPTIONS>();
     COMPANION_COMMAND command =
-        program.AddCommand("stack", "Make the folders of many runs from tables of images and pairs", kExample,
+        program.AddCommand("stack", "Make the folders of many runs from tables of images and pairs", kStackExample,
                            [options] { STACK_IMPORT(*options).Run(); });
     command
         .Add("IMAGES", options->images,

@@ -5,7 +5,6 @@
 #include "lib/baselib/pool/parameter_pool_read_write_change.h"
 
 DEM_EDGES_OF_POOL EdgesOf(const SAMPLE_GRID& grid, const MAP_REFERENCE& map) {
-    constexpr double kTurn_deg = 360.0;
     constexpr double kHalfTurn_deg = 180.0;
     DEM_EDGES_OF_POOL edges{grid.y0, grid.Y(static_cast<double>(grid.rows)), grid.x0,
                             grid.X(static_cast<double>(grid.columns))};

@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr double kTurn_deg = 360.0;
-
 double Tolerance(const MAP_REFERENCE& map) {
     return map.kind == MAP_KIND::GEO ? kGridTolerance_deg : kGridTolerance_m;
 }

@@ -5,6 +5,8 @@
 
 #pragma once
 
+inline constexpr double kTurn_deg = 360.0;  ///< the longitude of a geographic grid comes again after a turn
+
 struct SAMPLE_GRID {
     double x0 = 0.0;
     double y0 = 0.0;

@@ -12,7 +12,6 @@ namespace {
 constexpr double kLowestTerrain_m = -1000.0;
 constexpr double kHighestTerrain_m = 9000.0;
 constexpr double kMargin_deg = 0.02;
-constexpr double kTurn_deg = 360.0;
 constexpr int kSteps = 16;
 
 class GROWING_BOX {

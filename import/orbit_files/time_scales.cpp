@@ -11,7 +11,6 @@
 namespace {
 
 constexpr long long kMicrosecondsPerSecond = 1'000'000;
-constexpr long long kMicrosecondsPerDay = 86'400 * kMicrosecondsPerSecond;
 constexpr int kTaiMinusUtcBefore1972_s = 10;
 constexpr int kTaiMinusGps_s = 19;
 

@@ -10,7 +10,7 @@
 namespace {
 
 constexpr double kLongestImage_s = 3600.0;
-constexpr double kMostLines = 1e7;
+constexpr double kMostGridLines = 1e7;
 
 IMAGE_GRID GridFrom(const S1_ANNOTATION& image, const UNIVERSAL_TIME& first_line, long long lines) {
     IMAGE_GRID grid;
@@ -45,7 +45,7 @@ IMAGE_GRID BurstGrid(const S1_ANNOTATION& image, int number) {
 /// Every line between the first and the last valid one is valid in some burst: bursts overlap.
 IMAGE_GRID DeburstGrid(const S1_ANNOTATION& image) {
     const double last_burst_line = LineOf(image, image.bursts.back());
-    if (last_burst_line > kMostLines || last_burst_line * image.line_interval_s > kLongestImage_s)
+    if (last_burst_line > kMostGridLines || last_burst_line * image.line_interval_s > kLongestImage_s)
         throw COMPANION_ERROR(image.orbit.file + ": the bursts reach over more than an hour or 10 million lines");
     IMAGE_GRID grid =
         GridFrom(image, image.bursts.front().first_line, std::llround(last_burst_line) + image.lines_per_burst);

@@ -14,12 +14,13 @@
 
 namespace {
 
-constexpr double kA = 6378137.0;
-constexpr double kB = 6356752.315;
+constexpr double kEquatorial_m = 6378137.0;
+constexpr double kPolar_m = 6356752.315;
 
 GEOLOCATION Locate(const CIRCULAR_ORBIT<double>& orbit, double look, double height_m, double fast_time_s,
                    double doppler_m_s = 0.0) {
-    return geolocation_fast(orbit.Position(0.0), orbit.Velocity(0.0), look, height_m, kB, kA, fast_time_s, doppler_m_s);
+    return geolocation_fast(orbit.Position(0.0), orbit.Velocity(0.0), look, height_m, kPolar_m, kEquatorial_m,
+                            fast_time_s, doppler_m_s);
 }
 
 TEST(GeolocationFast, MeetsRangeDopplerAndEllipsoidOnBothSides) {
@@ -34,8 +35,8 @@ TEST(GeolocationFast, MeetsRangeDopplerAndEllipsoidOnBothSides) {
         const CIRCULAR_ORBIT<double> orbit = {7071000.0, c.inclination_rad, 1.1, c.argument_rad};
         const VECTOR_3D<double> s = orbit.Position(0.0);
         const VECTOR_3D<double> v = orbit.Velocity(0.0);
-        const double a = kA + c.height_m;
-        const double b = kB + c.height_m;
+        const double a = kEquatorial_m + c.height_m;
+        const double b = kPolar_m + c.height_m;
         for (const double look : {1.0, -1.0}) {
             SCOPED_TRACE(std::to_string(c.inclination_rad) + " " + std::to_string(look));
             const GEOLOCATION g = Locate(orbit, look, c.height_m, 2.0 * c.range_m / kSpeedOfLight, c.doppler_m_s);
@@ -64,15 +65,16 @@ TEST(GeolocationFast, LooksRightForPlusOne) {
     // Over the equator and Greenwich, flying north: right is east.
     const VECTOR_3D<double> position = {7071000.0, 0.0, 0.0};
     const VECTOR_3D<double> velocity = {0.0, 0.0, 7500.0};
-    const GEOLOCATION right = geolocation_fast(position, velocity, 1.0, 0.0, kB, kA, 0.0055, 0.0);
-    const GEOLOCATION left = geolocation_fast(position, velocity, -1.0, 0.0, kB, kA, 0.0055, 0.0);
+    const GEOLOCATION right = geolocation_fast(position, velocity, 1.0, 0.0, kPolar_m, kEquatorial_m, 0.0055, 0.0);
+    const GEOLOCATION left = geolocation_fast(position, velocity, -1.0, 0.0, kPolar_m, kEquatorial_m, 0.0055, 0.0);
     EXPECT_GT(right.point_m.y, 0.0);
     EXPECT_NEAR(left.point_m.y, -right.point_m.y, 1e-6);
     EXPECT_NEAR(left.longitude_deg, 360.0 - right.longitude_deg, 1e-12);
     EXPECT_NEAR(left.latitude_deg, 0.0, 1e-12);
     // Plane triangle centre - satellite - point: the normal at the equator is radial.
     const double range = 0.0055 * kSpeedOfLight / 2.0;
-    const double cosine = (7071000.0 * 7071000.0 - kA * kA - range * range) / (2.0 * kA * range);
+    const double cosine =
+        (7071000.0 * 7071000.0 - kEquatorial_m * kEquatorial_m - range * range) / (2.0 * kEquatorial_m * range);
     EXPECT_NEAR(right.incidence_deg, std::acos(cosine) * kDegreesPerRadian, 1e-9);
 }
 
@@ -107,7 +109,7 @@ TEST(GeolocationFast, FailsWithItsTexts) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.texts[0]);
         const auto locate = [&] {
-            (void)geolocation_fast(c.position_m, c.velocity_m_s, 1.0, 0.0, kB, kA, c.fast_time_s, 0.0);
+            (void)geolocation_fast(c.position_m, c.velocity_m_s, 1.0, 0.0, kPolar_m, kEquatorial_m, c.fast_time_s, 0.0);
         };
         const std::string log = LoggedBy([&] { EXPECT_THROW(locate(), ERROR_DATA); }, LOGGING_LEVEL::ALARM);
         for (const std::string& text : c.texts) EXPECT_THAT(log, testing::HasSubstr(text));
@@ -116,7 +118,8 @@ TEST(GeolocationFast, FailsWithItsTexts) {
 
 TEST(GeolocationFast, WorksOverEveryMeridian) {
     for (const double y_m : {7071000.0, -7071000.0}) {  // x = 0, where the arc tangent has no quotient
-        const GEOLOCATION g = geolocation_fast({0.0, y_m, 0.0}, {0.0, 0.0, 7500.0}, 1.0, 0.0, kB, kA, 0.0055, 0.0);
+        const GEOLOCATION g =
+            geolocation_fast({0.0, y_m, 0.0}, {0.0, 0.0, 7500.0}, 1.0, 0.0, kPolar_m, kEquatorial_m, 0.0055, 0.0);
         EXPECT_NEAR(g.latitude_deg, 0.0, 1e-12);
         EXPECT_GT(g.point_m.y * y_m, 0.0);
         EXPECT_LT(g.point_m.x * y_m, 0.0) << "to the right of a flight north lies the east";
@@ -137,7 +140,7 @@ TEST(GeolocationFast, GivesUpAfterTheLastStep) {
             },
             LOGGING_LEVEL::TRACE);
     };
-    double fails_m = Length(orbit.Position(0.0)) - kA;
+    double fails_m = Length(orbit.Position(0.0)) - kEquatorial_m;
     double converges_m = fails_m + 200e3;
     int most_steps = 0;
     std::string failure;

@@ -8,9 +8,9 @@
 
 namespace {
 
-constexpr std::size_t kMostFiles = 16;  // the program maps one
+constexpr std::size_t kMostMappedFiles = 16;  // the program maps one
 
-std::array<std::atomic<const MAPPED_FILE*>, kMostFiles> mapped{};
+std::array<std::atomic<const MAPPED_FILE*>, kMostMappedFiles> mapped{};
 static_assert(std::atomic<const MAPPED_FILE*>::is_always_lock_free);
 
 }  // namespace

@@ -19,7 +19,7 @@
 namespace {
 
 /// Narrow images are written many rows at a time: a system call for each row would cost more than its bytes.
-constexpr long long kBytesPerWrite = 1 << 20;
+constexpr long long kBytesPerSave = 1 << 20;
 
 /// An open, empty file, or a character device such as /dev/null.
 int OpenToSave(const std::string& path, mode_t permissions) {
@@ -46,7 +46,7 @@ int OpenToSave(const std::string& path, mode_t permissions) {
 /// @return 0 or the errno value
 int WriteRows(int file_descriptor, const std::byte* pixels, long long rows, long long row_bytes) {
     if (row_bytes == 0) return 0;
-    const long long rows_per_write = std::max(kBytesPerWrite / row_bytes, 1LL);
+    const long long rows_per_write = std::max(kBytesPerSave / row_bytes, 1LL);
     for (long long row = 0; row < rows; row += rows_per_write) {
         const long long bytes = std::min(rows_per_write, rows - row) * row_bytes;
         const int error = WriteWhole(file_descriptor, pixels + row * row_bytes, static_cast<std::size_t>(bytes));
