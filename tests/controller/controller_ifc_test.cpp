@@ -2,13 +2,13 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <functional>
 #include <tuple>
 
 #include "lib/baselib/logging/logging.h"
+#include "tests/kit/in_process.h"
 #include "tests/kit/temporary_folder.h"
 
 namespace {
@@ -28,8 +28,7 @@ OUTCOME RunController(std::vector<std::string> arguments, const std::function<vo
     std::vector<char*> argv;
     for (std::string& argument : arguments) argv.push_back(argument.data());
     argv.push_back(nullptr);
-    const pid_t child = fork();
-    if (child == 0) {
+    const int status = InProcess([&] {
         Log().SetScreenThreshold(10);
         Log().SetFileThreshold(1);
         CONTROLLER_IFC controller;
@@ -37,10 +36,8 @@ OUTCOME RunController(std::vector<std::string> arguments, const std::function<vo
         controller.init(static_cast<int>(arguments.size()), argv.data(), true);
         use(controller);
         _exit(7);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status), Content("log")};
+    });
+    return {status, Content("log")};
 }
 
 class ControllerTest : public testing::Test {

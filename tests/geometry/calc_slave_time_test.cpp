@@ -80,12 +80,6 @@ void SolveOnFloatOrbit(int times) {
     for (int i = 0; i < times; ++i) (void)CalcSlaveTime({orbit.get(), 0.0}, PointBeside(motion), &range_m, -5.0);
 }
 
-int Count(const std::string& text, const std::string& part) {
-    int count = 0;
-    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
-    return count;
-}
-
 TEST(CalcSlaveTime, LogsTheFirstTenFailuresOfAThreadAndCountsTheRest) {
     const std::string line = "iterations count 100 exceeded in CalcSlaveTime( t=";
     const std::string log = LoggedBy([&] {
@@ -93,15 +87,15 @@ TEST(CalcSlaveTime, LogsTheFirstTenFailuresOfAThreadAndCountsTheRest) {
         SolveOnFloatOrbit(25);
     });
     EXPECT_THAT(log, testing::HasSubstr(", Residuals: dt ="));
-    EXPECT_EQ(Count(log, line), 10);
+    EXPECT_EQ(CountOf(line, log), 10);
     EXPECT_THAT(log, testing::HasSubstr("CalcSlaveTime: 15 more solutions of this thread did not converge\n"));
 
     const std::string few = LoggedBy([&] {
         const CONVERGENCE_REPORT report;
         SolveOnFloatOrbit(10);
     });
-    EXPECT_EQ(Count(few, "more solutions"), 0);
-    EXPECT_EQ(Count(LoggedBy([&] { SolveOnFloatOrbit(12); }), line), 12);  // nobody counts
+    EXPECT_EQ(CountOf("more solutions", few), 0);
+    EXPECT_EQ(CountOf(line, LoggedBy([&] { SolveOnFloatOrbit(12); })), 12);  // nobody counts
 }
 
 }  // namespace

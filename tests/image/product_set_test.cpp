@@ -5,12 +5,10 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <cstring>
-#include <functional>
 #include <map>
 #include <string>
 #include <thread>
@@ -20,6 +18,7 @@
 #include "lib/baselib/image/output_path.h"
 #include "lib/baselib/logging/logging.h"
 #include "tests/kit/hexadecimal.h"
+#include "tests/kit/in_process.h"
 #include "tests/kit/log_capture.h"
 #include "tests/kit/temporary_folder.h"
 
@@ -53,18 +52,6 @@ std::map<std::string, std::string> Contents(const std::string& folder) {
         if (!entry.is_symlink() && entry.is_regular_file()) content = Content(entry.path());
     }
     return contents;
-}
-
-/// Runs in a process of its own. @return its exit status, or minus the signal that ended it
-int InProcess(const std::function<void()>& action) {
-    const pid_t child = fork();
-    if (child == 0) {
-        action();
-        std::exit(0);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }
 
 TEST(ProductSet, ReplacesFilesAndKeepsLinksPermissionsAndNeighbours) {

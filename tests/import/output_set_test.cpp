@@ -1,16 +1,13 @@
 #include "companions/output_set.h"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <csignal>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include "companions/companion_error.h"
 #include "companions/temporary_names.h"
+#include "tests/kit/in_process.h"
+#include "tests/kit/temporary_folder.h"
 
 namespace fs = std::filesystem;
 
@@ -18,22 +15,11 @@ namespace {
 
 class OutputSet : public ::testing::Test {
   protected:
-    OutputSet() {
-        std::string name = (fs::temp_directory_path() / "output_set_XXXXXX").string();
-        folder_ = mkdtemp(name.data());
-    }
-    ~OutputSet() override { fs::remove_all(folder_); }
+    [[nodiscard]] std::string Path(const std::string& name) const { return folder_.Path(name); }
+    [[nodiscard]] std::string Read(const std::string& name) const { return Content(Path(name)); }
+    [[nodiscard]] long Files() const { return std::distance(fs::directory_iterator(Path("")), {}); }
 
-    [[nodiscard]] std::string Path(const std::string& name) const { return folder_ + "/" + name; }
-    void Write(const std::string& path, const std::string& text) const { std::ofstream(path) << text; }
-    [[nodiscard]] std::string Read(const std::string& name) const {
-        std::ostringstream text;
-        text << std::ifstream(Path(name)).rdbuf();
-        return text.str();
-    }
-    [[nodiscard]] long Files() const { return std::distance(fs::directory_iterator(folder_), {}); }
-
-    std::string folder_;
+    TEMPORARY_FOLDER folder_;
 };
 
 TEST_F(OutputSet, ReplacesAllFilesTogetherAndKeepsPermissions) {
@@ -74,17 +60,12 @@ TEST_F(OutputSet, TakesBackWhatIsInPlaceWhenALaterFileFails) {
 }
 
 TEST_F(OutputSet, ASignalLeavesNoTemporaryFile) {
-    const pid_t child = fork();
-    if (child == 0) {
+    EXPECT_EQ(-SIGTERM, InProcess([this] {
         InstallTemporaryFileRemoval();
         OUTPUT_SET outputs(false);
         Write(outputs.Add(Path("a")), "new a");
         raise(SIGTERM);
-        _exit(0);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM);
+    }));
     EXPECT_EQ(Files(), 0);
 }
 

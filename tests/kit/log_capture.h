@@ -47,6 +47,13 @@ std::string ErrorAndLogOf(FUNCTION function) {
     return failure + log;
 }
 
+/// How often the part stands in the text.
+inline int CountOf(const std::string& part, const std::string& text) {
+    int count = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
+    return count;
+}
+
 /// The const char* that the function throws, or "nothing thrown".
 template <class FUNCTION>
 std::string TextThrownBy(FUNCTION function) {

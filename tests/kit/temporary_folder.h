@@ -24,6 +24,15 @@ inline std::string Write(const std::string& path, const std::string& content) {
     return path;
 }
 
+/// Bytes that this process has asked the system to read so far; negative where it does not tell.
+inline long long BytesRead() {
+    std::ifstream io("/proc/self/io");
+    std::string name;
+    long long value = -1;
+    io >> name >> value;
+    return name == "rchar:" ? value : -1;
+}
+
 /// In memory where the machine has room for it: what is flushed to disk costs nothing there.
 class TEMPORARY_FOLDER {
   public:

@@ -148,15 +148,6 @@ TEST_F(MdbTest, CalendarKeysAreFoundByTheirOwnOrder) {
     EXPECT_EQ(db["time"].ValueText(), "01-JAN-2012/00:00:00.000000");
 }
 
-/// Bytes that this process has asked the system to read so far.
-long long BytesRead() {
-    std::ifstream io("/proc/self/io");
-    std::string name;
-    long long value = -1;
-    io >> name >> value;
-    return name == "rchar:" ? value : -1;
-}
-
 TEST_F(MdbTest, SearchesInHundredThousandRecordsTouchAFewPages) {
     constexpr int kRecords = 100000;
     WriteFile("format.dat", "t : int\nx : double\n");

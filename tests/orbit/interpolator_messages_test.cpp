@@ -44,12 +44,6 @@ std::string LogOfCreate(const X& x, int order, int count = -1) {
     return LoggedBy([&] { I().Create(Points(x), order, count); });
 }
 
-size_t Count(const std::string& text, const std::string& what) {
-    size_t count = 0;
-    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) ++count;
-    return count;
-}
-
 TEST(InterpolatorLog, TellsOrdersDroppedValuesAndPieces) {
     const X three = {0, 1, 2};
     const X many = Grid(0, 10, 40);
@@ -62,12 +56,12 @@ TEST(InterpolatorLog, TellsOrdersDroppedValuesAndPieces) {
     EXPECT_THAT(LogOfCreate<CHEBY_POLY<double>>(three, 9),
                 AllOf(HasSubstr("WARN  : global : CHEBY_POLY::Create: reduce polynomial fit order 9 -> 2\n"),
                       HasSubstr("INFO  : global : CHEBY_POLY::Create: chi^2 = ")));
-    EXPECT_EQ(Count(LogOfCreate<LOCAL_FIT>(kGrid, 9, 5), "reduce polynomial fit order 9 -> 4\n"), 1u);
+    EXPECT_EQ(CountOf("reduce polynomial fit order 9 -> 4\n", LogOfCreate<LOCAL_FIT>(kGrid, 9, 5)), 1);
 
     EXPECT_THAT(LogOfCreate<POLYNOM_FIT<double>>(many, 17),
                 HasSubstr("of 18 singular values lie below 1e-5 of the largest and were dropped"));
     EXPECT_THAT(LogOfCreate<POLYNOM_FIT<double>>(many, 11), Not(HasSubstr("dropped")));
-    EXPECT_EQ(Count(LogOfCreate<LOCAL_FIT>(many, 17, 30), "dropped"), 1u) << "once for all pieces";
+    EXPECT_EQ(CountOf("dropped", LogOfCreate<LOCAL_FIT>(many, 17, 30)), 1) << "once for all pieces";
 
     EXPECT_EQ(LoggedBy([] { LOCAL_POLYNOM().Create(SamplesOf<POINT<double>>(kSine, kGrid, 3), -1, 11); }),
               "PARAM : global : LOCAL_INTERPOLATION: polynom count; 2\n"
@@ -96,8 +90,8 @@ TEST(LocalInterpolation, MakesOfManyPiecesThoseThatAreAskedFor) {
     LOCAL_FIT local;
     const std::string created = LoggedBy([&] { local.Create(Points(x), 7, 9); });
     EXPECT_THAT(created, HasSubstr("LOCAL_INTERPOLATION: polynom count; " + std::to_string(kPieces) + "\n"));
-    EXPECT_EQ(Count(created, "idx_start="), 1u);
-    EXPECT_EQ(Count(LogOfCreate<LOCAL_FIT>(Grid(100, 10, kPieces + 7), 7, 9), "idx_start="), kPieces - 1u)
+    EXPECT_EQ(CountOf("idx_start=", created), 1);
+    EXPECT_EQ(CountOf("idx_start=", LogOfCreate<LOCAL_FIT>(Grid(100, 10, kPieces + 7), 7, 9)), kPieces - 1)
         << "few: all";
 
     const LOCAL_FIT copy = local;  // shares the pieces
@@ -106,7 +100,7 @@ TEST(LocalInterpolation, MakesOfManyPiecesThoseThatAreAskedFor) {
         for (const double at : {1142.0, 1138.0, 1142.0}) value = copy.Value(at);
     });
     EXPECT_THAT(asked, HasSubstr("PARAM : global : idx_start=100 idx_stop=108 t_start=1135 t_stop=1145\n"));
-    EXPECT_EQ(Count(asked, "idx_start="), 1u);
+    EXPECT_EQ(CountOf("idx_start=", asked), 1);
     POLYNOM_FIT<double> piece;
     piece.Create(Points({x.begin() + 100, x.begin() + 109}), 7, -1);
     EXPECT_EQ(value, piece.Value(1142.0));
@@ -119,7 +113,7 @@ TEST(LocalInterpolation, MakesOfManyPiecesThoseThatAreAskedFor) {
             });
         for (std::thread& thread : threads) thread.join();
     });
-    EXPECT_EQ(Count(made, "idx_start="), kPieces - 2u) << "each of the others once";
+    EXPECT_EQ(CountOf("idx_start=", made), kPieces - 2) << "each of the others once";
 }
 
 TEST(Everett, RefusesWhatItCanNotInterpolate) {
@@ -175,8 +169,8 @@ TEST(Everett, ForcesTheOuterCellsInwardsAndSaysSoALimitedNumberOfTimes) {
     const std::string log = LoggedBy([&] {
         for (int i = 0; i < 1000; ++i) copy.Value(101);
     });
-    EXPECT_EQ(Count(log, "Forced interpolation left hand side."), 10u);
-    EXPECT_EQ(Count(log, "WARN  : global : EVERETT::GetXi: no further lines of this kind from this axis"), 1u);
+    EXPECT_EQ(CountOf("Forced interpolation left hand side.", log), 10);
+    EXPECT_EQ(CountOf("WARN  : global : EVERETT::GetXi: no further lines of this kind from this axis", log), 1);
 }
 
 TEST(Interpolators, RefuseBadSupportPointsAndParameters) {

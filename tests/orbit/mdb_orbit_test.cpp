@@ -2,14 +2,13 @@
 
 #include <gmock/gmock.h>
 
-#include <filesystem>
-
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/pool/parameter_pool.h"
 #include "orbit/interpolation/local_interpolation.h"
 #include "orbit/interpolation/polynom.h"
 #include "tests/kit/log_capture.h"
 #include "tests/kit/orbit_pools.h"
+#include "tests/kit/temporary_folder.h"
 
 namespace {
 
@@ -22,12 +21,6 @@ using LOCALPOLYNOM_OF_MDB =
 /// A database folder with one data file of 24 vectors every 10 s, in its folder of missions and data takes.
 class ORBIT_DATABASE : public testing::Test {
   protected:
-    void SetUp() override {
-        std::string name = (fs::temp_directory_path() / "mdb_orbit_XXXXXX").string();
-        root_ = mkdtemp(name.data());
-    }
-    void TearDown() override { fs::remove_all(root_); }
-
     /// @param kind "double", "utc" or "met"
     void WriteDatabase(const std::string& file, const std::string& kind) const {
         fs::create_directories(fs::path(file).parent_path());
@@ -65,7 +58,8 @@ class ORBIT_DATABASE : public testing::Test {
 
     std::string UsualFile() const { return root_ + "/mission_1/dt_17_1234/hddc_42_sec/rest_3"; }
 
-    std::string root_;
+    TEMPORARY_FOLDER folder_;
+    std::string root_ = folder_.Path("db");
 };
 
 /// Log of an attempt to read, then the failure or "read".

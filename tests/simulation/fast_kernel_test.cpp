@@ -191,12 +191,6 @@ TEST(FastKernel, TellsOfLinesAsOftenAsThePlainOne) {
         s.scene.dem.x0 += 0.5 * s.request.dem_size * s.scene.dem.dx;
         s.scene.dem.dx *= 1e-9;  // all columns in one place, the middle
     };
-    const auto lines_of = [](const std::string& log) {
-        int count = 0;
-        for (std::size_t at = log.find("only line"); at != std::string::npos; at = log.find("only line", at + 1))
-            ++count;
-        return count;
-    };
     SCENE_REQUEST small;
     small.height_per_column_m = 0;
     TEST_SCENE plain(small);
@@ -204,10 +198,10 @@ TEST(FastKernel, TellsOfLinesAsOftenAsThePlainOne) {
     TEST_SCENE fast(small);
     flatten(fast);
     const ENVIRONMENT_SETTING parallel("PARALLEL", "1");
-    const int expected = lines_of(LoggedBy([&] { PlainSimulateRows(plain.scene, 40, 42); }));
+    const int expected = CountOf("only line", LoggedBy([&] { PlainSimulateRows(plain.scene, 40, 42); }));
     fast.scene.simulated.first_row = 40;
     fast.scene.simulated.last_row = 42;
-    const int told = lines_of(LoggedBy([&] { fast.Run(); }));
+    const int told = CountOf("only line", LoggedBy([&] { fast.Run(); }));
     EXPECT_GT(expected, 0);
     EXPECT_EQ(told, expected);
 }
