@@ -368,7 +368,7 @@ TEST(BistaticSolution, GivesInRowsWhatItGivesPointByPoint) {
         for (int label = 1; label <= 101; ++label) {
             const std::string text = "\nTRACE : global : " + std::to_string(label) + " iterations: ";
             if (const std::size_t at = log.find(text); at != std::string::npos) {
-                EXPECT_LE(label, 4);
+                EXPECT_LE(label, 3) << "the difference of the ranges is a good first guess";
                 solutions += std::stoi(log.substr(at + text.size()));
             }
         }
