@@ -48,11 +48,7 @@ void CopyRow(const std::byte* pixels, std::span<double> values) {
 
 PIXEL_TYPE PixelTypeOfFile(const std::string& path) {
     const RASTER_HEADER header = HeaderOf(path);
-    for (unsigned number = 1; number <= static_cast<unsigned>(PIXEL_TYPE::RGB); ++number) {
-        const PIXEL_TYPE_RECORD& type = KnownPixelType(static_cast<PIXEL_TYPE>(number));
-        if (type.type_word == header.type && 8U * static_cast<unsigned>(type.bytes) == header.depth)
-            return type.pixel_type;
-    }
+    if (const PIXEL_TYPE_RECORD* const type = FindPixelType(header.type, header.depth)) return type->pixel_type;
     throw COMPANION_ERROR(path + ": header: no pixel type has depth " + std::to_string(header.depth) + " and type " +
                           std::to_string(header.type));
 }
