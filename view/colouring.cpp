@@ -4,6 +4,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "view/flag_colours.h"
+
 namespace {
 
 /// Both signs matter when the smaller end is at least a quarter of the larger one.
@@ -102,18 +104,19 @@ void Shade(const VALUE_GRID& grid, std::vector<COLOUR>& colours) {
 }  // namespace
 
 COLOURING ColouringFor(const PRODUCT_KIND* kind, PIXEL_TYPE pixel_type, const VALUE_GRID& grid) {
-    if (kind != nullptr && kind->product == PRODUCT::SIMU_PHASE)
-        return {TABLE::CYCLIC, {0.0, 2.0 * std::numbers::pi}, false};
+    if (kind != nullptr && kind->product == PRODUCT::SIMU_PHASE) return {TABLE::CYCLIC, {0.0, 2.0 * std::numbers::pi}};
+    if (kind != nullptr && kind->product == PRODUCT::LAYOVER_SHADOW) return {.has_classes = true};
     const VALUE_RANGE range = RangeOf(grid).value_or(VALUE_RANGE{});
-    if (IsHeight(kind, pixel_type)) return {TABLE::TERRAIN, range, true};
+    if (IsHeight(kind, pixel_type)) return {.table = TABLE::TERRAIN, .range = range, .shaded = true};
     if (IsCoordinate(kind) || IsBaseline(kind) || (IsShift(kind) && IsAboutZero(range))) {
         const double most = std::max(std::fabs(range.low), std::fabs(range.high));
-        return {TABLE::DIVERGING, {-most, most}, false};
+        return {TABLE::DIVERGING, {-most, most}};
     }
-    return {TABLE::SEQUENTIAL, range, false};
+    return {TABLE::SEQUENTIAL, range};
 }
 
 std::vector<COLOUR> Colours(const VALUE_GRID& grid, const COLOURING& colouring) {
+    if (colouring.has_classes) return FlagColours(grid);
     const COLOUR_TABLE& table = ColourTable(colouring.table);
     std::vector<COLOUR> colours(grid.values.size(), kGrey);
     for (std::size_t i = 0; i < colours.size(); ++i) {

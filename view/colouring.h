@@ -11,8 +11,9 @@
 
 struct COLOURING {
     TABLE table = TABLE::SEQUENTIAL;
-    VALUE_RANGE range;    ///< values at the table's ends
-    bool shaded = false;  ///< light from the upper left, slopes scaled so that the typical one stands out
+    VALUE_RANGE range{};       ///< values at the table's ends
+    bool has_classes = false;  ///< bits of layover and shadow: no table, no range
+    bool shaded = false;       ///< light from the upper left, slopes scaled so that the typical one stands out
 };
 
 /// Phase: cyclic over 0..2 pi. Height and terrain models: shaded. Coordinates less offset, and shifts of both signs:

@@ -96,8 +96,7 @@ AVERAGE AverageFor(const PRODUCT_KIND* kind) {
 CANVAS DrawPicture(const RASTER_FILE& raster, const PRODUCT_KIND* kind, int longest, std::optional<double> invalid) {
     const VALUE_GRID grid = AverageDown(raster, FactorFor(raster, longest), AverageFor(kind), invalid);
     const COLOURING colouring = ColouringFor(kind, raster.PixelType(), grid);
-    const bool has_classes = AverageFor(kind) == AVERAGE::BITS;
-    const std::vector<COLOUR> colours = has_classes ? FlagColours(grid) : Colours(grid, colouring);
+    const std::vector<COLOUR> colours = Colours(grid, colouring);
 
     CANVAS canvas(std::max(grid.columns, kShortestLongestSide), grid.rows + kLegendRows, kWhite);
     for (int row = 0; row < grid.rows; ++row) {
@@ -106,7 +105,7 @@ CANVAS DrawPicture(const RASTER_FILE& raster, const PRODUCT_KIND* kind, int long
     }
     const LEGEND_PLACE place{grid.rows, canvas.Columns()};
     canvas.Write(kMargin, place.row + kMargin, Title(kind), kBlack);
-    if (has_classes) {
+    if (colouring.has_classes) {
         DrawClasses(canvas, place);
     } else {
         DrawBar(canvas, place, colouring);

@@ -197,6 +197,10 @@ def test_globe_file_holds_transparent_and_coloured_pixels(tmp_path):
     tile = gdal.Open("/vsizip/%s/0/0/0.png" % (tmp_path / "turns.kmz")).ReadAsArray()
     colours = tile[:3, tile[3] == 255]
     assert colours.size and np.ptp(colours, axis=1).max() <= 2  # whole turns do not show
+    write(tmp_path / "flags.ras", np.full(shape, 1), "u1")
+    good(tmp_path, "geocode", "flags.ras", "--kind", "LAYOVER_SHADOW", "--pool", "insar.pool", "--kmz")
+    tile = gdal.Open("/vsizip/%s/0/0/0.png" % (tmp_path / "flags.kmz")).ReadAsArray()
+    assert set(map(tuple, tile[:3, tile[3] == 255].T)) == {(230, 130, 40)}  # the picture's colour of layover
 
 
 BAD_PIXELS = struct.pack(">8I", 0x59A66A95, 4, 4, 24, 48, 3, 0, 0) + bytes(48)
