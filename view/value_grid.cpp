@@ -78,20 +78,28 @@ class AVERAGER {
     }
 
     VALUE_GRID Grid() {
+        // All memory before the threads: none could say that there is not enough.
+        const auto count = std::min<std::size_t>(std::clamp(std::thread::hardware_concurrency(), 1U, 16U),
+                                                 static_cast<std::size_t>(std::max(grid_.rows, 1)));
+        std::vector<ROOM> rooms(count, ROOM(raster_.Columns(), grid_.columns));
         {
             std::vector<std::jthread> threads;
-            const unsigned count = std::clamp(std::thread::hardware_concurrency(), 1U, 16U);
-            for (unsigned i = 0; i < count; ++i) threads.emplace_back([this] { FillRows(); });
+            for (ROOM& room : rooms) threads.emplace_back([this, &room] { FillRows(room); });
         }
         return std::move(grid_);
     }
 
   private:
+    /// What a thread works in.
+    struct ROOM {
+        ROOM(long long columns, int blocks) : values(static_cast<std::size_t>(columns)), sums(blocks) {}
+        std::vector<double> values;
+        BLOCK_SUMS sums;
+    };
+
     /// Each thread takes the next row that nobody has.
-    void FillRows() {
-        std::vector<double> values(static_cast<std::size_t>(raster_.Columns()));
-        BLOCK_SUMS sums(grid_.columns);
-        for (int row = next_row_++; row < grid_.rows; row = next_row_++) FillRow(row, values, sums);
+    void FillRows(ROOM& room) {
+        for (int row = next_row_++; row < grid_.rows; row = next_row_++) FillRow(row, room.values, room.sums);
     }
 
     void FillRow(int row, std::vector<double>& values, BLOCK_SUMS& sums) {

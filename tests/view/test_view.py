@@ -203,6 +203,16 @@ def test_globe_file_holds_transparent_and_coloured_pixels(tmp_path):
     assert set(map(tuple, tile[:3, tile[3] == 255].T)) == {(230, 130, 40)}  # the picture's colour of layover
 
 
+@pytest.mark.skipif(velmora_run.SANITIZED, reason="a sanitizer needs more address space than the test leaves")
+def test_rows_longer_than_the_memory_are_refused(tmp_path):
+    with open(tmp_path / "wide.ras", "wb") as file:  # a sparse file: 2 GiB a row, 16 as reals
+        file.write(struct.pack(">8I", 0x59A66A95, 2**31, 1, 8, 0, 1, 0, 0))
+        file.truncate(32 + 2**31)
+    done = subprocess.run(["sh", "-c", 'ulimit -v 8000000; exec "$0" picture wide.ras', VIEW], cwd=tmp_path, capture_output=True,
+                          text=True, timeout=60, check=False)
+    assert (done.returncode, done.stderr) == (1, "velmora-view: not enough memory\n")
+
+
 BAD_PIXELS = struct.pack(">8I", 0x59A66A95, 4, 4, 24, 48, 3, 0, 0) + bytes(48)
 REFUSED = {
     "no file": (["picture", "none.ras"], "none.ras: can not open"),
