@@ -46,7 +46,8 @@ TEST_F(ControlFileTest, TellsMissingFilesFromUnreadableOnesAndTakesPipes) {
     ASSERT_EQ(mkfifo("pipe", 0600), 0);
     const std::pair<const char*, const char*> cases[] = {
         {"nothing", ""},
-        {".", ""},
+        {"nothing/below", ""},
+        {".", "Is a directory"},
         {"/dev/zero", "it has more than 16777216 bytes"},
         {"/proc/self/mem", "Input/output error"},  // a read error is not the end of the file
         {"pipe", "nobody wrote into it for 0 s"},

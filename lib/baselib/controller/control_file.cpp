@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -49,15 +48,15 @@ bool CONTROL_FILE::Open(const std::string& path, int longest_silence_s) {
     Close();
     problem_.clear();
     // O_NONBLOCK: opening a named pipe must not wait for its writer; reading waits, for a bounded time.
-    const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (descriptor < 0) return false;
-    struct stat status = {};
-    if (fstat(descriptor, &status) == 0 && !S_ISDIR(status.st_mode)) {
-        const int error = ReadAll(descriptor, longest_silence_s, content_);
-        is_open_ = error == 0;
-        if (!is_open_) problem_ = ProblemText(error, longest_silence_s);
-    }
-    close(descriptor);
+    int descriptor = -1;
+    do {
+        descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    } while (descriptor < 0 && errno == EINTR);
+    const int error = descriptor < 0 ? errno : ReadAll(descriptor, longest_silence_s, content_);
+    if (descriptor >= 0) close(descriptor);
+    is_open_ = error == 0;
+    const bool is_missing = descriptor < 0 && (error == ENOENT || error == ENOTDIR);
+    if (!is_open_ && !is_missing) problem_ = ProblemText(error, longest_silence_s);
     return is_open_;
 }
 

@@ -25,11 +25,12 @@ class CONTROL_FILE {
     static constexpr int kLongestSilenceSeconds = 60;
 
     /// @param longest_silence_s a pipe into which nobody writes for so long is given up
-    /// @return false when there is no such file, or it cannot be read to its end: then Problem() tells why
+    /// @return false when there is no such file; or when there is one that can not be read to its end: then Problem()
+    ///         tells why
     [[nodiscard]] bool Open(const std::string& path, int longest_silence_s = kLongestSilenceSeconds);
     void Close();
     [[nodiscard]] bool IsOpen() const { return is_open_; }
-    /// Empty unless there is a file that could be opened but not read.
+    /// Empty unless there is something that could not be opened or not be read.
     [[nodiscard]] const std::string& Problem() const { return problem_; }
 
     /// The next line, or nothing at the end of the file.
