@@ -38,16 +38,12 @@ void RequireLength(const PARAMETER_POOL& pool, const char* key, size_t length, s
                                           key, length, kNames, names);
 }
 
-std::string TimeText(std::time_t seconds_since_epoch) {
-    return LocalTimeText(seconds_since_epoch, "%Y-%m-%dT%H:%M:%S");
-}
-
 }  // namespace
 
 HISTORY_ENTRY EntryOfRun(const VERSION_RECORD& version, std::time_t start, std::time_t end) {
     const long long duration_s = std::clamp<long long>(end - start, 0, INT_MAX);
-    return {version.program_name, version.version, version.revision_date,
-            TimeText(start),      TimeText(end),   static_cast<int>(duration_s)};
+    return {version.program_name,  version.version,     version.revision_date,
+            LocalTimeStamp(start), LocalTimeStamp(end), static_cast<int>(duration_s)};
 }
 
 void SOFTWARE_HISTORY::ReadFrom(PARAMETER_POOL& pool) {

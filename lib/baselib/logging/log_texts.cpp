@@ -2,8 +2,7 @@
 
 #include <array>
 #include <cstdio>
-#include <iomanip>
-#include <sstream>
+#include <ctime>
 
 std::string Printable(std::string_view text) {
     std::string shown;
@@ -40,12 +39,20 @@ std::string ExecutionTimeText(long long duration_s) {
     return text;
 }
 
-std::string LocalTimeText(std::time_t seconds_since_epoch, const char* format) {
+// No streams: without memory they would give the beginning of the text and say nothing.
+
+std::string LocalTimeText(std::time_t seconds_since_epoch) {
     std::tm local = {};
     localtime_r(&seconds_since_epoch, &local);
-    std::ostringstream text;
-    text << std::put_time(&local, format);
-    return text.str();
+    char text[100];
+    return {text, std::strftime(text, sizeof text, "%a %b %e %H:%M:%S %Y", &local)};
+}
+
+std::string LocalTimeStamp(std::time_t seconds_since_epoch) {
+    std::tm local = {};
+    localtime_r(&seconds_since_epoch, &local);
+    char text[100];
+    return {text, std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &local)};
 }
 
 int LevelFromName(std::string_view name) {

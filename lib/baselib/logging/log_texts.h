@@ -14,8 +14,11 @@
 /// "execution time:" and each non-zero part, or " less than 1 second"; a clock set back counts as 0 s.
 [[nodiscard]] std::string ExecutionTimeText(long long duration_s);
 
-/// Local time, by default as "Sat Nov 21 07:44:26 2026". @param format as of strftime
-[[nodiscard]] std::string LocalTimeText(std::time_t seconds_since_epoch, const char* format = "%a %b %e %H:%M:%S %Y");
+/// Local time as "Sat Nov 21 07:44:26 2026".
+[[nodiscard]] std::string LocalTimeText(std::time_t seconds_since_epoch);
+
+/// Local time as "2026-11-21T07:44:26".
+[[nodiscard]] std::string LocalTimeStamp(std::time_t seconds_since_epoch);
 
 /// The number of a level name as `lfl` and `lsl` give it; 10, which silences an output, for an unknown name.
 [[nodiscard]] int LevelFromName(std::string_view name);
