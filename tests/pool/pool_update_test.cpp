@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -208,6 +209,27 @@ TEST(LeftOvers, OfWhichAPoolIsTheBeginningStopTheRun) {
         EXPECT_THAT(log, HasSubstr(recovery));
         EXPECT_EQ(std::system(recovery.c_str()), 0);
         EXPECT_EQ(PARAMETER_POOL(path).Get<STRING>("n"), STRING("x")) << c.what;
+    }
+}
+
+TEST(LeftOvers, ThatCanNotBeReadStopTheRunUnlessTheyAreShorter) {
+    if (geteuid() != 0) GTEST_SKIP() << "needs root to become somebody else";
+    const TEMPORARY_FOLDER folder;
+    ASSERT_EQ(chmod(folder.Path("").c_str(), 0755), 0);
+    ASSERT_EQ(chmod(folder.Make("k INT_32 1\n").c_str(), 0666), 0);
+    for (const std::string left_over : {"k INT_32 1\nb BYT 1\n", "b BYT 1\n"}) {
+        ASSERT_EQ(chmod(folder.Make(left_over, "pool_abc123").c_str(), 0400), 0);
+        const pid_t child = fork();
+        if (child == 0) {
+            const bool changed = setuid(65534) == 0;
+            const std::string log = ErrorAndLogOf([&] { PARAMETER_POOL pool(folder.Path()); });
+            const bool refused = log.find("can not be read: Permission denied: whether pool ") != std::string::npos;
+            _exit(changed && refused == (left_over.size() > 11) ? 0 : 1);
+        }
+        int status = -1;
+        waitpid(child, &status, 0);
+        EXPECT_EQ(status, 0) << left_over;
+        unlink(folder.Path("pool_abc123").c_str());
     }
 }
 

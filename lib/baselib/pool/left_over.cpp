@@ -9,8 +9,6 @@
 
 #include <cerrno>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <mutex>
 #include <set>
@@ -39,6 +37,22 @@ KIND KindOf(int folder, const char* name, uid_t pool_owner) {
     if (!S_ISREG(status.st_mode) || !is_ours || IsLocked(folder, name)) return KIND::NONE;
     const mode_t mode = status.st_mode & 07777;
     return mode == 0400 ? KIND::COMPLETE : mode == 0600 ? KIND::UNFINISHED : KIND::NONE;
+}
+
+/// @return 0 or the errno value
+int ReadFile(const std::string& path, std::string& content) {
+    int descriptor = -1;
+    do {
+        descriptor = open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
+    } while (descriptor < 0 && errno == EINTR);
+    if (descriptor < 0) return errno;
+    char block[65536];
+    ssize_t count = 0;
+    while ((count = read(descriptor, block, sizeof block)) > 0 || (count < 0 && errno == EINTR))
+        if (count > 0) content.append(block, static_cast<std::size_t>(count));
+    const int error = count < 0 ? errno : 0;
+    close(descriptor);
+    return error;
 }
 
 /// Whether the pool is the beginning of the complete content. After a power failure a block that was not on the disk
@@ -72,10 +86,26 @@ void TellRecovery(const POOL_FILE& pool, std::size_t bytes, const std::string& p
             path.c_str());
 }
 
+/// Whether it is long enough to be the complete content.
+bool IsAtLeastAsLong(const std::string& path, const std::string& content) {
+    struct stat status {};
+    return lstat(path.c_str(), &status) != 0 || static_cast<std::size_t>(status.st_size) >= content.size();
+}
+
+[[noreturn]] void RefuseUnread(const POOL_FILE& pool, const std::string& path, const char* reason) {
+    Log().Message(LOGGING_LEVEL::ALARM,
+                  "%s, left by an update that was interrupted, can not be read: %s: whether pool %s is cut off can not "
+                  "be told",
+                  path.c_str(), reason, pool.Name().c_str());
+    throw CORRUPTED_PARAMETER_POOL();
+}
+
 /// @return whether the pool is the beginning of this one
 bool IsOfCutOffPool(const POOL_FILE& pool, const std::string& content, const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    const std::string complete{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    std::string complete;
+    const int error = ReadFile(path, complete);
+    if (error == ENOENT) return false;  // removed meanwhile
+    if (error != 0 && !pool.IsNew() && IsAtLeastAsLong(path, content)) RefuseUnread(pool, path, std::strerror(error));
     if (!pool.IsNew() && IsCutOff(content, complete)) {
         TellRecovery(pool, content.size(), path, complete.size());
         return true;

@@ -22,6 +22,7 @@ namespace {
 
 /// So much of a file must tell whether it is a pool.
 constexpr std::size_t kFirstBlock = 65536;
+constexpr std::size_t kLaterBlock = std::size_t{1} << 20;
 
 std::string DirectoryOf(const std::string& path) {
     const std::size_t slash = path.rfind('/');
@@ -67,6 +68,22 @@ bool IsClearlyNoPool(const std::string& content) {
         has_other_lines = true;
     }
     return has_other_lines;
+}
+
+/// Disks leave zeros where content was lost. More of them than a line takes: the rest need not be read.
+bool EndsWithZeros(const std::string& content) {
+    return content.size() > kPoolLineLength &&
+           content.find_first_not_of('\0', content.size() - kPoolLineLength - 1) == std::string::npos;
+}
+
+/// @return 0 without one; comments may hold what they like
+long long LineWithZeroByte(const std::string& content) {
+    LINE_READER reader;
+    if (content.find('\0') == std::string::npos) return 0;
+    for (reader.Start(content, 0, 1); reader.Next();)
+        if (reader.Line().front() != '#' && reader.Line().find('\0') != std::string_view::npos)
+            return reader.LineNumber();
+    return 0;
 }
 
 }  // namespace
@@ -177,9 +194,9 @@ std::string POOL_FILE::Content() const {
     if (IsClearlyNoPool(content)) return content;
     if (is_known && goes_on && static_cast<std::size_t>(status.st_size) < kLongestContent)
         content.reserve(static_cast<std::size_t>(status.st_size) + 1);
-    while (goes_on) {
+    while (goes_on && !EndsWithZeros(content)) {
         if (content.size() > kLongestContent) Refuse("more than " + std::to_string(kLongestContent) + " bytes");
-        goes_on = ReadBlock(content, std::size_t{1} << 20);
+        goes_on = ReadBlock(content, kLaterBlock);
     }
     return content;
 }
@@ -187,4 +204,6 @@ std::string POOL_FILE::Content() const {
 void POOL_FILE::RequirePool(const std::string& content) const {
     if (IsClearlyNoPool(content))
         Refuse("no entry in its first " + std::to_string(std::min(content.size(), kFirstBlock)) + " bytes");
+    if (const long long line = LineWithZeroByte(content); line != 0)
+        Refuse("a zero byte in line " + std::to_string(line) + ", as disks leave them where content was lost");
 }

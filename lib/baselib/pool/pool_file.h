@@ -52,10 +52,12 @@ class POOL_FILE {
     void Lock(LOCK kind, int longest_wait_s = kLongestWaitSeconds) const;
     void Unlock() const;
 
-    /// The whole content; of a file that is clearly no pool only the beginning.
+    /// The whole content; of a file that is clearly no pool, or damaged, only the beginning.
     /// @throws ERROR_CAN_NOT_READ_FILE; CAN_NOT_OPEN_POOL for more than kLongestContent
     [[nodiscard]] std::string Content() const;
-    /// @param content what Content() returned @throws CAN_NOT_OPEN_POOL when that is clearly no pool
+    /// @param content what Content() returned @throws CAN_NOT_OPEN_POOL when that is clearly no pool, or holds a zero
+    /// byte
+    ///         outside of comments
     void RequirePool(const std::string& content) const;
 
   private:

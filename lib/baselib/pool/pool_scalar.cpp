@@ -64,15 +64,6 @@ void ReadReal(POOL_ENTRY& entry, T& value, PARSE_RESULT (*parse)(const std::stri
     if (result != PARSE_RESULT::OK) entry.FailToken<INVALID_PARAMETER_VALUE>(token, no_number);
 }
 
-/// @return false when there is no quoted text at the cursor
-bool ReadQuoted(POOL_ENTRY& entry, std::string& value) {
-    if (!entry.Reader().Quoted(value)) return false;
-    if (value.find('\0') == std::string::npos) return true;
-    // A text in memory ends at its first zero byte; to go on would cut the value without a word.
-    Log() << LOGGING_LEVEL::ALARM << "parameter pool:  >> " << entry.Key() << " error in STRING processing\n";
-    entry.Fail<INVALID_PARAMETER_VALUE>(" << string with a zero byte\n");
-}
-
 STRING MakeString(const POOL_ENTRY& entry, const std::string& text) {
     try {
         return STRING(text);
@@ -128,7 +119,7 @@ void ReadPoolField(POOL_ENTRY& entry, double& value) {
 }
 
 void ReadPoolField(POOL_ENTRY& entry, std::string& value) {
-    if (!ReadQuoted(entry, value)) {
+    if (!entry.Reader().Quoted(value)) {
         entry.FailToken<INVALID_PARAMETER_VALUE>(entry.Token(), " but a string in double quotes is expected\n");
     }
 }
@@ -142,7 +133,7 @@ void ReadPoolField(POOL_ENTRY& entry, STRING& value) {
 void ReadPoolField(POOL_ENTRY& entry, TUPLE<STRING>& value) {
     std::string first;
     std::string second;
-    if (!ReadQuoted(entry, first) || !ReadQuoted(entry, second)) {
+    if (!entry.Reader().Quoted(first) || !entry.Reader().Quoted(second)) {
         entry.Fail<INVALID_PARAMETER_VALUE>(" << no correct string tuple format (missing >>\"<< ?)\n");
     }
     value = {MakeString(entry, first), MakeString(entry, second)};
