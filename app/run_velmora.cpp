@@ -56,7 +56,9 @@ void TellOfProducts(const SIMULATION_STATE& state, RUN_REPORT& report) {
 }
 
 /// The stages in their order. State and pools live in here: the pools are closed before the footer is written.
-void RunStages(CONTROLLER_IFC& controller, const VERSION_RECORD& version, RUN_REPORT& report) {
+/// @param to_the_end  fatal signals are held back from the change of the pools on
+void RunStages(CONTROLLER_IFC& controller, const VERSION_RECORD& version, RUN_REPORT& report,
+               SIGNALS_HELD_BACK& to_the_end) {
     RUN_POOLS pools;
 
     SetOutOfMemoryLine("out of memory while the configuration, the pools and the DEM were read (stage A)");
@@ -82,7 +84,7 @@ void RunStages(CONTROLLER_IFC& controller, const VERSION_RECORD& version, RUN_RE
     Say(" ");
     Say("***********************************************************");
     SetOutOfMemoryLine("out of memory while the pools were updated");
-    WriteBackPools(pools, EntryOfThisRun(version));
+    WriteBackPools(pools, EntryOfThisRun(version), to_the_end);
     state.products.Accept();
     TellOfProducts(state, report);
 }
@@ -111,6 +113,7 @@ void RunVelmora(int argc, char** argv) {
     ReportOutOfMemory();
     SetFatalSignalHelp({BusErrorText, CleanUp});
     CONTROLLER_IFC controller;
+    SIGNALS_HELD_BACK held_back;
     RUN_REPORT report;  // read while the process ends: what calls exit() leaves this frame as it is
     controller.SetKnownKeys(ControlKeyNames());
     controller.SetCheckFiles([&] { return CheckFilesOfParameters(controller); });
@@ -120,7 +123,7 @@ void RunVelmora(int argc, char** argv) {
         const VERSION_RECORD version = VelmoraVersion(controller.get_binary_name());
         Log().Header(version, controller.get_configuration_file_name());
         TellOfMissingTraps();
-        RunStages(controller, version, report);
+        RunStages(controller, version, report, held_back);
         WriteFooter();
         controller.exit_success();
     } catch (const BASIC::TYPES::ERROR_ENUM_BASE_INVALID_VALUE& error) {

@@ -9,8 +9,8 @@ void TryHistory(PARAMETER_POOL_READ_WRITE_CHANGE& log_pool, const HISTORY_ENTRY&
     history.WriteInto(log_pool);
 }
 
-void WriteBackPools(RUN_POOLS& pools, const HISTORY_ENTRY& entry) {
+void WriteBackPools(RUN_POOLS& pools, const HISTORY_ENTRY& entry, SIGNALS_HELD_BACK& held_back) {
     POOL_TRANSACTION transaction({&pools.HistoryPool(), &pools.insar});
     TryHistory(pools.HistoryPool(), entry);
-    transaction.Commit();
+    transaction.Commit(held_back);
 }

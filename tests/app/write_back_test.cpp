@@ -30,16 +30,24 @@ class WriteBackTest : public testing::Test {
     const TEMPORARY_FOLDER scratch_;
     const std::filesystem::path folder_ = scratch_.Path("");
     RUN_POOLS pools_;
+    SIGNALS_HELD_BACK held_back_;
 };
+
+bool TerminationWaits() {
+    sigset_t mask;
+    pthread_sigmask(SIG_BLOCK, nullptr, &mask);
+    return sigismember(&mask, SIGTERM) == 1;
+}
 
 TEST_F(WriteBackTest, BothPoolsReceiveTheirChangesAndTheHistoryKeepsWhatOthersEntered) {
     TryHistory(pools_.HistoryPool(), kEntry);
     {  // another run enters itself meanwhile, by an object of its own
         RUN_POOLS other;
         Open(other);
-        WriteBackPools(other, {"other", "2", "d", "s", "e", 3});
+        WriteBackPools(other, {"other", "2", "d", "s", "e", 3}, held_back_);
     }
-    WriteBackPools(pools_, kEntry);
+    WriteBackPools(pools_, kEntry, held_back_);
+    EXPECT_TRUE(TerminationWaits()) << "the run's work is done";
     EXPECT_EQ(pools_.insar.Get<int>("value"), 2);
     EXPECT_EQ(pools_.HistoryPool().Get<int>("value"), 3);
     const auto names = pools_.HistoryPool().Get<ARRAY<STRING>>("software_names");
@@ -51,14 +59,15 @@ TEST_F(WriteBackTest, BothPoolsReceiveTheirChangesAndTheHistoryKeepsWhatOthersEn
 TEST_F(WriteBackTest, AFailureOfOnePoolChangesNeither) {
     const std::string before = Content(folder_ / "log" / "pool");
     std::filesystem::rename(folder_ / "insar", folder_ / "moved");
-    EXPECT_THROW(WriteBackPools(pools_, kEntry), ERROR_PARAMETER_POOL);
+    EXPECT_THROW(WriteBackPools(pools_, kEntry, held_back_), ERROR_PARAMETER_POOL);
+    EXPECT_FALSE(TerminationWaits());
     EXPECT_EQ(Content(folder_ / "log" / "pool"), before);
     EXPECT_EQ(Content(folder_ / "moved" / "pool"), before);
 }
 
 TEST_F(WriteBackTest, ALogPoolThatIsTheInsarPoolIsWrittenOnce) {
     pools_.own_log.reset();
-    WriteBackPools(pools_, kEntry);
+    WriteBackPools(pools_, kEntry, held_back_);
     EXPECT_EQ(Content(folder_ / "insar" / "pool").find("value INT_32 2"), 13U);
     EXPECT_EQ(pools_.insar.Get<ARRAY<int>>("software_execution_times")[0], 7);
 }

@@ -36,13 +36,29 @@ void LogSystemError(const STEP_FAILED& failure) {
     Log().Message(LOGGING_LEVEL::ALARM, "%s (%s)", std::strerror(failure.error), failure.step);
 }
 
+[[noreturn]] void FailUpdate(const POOL_FILE& pool, const STEP_FAILED& failure) {
+    LogAlarm("can not update pool ", pool.Name());
+    LogSystemError(failure);
+    throw ERROR_PARAMETER_POOL();
+}
+
 bool IsMissingFeature(int error) {
     return error == EINVAL || error == EPERM || error == ENOSYS || error == EOPNOTSUPP;
 }
 
+/// Interrupted calls are no failures: the signals that a run handles are held back, others go on.
+template <class CALL>
+int Uninterrupted(CALL call) {
+    int result = -1;
+    do {
+        result = call();
+    } while (result < 0 && errno == EINTR);
+    return result;
+}
+
 void FlushFolder(const std::string& directory) {
-    const int folder = open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    const bool flushed = folder >= 0 && fsync(folder) == 0;
+    const int folder = Uninterrupted([&] { return open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
+    const bool flushed = folder >= 0 && Uninterrupted([=] { return fsync(folder); }) == 0;
     const STEP_FAILED failure{"flushing the folder", errno};
     const bool unreadable = folder < 0 && failure.error == EACCES;  // files can be made in it all the same
     if (folder >= 0) close(folder);
@@ -61,16 +77,6 @@ void WriteAll(int descriptor, const std::string& content) {
         Require(count > 0, "writing");
         done += static_cast<std::size_t>(count);
     }
-}
-
-/// Interrupted calls are no failures: the signals that a run handles are held back, others go on.
-template <class CALL>
-int Uninterrupted(CALL call) {
-    int result = -1;
-    do {
-        result = call();
-    } while (result != 0 && errno == EINTR);
-    return result;
 }
 
 /// The names of temporaries that hold nothing but copies. Two pools with their old contents need four places.
@@ -138,7 +144,7 @@ void POOL_REPLACEMENT::WriteTemporary() {
 void POOL_REPLACEMENT::ReadBack() {
     std::string content(content_.size() + 1, '\0');
     std::size_t size = 0;
-    const int reading = open(temporary_name_.c_str(), O_RDONLY | O_CLOEXEC);
+    const int reading = Uninterrupted([this] { return open(temporary_name_.c_str(), O_RDONLY | O_CLOEXEC); });
     ssize_t count = reading < 0 ? -1 : 1;
     while (count > 0 && size < content.size()) {
         count = read(reading, content.data() + size, content.size() - size);
@@ -171,14 +177,28 @@ void POOL_REPLACEMENT::Announce() const {
 void POOL_REPLACEMENT::CopyIntoPool() {
     try {
         MarkComplete();
+    } catch (const STEP_FAILED& failure) {
+        FailUpdate(pool_, failure);
+    }
+    Copy();
+}
+
+void POOL_REPLACEMENT::PutBack() {
+    try {
+        MarkComplete();
+    } catch (...) {  // no mark, or no memory to tell of it
+    }
+    Copy();
+}
+
+void POOL_REPLACEMENT::Copy() {
+    try {
         Require(Uninterrupted([this] { return ftruncate(pool_.Descriptor(), 0); }) == 0, "truncating the pool");
         has_touched_pool_ = true;
         WriteAll(pool_.Descriptor(), content_);
         Require(Uninterrupted([this] { return fsync(pool_.Descriptor()); }) == 0, "flushing the pool");
     } catch (const STEP_FAILED& failure) {
-        LogAlarm("can not update pool ", pool_.Name());
-        LogSystemError(failure);
-        throw ERROR_PARAMETER_POOL();
+        FailUpdate(pool_, failure);
     }
 }
 
@@ -187,7 +207,8 @@ void POOL_REPLACEMENT::LeaveToRecovery() {
     std::string name;
     name.swap(temporary_name_);  // the file stays
     const bool marked = fchmod(temporary_, 0400) == 0;
-    const bool emptied = Uninterrupted([this] { return ftruncate(pool_.Descriptor(), 0); }) == 0;
+    // Without the mark an empty pool would be no better known as damaged than what it holds now.
+    const bool emptied = marked && Uninterrupted([this] { return ftruncate(pool_.Descriptor(), 0); }) == 0;
     if (!marked || !emptied) LogAlarm("the next run will not know that this pool is damaged: ", pool_.Name());
     LogAlarm("see \"Recovery\" in docs/pools.md: a complete content of the pool is in ", name);
 }

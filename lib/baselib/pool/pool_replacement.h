@@ -28,11 +28,14 @@ class POOL_REPLACEMENT {
     void Announce() const;
     /// @throws ERROR_PARAMETER_POOL; HasTouchedPool() tells whether the pool is cut off
     void CopyIntoPool();
+    /// The same for the old content: also where the temporary can not be marked, since the pool is better whole.
+    void PutBack();
     [[nodiscard]] bool HasTemporary() const { return temporary_ >= 0 && !temporary_name_.empty(); }
     [[nodiscard]] bool HasTouchedPool() const { return has_touched_pool_; }
     /// Removes the temporary, at most a WARNING.
     void Remove();
-    /// Gives up: empties the pool, so that the next run knows the temporary as its complete content, which stays.
+    /// Gives up: marks the temporary, which stays, and empties the pool, so that the next run knows which content is
+    /// its complete one.
     void LeaveToRecovery();
 
     [[nodiscard]] const POOL_FILE& Pool() const { return pool_; }
@@ -42,6 +45,7 @@ class POOL_REPLACEMENT {
     void WriteTemporary();
     void ReadBack();
     void MarkComplete();
+    void Copy();
 
     const POOL_FILE& pool_;
     std::string content_;

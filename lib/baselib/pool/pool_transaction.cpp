@@ -1,48 +1,10 @@
 #include "lib/baselib/pool/pool_transaction.h"
 
-#include <pthread.h>
-#include <signal.h>
-
 #include <algorithm>
 #include <utility>
 
 #include "lib/baselib/logging/logging.h"
 #include "lib/baselib/pool/updated_content.h"
-
-namespace {
-
-/// Holds back every signal that can wait: one that ended the process between truncation and copy would leave an empty
-/// pool. What a broken program raises itself (SIGSEGV and the like) is not held back by a mask, nor is SIGKILL.
-class SIGNALS_HELD_BACK {
-  public:
-    SIGNALS_HELD_BACK() {
-        sigset_t all;
-        sigfillset(&all);
-        pthread_sigmask(SIG_BLOCK, &all, &before_);
-    }
-    ~SIGNALS_HELD_BACK() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-    SIGNALS_HELD_BACK(const SIGNALS_HELD_BACK&) = delete;
-    SIGNALS_HELD_BACK& operator=(const SIGNALS_HELD_BACK&) = delete;
-
-    /// Whether the process ends as soon as the signals come through.
-    [[nodiscard]] static bool EndIsNear() {
-        sigset_t pending;
-        if (sigpending(&pending) != 0) return false;
-        for (const int number : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGXCPU, SIGXFSZ, SIGURG}) {
-            struct sigaction action {};
-            if (sigismember(&pending, number) == 1 && sigaction(number, nullptr, &action) == 0 &&
-                action.sa_handler != SIG_IGN && (number != SIGURG || action.sa_handler != SIG_DFL)) {
-                return true;
-            }
-        }
-        return false;
-    }
-
-  private:
-    sigset_t before_{};
-};
-
-}  // namespace
 
 POOL_TRANSACTION::POOL_TRANSACTION(std::vector<PARAMETER_POOL_READ_WRITE_CHANGE*> pools) : pools_(std::move(pools)) {
     for (PARAMETER_POOL_READ_WRITE_CHANGE* pool : pools_) pool->RequirePermission();
@@ -84,11 +46,21 @@ PARAMETER_POOL_LIST POOL_TRANSACTION::PendingOf(const POOL_FILE& file) const {
 }
 
 void POOL_TRANSACTION::Commit() {
+    SIGNALS_HELD_BACK held_back;
+    Commit(held_back);
+}
+
+void POOL_TRANSACTION::Commit(SIGNALS_HELD_BACK& held_back) {
     PrepareAll();
     PARAMETER_POOL_READ_WRITE_CHANGE::CountUpdate();
     AnnounceAll();
-    const SIGNALS_HELD_BACK held_back;
-    CopyAll();
+    held_back.Begin();
+    try {
+        CopyAll();
+    } catch (...) {
+        held_back.End();
+        throw;
+    }
     RemoveAll();
     for (PARAMETER_POOL_READ_WRITE_CHANGE* pool : pools_) pool->pending_.Clear();
 }
@@ -139,7 +111,7 @@ void POOL_TRANSACTION::CopyAll() {
 void POOL_TRANSACTION::PutBackAll() {
     for (PART& part : parts_) {
         try {
-            if (part.update.HasTouchedPool()) part.back.CopyIntoPool();
+            if (part.update.HasTouchedPool()) part.back.PutBack();
         } catch (...) {
             LeaveToRecovery(part);
         }

@@ -19,6 +19,7 @@
 
 #include "lib/baselib/pool/parameter_pool_read_write_change.h"
 #include "lib/baselib/pool/pool_replacement.h"
+#include "lib/baselib/pool/signals_held_back.h"
 
 class POOL_TRANSACTION {
   public:
@@ -33,6 +34,8 @@ class POOL_TRANSACTION {
     /// Writes the collected entries of all pools. After a failure the entries stay collected.
     /// @throws CORRUPTED_PARAMETER_POOL, ERROR_I_O, ERROR_PARAMETER_POOL
     void Commit();
+    /// The same. @param held_back  begun before the first pool is changed; after a success signals stay held back
+    void Commit(SIGNALS_HELD_BACK& held_back);
 
   private:
     struct PART {
