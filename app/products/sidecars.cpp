@@ -6,9 +6,12 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <set>
 
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/image/mem_mgr.h"
+#include "lib/baselib/image/output_path.h"
+#include "lib/baselib/image/whole_file.h"
 #include "lib/baselib/logging/logging.h"
 #include "lib/baselib/sidecar/product_kind.h"
 #include "lib/baselib/sidecar/vrt_sidecar.h"
@@ -47,14 +50,8 @@ void Warn(const std::string& path, const char* reason) {
 }
 
 void Replace(const std::string& path, const std::string& text) {
-    const std::string temporary = path + ".tmp" + std::to_string(getpid());
-    std::ofstream file(temporary, std::ios::binary | std::ios::trunc);
-    file << text;
-    file.close();
-    if (file.good() && std::rename(temporary.c_str(), path.c_str()) == 0) return;
-    const int error = errno;
-    unlink(temporary.c_str());
-    Warn(path, std::strerror(error));
+    const int error = ReplaceFile(path, text);
+    if (error != 0) Warn(path, std::strerror(error));
 }
 
 void BringUpToDate(const SOURCED_TEXT& product, bool wanted, bool relative_shifts) {
@@ -76,7 +73,9 @@ void BringUpToDate(const SOURCED_TEXT& product, bool wanted, bool relative_shift
 }  // namespace
 
 void BringSidecarsUpToDate(const REQUEST& request) {
+    std::set<std::string> folders;
     for (const SOURCED_TEXT& product : request.ProductFiles()) {
+        folders.insert(FOLDER_AND_NAME(product.text).FolderPath());
         try {
             BringUpToDate(product, request.sidecars, request.shifts.relative);
         } catch (const ERROR_EXCEPTION& error) {
@@ -85,4 +84,7 @@ void BringSidecarsUpToDate(const REQUEST& request) {
             Warn(VrtPath(product.text), error.what());
         }
     }
+    // Where this fails a power failure may leave earlier sidecars; that it can not be done was told of the products.
+    if (request.sidecars)
+        for (const std::string& folder : folders) SynchroniseFolder(folder);
 }

@@ -1,6 +1,7 @@
 #include "app/report/report_file.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -11,7 +12,8 @@
 #include <fstream>
 
 #include "app/report/utc_text.h"
-#include "lib/baselib/image/output_path.h"
+#include "lib/baselib/image/file_descriptor.h"
+#include "lib/baselib/image/left_over_files.h"
 
 namespace {
 
@@ -58,17 +60,19 @@ bool WriteDocument(int file, std::string_view document, const RUN_END& end) noex
 
 REPORT_FILE::REPORT_FILE(const std::string& path)
     : path_(BehindLinks(path)),
-      temporary_(path_ + ".tmp" + std::to_string(getpid())),
+      temporary_(TemporaryPath(FOLDER_AND_NAME(path_), 0)),
       usable_(ReportPathProblem(path).empty()) {}
 
 int REPORT_FILE::Write(std::string_view document, const RUN_END& end) const noexcept {
     if (!usable_) return EEXIST;
-    const int file = open(temporary_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0666);
+    constexpr int kNewOrOurs = O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC;
+    const int file = UnlessInterrupted([this] { return open(temporary_.c_str(), kNewOrOurs, 0666); });
     if (file < 0) return errno;
+    flock(file, LOCK_EX | LOCK_NB);  // what nobody holds is a left-over
     errno = 0;
-    bool good = WriteDocument(file, document, end) && fsync(file) == 0;
+    bool good = WriteDocument(file, document, end) && UnlessInterrupted([=] { return fsync(file); }) == 0;
     int error = good ? 0 : errno;
-    if (close(file) != 0 && good) {
+    if (close(file) != 0 && errno != EINTR && good) {
         good = false;
         error = errno;
     }

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <deque>
+#include <new>
 #include <string_view>
 
 #include "app/keys/control_key.h"
@@ -16,6 +17,7 @@
 #include "app/request/line_of_sight_files.h"
 #include "app/velmora_version.h"
 #include "lib/baselib/controller/fatal_signals.h"
+#include "lib/baselib/image/left_over_files.h"
 #include "lib/baselib/logging/logging.h"
 #include "lib/baselib/sidecar/product_kind.h"
 
@@ -43,13 +45,19 @@ std::string_view QuotedMemoryLine(std::array<char, 200>& text) noexcept {
     return {text.data(), length + 2};
 }
 
-void WriteFromHandler(int signal_number) noexcept {
+/// What was known when the last stage began. @param signal_number  0: none
+void WritePrepared(int status, int signal_number) noexcept {
     const PREPARED* const ready = prepared;
     if (ready == nullptr) return;
     std::array<char, 200> text;
-    const std::string_view memory_line = QuotedMemoryLine(text);
-    const std::string_view last_error = memory_line.empty() ? ready->last_errors[signal_number] : memory_line;
-    static_cast<void>(ready->file.Write(ready->document, {1, last_error}));
+    const std::string_view memory_line = status == 0 ? std::string_view() : QuotedMemoryLine(text);
+    const bool is_signal = memory_line.empty() && signal_number != 0;
+    const std::string_view last_error = is_signal ? ready->last_errors[signal_number] : memory_line;
+    static_cast<void>(ready->file.Write(ready->document, {status, last_error}));
+}
+
+void WriteFromHandler(int signal_number) noexcept {
+    WritePrepared(1, signal_number);
 }
 
 std::array<std::string, kSignalCount> LastErrors() {
@@ -98,6 +106,7 @@ void RUN_REPORT::Begin(CONTROLLER_IFC& controller) {
     constexpr CONTROL_KEY kReport = "REPORT";
     if (!controller.get_optional_parameter(kReport.row.name, path_) || path_.empty()) return;
     controller_ = &controller;
+    RemoveLeftOvers(FOLDER_AND_NAME(BehindLinks(path_)));
     on_exit([](int status, void* report) { static_cast<RUN_REPORT*>(report)->WriteAtExit(status); }, this);
     SetLeaveReport(WriteFromHandler);
     Publish();
@@ -239,9 +248,14 @@ void RUN_REPORT::Publish() const {
 
 void RUN_REPORT::WriteAtExit(int status) {
     clock_.Begin("");
-    const std::string last_error = LastError(status);
-    const std::string quoted = last_error.empty() ? "" : JsonString(last_error);
-    const int error = REPORT_FILE(path_).Write(Document(), {status, quoted});
-    if (error != 0)
-        Log().Message(LOGGING_LEVEL::WARNING, "report %s can not be written: %s", path_.c_str(), std::strerror(error));
+    try {
+        const std::string last_error = LastError(status);
+        const std::string quoted = last_error.empty() ? "" : JsonString(last_error);
+        const int error = REPORT_FILE(path_).Write(Document(), {status, quoted});
+        if (error != 0)
+            Log().Message(LOGGING_LEVEL::WARNING, "report %s can not be written: %s", path_.c_str(),
+                          std::strerror(error));
+    } catch (const std::bad_alloc&) {
+        WritePrepared(status, 0);
+    }
 }

@@ -15,7 +15,8 @@
 #include <vector>
 
 #include "lib/baselib/errors/error_exception.h"
-#include "lib/baselib/image/output_path.h"
+#include "lib/baselib/image/left_over_files.h"
+#include "lib/baselib/image/whole_file.h"
 #include "lib/baselib/logging/logging.h"
 #include "tests/kit/hexadecimal.h"
 #include "tests/kit/in_process.h"
@@ -156,6 +157,29 @@ TEST(ProductSet, WhatAKillLeavesIsRemovedByTheNextRunOfTheSameProductAlone) {
     going_on.Accept();
     PRODUCT_SET().Add(Small(folder.Path("b")));
     EXPECT_EQ((std::map<std::string, std::string>{{"a", NewProduct()}}), Contents(folder.Path("")));
+}
+
+TEST(WholeFile, IsTheOlderOrTheNewOneAndLeavesNothingBesideIt) {
+    const TEMPORARY_FOLDER folder;
+    const std::string path = folder.Path("a.vrt");
+    Write(path, kOlder);
+    EXPECT_EQ(-SIGKILL, InProcess([&] {
+        std::string temporary;
+        MakeTemporary(FOLDER_AND_NAME(path), 0666, temporary);
+        raise(SIGKILL);
+    }));
+    EXPECT_EQ(2U, Contents(folder.Path("")).size());
+    EXPECT_EQ(0, ReplaceFile(path, "new"));
+    EXPECT_EQ((std::map<std::string, std::string>{{"a.vrt", "new"}}), Contents(folder.Path("")));
+    EXPECT_EQ(EBUSY, ReplaceFile(folder.Path("") + ".", "x"));
+    EXPECT_EQ(ENOENT, ReplaceFile(folder.Path("none/a.vrt"), "x"));
+    EXPECT_EQ(0, InProcess([&] {  // no room: the temporary goes, the older file stays
+                  const rlimit limit{3, 3};
+                  setrlimit(RLIMIT_FSIZE, &limit);
+                  std::signal(SIGXFSZ, SIG_IGN);
+                  if (ReplaceFile(path, "longer") != EFBIG) _exit(1);
+              }));
+    EXPECT_EQ((std::map<std::string, std::string>{{"a.vrt", "new"}}), Contents(folder.Path("")));
 }
 
 TEST(ProductSet, RefusesWhatCanNotBeWrittenWithKeyAndReason) {

@@ -23,7 +23,8 @@ int FILE_DESCRIPTOR::Release() {
 
 int FILE_DESCRIPTOR::Close() {
     if (number_ < 0) return 0;
-    return close(std::exchange(number_, -1)) == 0 ? 0 : errno;
+    const bool closed = close(std::exchange(number_, -1)) == 0;
+    return closed || errno == EINTR ? 0 : errno;  // interrupted it is closed all the same
 }
 
 int OpenFile(const std::string& path, int flags, mode_t permissions) {

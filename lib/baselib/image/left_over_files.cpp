@@ -44,7 +44,7 @@ std::vector<std::string> NamesWith(const std::string& prefix, const char* folder
 
 /// A backup belongs to the temporary of its run: while that lives, the temporary or the product itself is locked.
 void RemoveUnlessHeld(const std::string& path) {
-    const FILE_DESCRIPTOR file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
+    const FILE_DESCRIPTOR file(OpenFile(path, O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
     const bool locked = file.Get() >= 0 && flock(file.Get(), LOCK_EX | LOCK_NB) == 0;
     if (locked && unlink(path.c_str()) == 0) {
         Log().Message(LOGGING_LEVEL::INFO, "removed %s, left by a run that was killed", path.c_str());
@@ -64,15 +64,18 @@ bool IsTaken(int descriptor) {
 
 }  // namespace
 
+std::string TemporaryPath(const FOLDER_AND_NAME& product, int number) {
+    return product.PathOf(NamePrefix(product)) + std::to_string(getpid()) + "_" + std::to_string(number);
+}
+
 void RemoveLeftOvers(const FOLDER_AND_NAME& product) {
     for (const std::string& name : NamesWith(NamePrefix(product), product.FolderPath()))
         RemoveUnlessHeld(product.PathOf(name));
 }
 
 int MakeTemporary(const FOLDER_AND_NAME& product, mode_t permissions, std::string& path) {
-    const std::string prefix = product.PathOf(NamePrefix(product)) + std::to_string(getpid()) + "_";
     for (int number = 0;; ++number) {
-        path = prefix + std::to_string(number);
+        path = TemporaryPath(product, number);
         const int descriptor = OpenFile(path, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, permissions);
         if (descriptor < 0 && errno == EEXIST) continue;
         if (descriptor < 0 || !IsTaken(descriptor)) return descriptor;

@@ -11,6 +11,9 @@
 
 #include "lib/baselib/image/output_path.h"
 
+/// The path of a temporary of this process. @param number  tells those of one product from each other
+[[nodiscard]] std::string TemporaryPath(const FOLDER_AND_NAME& product, int number);
+
 /// Removes the product's left-overs. One whose lock can not be asked for stays and is told at WARNING.
 void RemoveLeftOvers(const FOLDER_AND_NAME& product);
 

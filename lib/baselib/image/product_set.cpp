@@ -1,8 +1,5 @@
 #include "lib/baselib/image/product_set.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -13,18 +10,8 @@
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/image/blocked_signals.h"
+#include "lib/baselib/image/whole_file.h"
 #include "lib/baselib/logging/logging.h"
-
-namespace {
-
-/// @return 0 or the errno value
-int SynchroniseFolder(const std::string& folder) {
-    const FILE_DESCRIPTOR directory(OpenFile(folder, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (directory.Get() < 0) return errno;
-    return UnlessInterrupted([&] { return fsync(directory.Get()); }) == 0 ? 0 : errno;
-}
-
-}  // namespace
 
 PRODUCT_FILE& PRODUCT_SET::Add(const PRODUCT_REQUEST& request, mode_t permissions) {
     return *files_.emplace_back(std::make_unique<PRODUCT_FILE>(request, permissions));

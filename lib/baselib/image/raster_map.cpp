@@ -32,7 +32,7 @@ int Protection(ACCESS_MODE mode) {
 
 int OpenForMapping(const std::string& path, ACCESS_MODE mode) {
     // O_NONBLOCK: opening a FIFO must end in an error, not in waiting for a writer. It means nothing to regular files.
-    const int number = open(path.c_str(), OpenFlags(mode) | O_CLOEXEC | O_NONBLOCK);
+    const int number = OpenFile(path, OpenFlags(mode) | O_CLOEXEC | O_NONBLOCK);
     if (number < 0) {
         LogOpenFailure(path, errno);
         throw ERROR_CAN_NOT_OPEN_FILE();

@@ -7,6 +7,12 @@
 #include <cerrno>
 #include <cstring>
 
+namespace {
+
+constexpr const char* kCanNotRead = "MDB: can not read from mdb-file";
+
+}  // namespace
+
 FILE_STATE FileStateOf(const std::string& path) {
     struct stat status {};
     if (stat(path.c_str(), &status) != 0) return {};
@@ -17,7 +23,9 @@ bool RECORD_FILE::Open(const std::string& path, bool create_and_write) {
     Close();
     // O_NONBLOCK: a pipe by that name must not hold the program.
     const int flags = (create_and_write ? O_RDWR | O_CREAT : O_RDONLY) | O_NONBLOCK | O_CLOEXEC;
-    descriptor_ = open(path.c_str(), flags, 0666);
+    do {
+        descriptor_ = open(path.c_str(), flags, 0666);
+    } while (descriptor_ < 0 && errno == EINTR);
     if (descriptor_ < 0) return false;
     struct stat status {};
     if (fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode)) return true;
@@ -35,7 +43,8 @@ void RECORD_FILE::Close() {
 
 long long RECORD_FILE::Size() const {
     struct stat status {};
-    return fstat(descriptor_, &status) == 0 ? status.st_size : 0;
+    if (fstat(descriptor_, &status) != 0) throw kCanNotRead;  // 0 would be the end of the file
+    return status.st_size;
 }
 
 /// Makes the buffer hold the byte at the position. @return false at the end of the file
@@ -47,7 +56,7 @@ bool RECORD_FILE::FillBuffer() {
     do {
         count = pread(descriptor_, buffer_, sizeof buffer_, position_);
     } while (count < 0 && errno == EINTR);
-    if (count < 0) throw "MDB: can not read from mdb-file";
+    if (count < 0) throw kCanNotRead;
     buffer_size_ = count;
     return count > 0;
 }
