@@ -4,9 +4,9 @@ import os
 
 import pytest
 
+from scene_maker.record_database import move_orbit
 from velmora_run import SMALL, edit_control_file, edit_pool, succeed, velmora
 
-ITEMS = ("x", "y", "z", "vx", "vy", "vz")
 VRT = dict(VRT_SIDECARS="1")
 
 
@@ -23,23 +23,7 @@ def move(source, target):
 
 
 def record_database(folder):
-    """The master's orbit as a record database of its own folder."""
-    pool = (folder / "master.pool").read_text().splitlines()
-
-    def numbers(key):
-        first = next(i for i, line in enumerate(pool) if line.startswith(key + " "))
-        return [line.strip(' "') for line in pool[first + 2:first + 2 + int(pool[first].split()[3])]]
-
-    times, places, speeds = (numbers("state_vector_" + key) for key in ("times", "positions", "velocities"))
-    (folder / "db").mkdir()
-    (folder / "db" / "format.dat").write_text("time : utc\n" + "".join(name + " : double\n" for name in ITEMS))
-    with open(folder / "db" / "orbit", "w", encoding="ascii") as file:
-        for i, time in enumerate(times):
-            values = places[3 * i:3 * i + 3] + speeds[3 * i:3 * i + 3]
-            file.write("time : %s\n  time : %s\n" % (time, time) + "".join("  %s : %s\n" % pair for pair in zip(ITEMS, values)))
-    edit_pool(folder / "master.pool", "orbit_representation", 'orbit_representation STR "orbit_mdb_double_utc"')
-    edit_pool(folder / "master.pool", "orbit_interpolation", 'orbit_interpolation STR "spline"')
-    edit_pool(folder / "master.pool", "mdb_orbit_data_file", 'mdb_orbit_data_file STR "%s/db/orbit"' % folder)
+    move_orbit(folder / "master.pool", folder / "db")
 
 
 # Arguments, what is there before, and the two roles.

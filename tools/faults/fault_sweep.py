@@ -1,13 +1,15 @@
 #!/usr/bin/python3
 """Makes one thing after the other go wrong in small runs of velmora and judges what they leave behind.
 
-Usage: fault_sweep.py [calls|kills|allocations|signals|poor ...] [--binary PATH] [--shim PATH] [--every N] [--call NAME] [--verbose]
+Usage: fault_sweep.py [calls|kills|allocations|signals|poor|order|together ...] [--binary PATH] [--shim PATH] [--every N] [--call NAME] [--verbose]
 
 calls        every system call of a run fails in turn, once and for good (strace -e inject)
 kills        SIGKILL at every system call
 allocations  every allocation fails in turn, once and for good (needs the shim, failing_allocation.cpp)
 signals      the fatal signals at random moments; the seed is printed
 poor         file systems without locks, file modes or flushing of folders: a WARNING, and the run goes on
+order        no fault: each file is brought to the disk after its last byte and before it takes its name
+together     no fault: runs that share one pool lose no entry of each other and read no half pool
 
 EXPECTATIONS below say what has to hold. --every N tries each N-th place only, --call NAME those of one system call. Exit
 status 1 when something did not hold.
@@ -18,6 +20,7 @@ import collections
 import concurrent.futures
 import os
 import pathlib
+import json
 import random
 import re
 import shutil
@@ -27,10 +30,10 @@ import sys
 import tempfile
 import time
 
-REPOSITORY = pathlib.Path(__file__).resolve().parents[2]
-PRODUCTS = [name + ".ras" for name in ("simu_phase", "rg_coreg", "az_coreg", "x_earth", "y_earth", "z_earth", "h_earth")]
+from small_scene import INPUTS, PRODUCTS, REPORT, REPOSITORY, make_small_scene, sidecar
+
 CHANGED_POOLS = ["insar.pool", "log.pool"]
-INPUTS = ["master.pool", "slave.pool", "dem.pool", "dem.ras", "scene.pcf"]
+SIDECARS = [sidecar(name) for name in PRODUCTS]
 LONGEST_S = 5.0  # from the fault to the end; the whole run takes less than a second
 OUTPUT_CALLS = "openat write pwrite64 ftruncate fallocate fsync fdatasync msync close rename renameat renameat2 unlink unlinkat " \
     "fchmod flock fcntl link linkat symlink mkdir statfs fstatfs"
@@ -77,8 +80,11 @@ class CASE:
         return self.status in (-signal.SIGKILL, 128 + signal.SIGKILL) and self.seconds < self.sweep.usual_s + LONGEST_S
 
     def content(self, name):
-        path = self.folder / name
-        return normal(path.read_bytes()) if path.exists() else None
+        return contents(self.folder, [name])[name]
+
+
+def contents(folder, names):
+    return {name: normal((folder / name).read_bytes()) if (folder / name).exists() else None for name in names}
 
 
 def text_of(path):
@@ -105,11 +111,16 @@ def success_is_whole(case):
     return case.status != 0 or all(case.content(name) == case.sweep.new[name] for name in PRODUCTS + CHANGED_POOLS)
 
 
+def nothing_can_be_told(case):
+    """Neither file nor log can be written."""
+    return case.name.startswith("write:") and case.name.endswith("+")
+
+
 def status_files_are_right(case):
     """A status file that can not be written is told; a run that did not come so far leaves none."""
     ok, error = text_of(case.folder / "OK.velmora"), text_of(case.folder / "ERROR.velmora")
-    if case.name.startswith("write:") and case.name.endswith("+"):
-        return True  # neither file nor log can be written
+    if nothing_can_be_told(case):
+        return True
     told = "status file" in case.log or "Can not" in case.log or "using configuration file" not in case.log
     return (ok == "0" and error != "1") if case.status == 0 and not told else told or case.killed() or (not ok and error == "1")
 
@@ -124,7 +135,9 @@ def failure_has_a_cause(case):
 
 
 def memory_is_named(case):
-    return case.status != 1 or not case.environment.get("FAIL_ALLOCATION") or "memory" in case.log
+    """Of a thread's stack the system says no more than that the thread can not be had now."""
+    return case.status != 1 or not case.environment.get("FAIL_ALLOCATION") or \
+        any(text in case.log for text in ("memory", "can not create thread"))
 
 
 def signal_is_named(case):
@@ -139,20 +152,38 @@ def older_products_kept(case):
     return case.status != 1 or all(case.content(name) == case.sweep.old[name] for name in PRODUCTS)
 
 
+def report_is_whole(case):
+    """None, or one that tells the exit status."""
+    if not (case.folder / REPORT).exists():
+        return nothing_can_be_told(case) or case.status != 0 or any(text in case.log for text in ("report " + REPORT, "out of memory")) or not case.sweep.has_report
+    report = json.loads((case.folder / REPORT).read_text())
+    return case.killed() or report["exit_status"] == case.status
+
+
+def sidecars_are_whole(case):
+    whole = all(case.content(name) in (None, case.sweep.new[name]) for name in SIDECARS)
+    complete = all(case.content(name) == case.sweep.new[name] for name in SIDECARS)
+    return whole and (case.status != 0 or nothing_can_be_told(case) or complete or any(text in case.log for text in ("sidecar", "out of memory")))
+
+
+def interruptions_cost_nothing(case):
+    return ":error=EINTR:" not in case.name or case.status == 0
+
+
 def inputs_unchanged(case):
     return all(case.content(name) == case.sweep.old[name] for name in INPUTS)
 
 
 def pools_unchanged_by_failure(case):
-    """A kill may come between; an end with status 1 leaves both pools as they were or says which one needs recovery."""
+    """A kill may come between; an end with status 1 leaves both pools as they were, or says which one needs recovery."""
     return case.status != 1 or "Recovery" in case.log or \
-        all(case.content(name) == case.sweep.old[name] for name in CHANGED_POOLS) or "got fatal signal" in case.log
+        all(case.content(name) == case.sweep.old[name] for name in CHANGED_POOLS)
 
 
 def state_of(folder):
     """What a next run finds: names, contents without times, permissions. Names of temporaries differ from run to run."""
     return frozenset((re.sub(r"(pool_|velmora_[0-9a-f]+_).*", r"\1", path.name), normal(path.read_bytes()), path.stat().st_mode)
-                     for path in folder.iterdir() if path.name != "log.velmora")
+                     for path in folder.rglob("*") if path.is_file() and path.name not in ("log.velmora", REPORT))
 
 
 def next_run_is_whole(case):
@@ -176,7 +207,7 @@ def next_run_from(case):
             break
         subprocess.run(["sh", "-c", advice[0]], cwd=case.folder, check=True)
     left = [path.name for path in case.folder.iterdir() if path.name.startswith(".") or path.name.endswith("~")]
-    whole = all(case.content(name) == case.sweep.new[name] for name in PRODUCTS + CHANGED_POOLS)
+    whole = all(case.content(name) == case.sweep.new[name] for name in PRODUCTS + CHANGED_POOLS + SIDECARS)
     return again.returncode == 0 and whole and not left
 
 
@@ -203,12 +234,68 @@ EXPECTATIONS = [
     ("a signal is named", signal_is_named),
     ("a signal leaves no temporary", signal_leaves_no_temporary),
     ("a poor file system costs a WARNING", poor_file_system_is_told),
+    ("an interrupted call costs nothing", interruptions_cost_nothing),
     ("each product old or complete", no_false_product),
+    ("each sidecar whole, or told", sidecars_are_whole),
+    ("the report is whole and tells the status", report_is_whole),
     ("status 1: every older product is there", older_products_kept),
     ("inputs unchanged", inputs_unchanged),
     ("status 1: no pool changed, or recovery told", pools_unchanged_by_failure),
     ("the next run is whole", next_run_is_whole),  # changes the folder: the last one
 ]
+
+
+class COMPANIONS:
+    """Four runs at once, on one pool that each reads its image from and enters itself into."""
+
+    count = 4
+
+    def __init__(self, sweep, number):
+        self.sweep, self.name, self.status = sweep, "round %d" % number, None
+
+    def run(self):
+        with tempfile.TemporaryDirectory(prefix="faults_", dir=self.sweep.room) as room:
+            folders = [pathlib.Path(room) / ("run%d" % i) for i in range(self.count)]
+            for folder in folders:
+                shutil.copytree(self.sweep.scene, folder)
+            shared = shutil.copy(self.sweep.scene / "insar.pool", room)
+            runs = [subprocess.Popen([self.sweep.binary, "-pcf", "scene.pcf", "-pid", folder.name, "-INSAR_POOL", shared, "-log_pp", shared],
+                                     cwd=folder, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                                     env={"PATH": os.environ["PATH"], "PARALLEL": "1"}) for folder in folders]
+            wrong = ["status 0"] if [run.wait(timeout=120) for run in runs] != [0] * self.count else []
+            self.status = 0 if not wrong else 1
+            entries = pathlib.Path(shared).read_text(encoding="ascii")
+            if any('"%s"' % folder.name not in entries for folder in folders):
+                wrong.append("every run's entry is in the pool")
+            if any(normal((folder / name).read_bytes()) != self.sweep.new[name] for folder in folders for name in PRODUCTS):
+                wrong.append("every run's products are whole")
+            return wrong
+
+
+class ORDER:
+    """The trace of the reference run: what was written, brought to the disk and renamed when."""
+
+    def __init__(self, sweep):
+        self.sweep, self.name, self.status = sweep, "reference", 0
+
+    def run(self):
+        folder = self.sweep.room / "counted"
+        wanted = {str(folder / name) for name in PRODUCTS + SIDECARS + CHANGED_POOLS + [REPORT] if self.sweep.is_written(name)}
+        unsafe, named, wrong = set(), set(), []
+        for line in (self.sweep.room / "trace").read_text(errors="replace").splitlines():
+            call, path = re.match(r"\d+ +(?:(\w+)\((?:\d+<([^>]*)>)?)?", line).groups()
+            if call in ("write", "pwrite64", "pwritev", "ftruncate"):
+                unsafe.add(path)
+                named.add(path)
+            elif call == "fsync" and line.endswith(" = 0"):
+                unsafe.discard(path)
+            elif call == "rename":
+                source, target = (str(folder / name) for name in re.findall(r'"([^"]*)"', line))
+                wrong += ["on the disk before it has its name: " + target] if source in unsafe else []
+                named.add(target)
+                unsafe |= {str(folder)} if target in wanted and not target.endswith(REPORT) else set()
+        return sorted(wrong) + sorted("brought to the disk: " + path for path in unsafe & (wanted | {str(folder)})) + \
+            sorted("written: " + path for path in wanted - named)
 
 
 class SWEEP:
@@ -217,13 +304,11 @@ class SWEEP:
         self.next_runs = {}  # whether all was well, by the state that it began with
         (self.room / "velmora").symlink_to(pathlib.Path(binary).resolve())  # its status files and log carry the name
         self.binary = str(self.room / "velmora")
-        self.scene = self.room / "scene"
-        subprocess.run([REPOSITORY / "demo" / "make_scene.py", self.scene, "--samples", "24", "--lines", "20", "--terrain", "flat",
-                        "--low-m", "100", "--cover-low-m", "0", "--cover-high-m", "1000"], check=True, stdout=subprocess.DEVNULL)
+        self.scene = make_small_scene(self.room / "scene")
         for name in PRODUCTS:
             (self.scene / name).write_bytes(b"an older product " + name.encode())
         (self.scene / "OK.velmora").write_text("0")
-        self.old = {name: normal((self.scene / name).read_bytes()) for name in PRODUCTS + CHANGED_POOLS + INPUTS}
+        self.old = contents(self.scene, PRODUCTS + CHANGED_POOLS + INPUTS)
         reference = CASE(self, "reference")
         reference.seconds, self.usual_s, self.new = 0.0, 60.0, self.old
         whole = shutil.copytree(self.scene, self.room / "whole")
@@ -231,7 +316,8 @@ class SWEEP:
         subprocess.run([self.binary, "-pcf", "scene.pcf"], cwd=whole, env=reference.environment, stdin=subprocess.DEVNULL,
                        stdout=subprocess.DEVNULL, check=True)
         self.plain_s = time.monotonic() - begin
-        self.new = {name: normal((whole / name).read_bytes()) for name in PRODUCTS + CHANGED_POOLS}
+        self.new = contents(whole, PRODUCTS + CHANGED_POOLS + SIDECARS)
+        self.has_report = (whole / REPORT).exists()
         begin = time.monotonic()
         self.places = self.count_calls(reference)
         self.usual_s = 2.0 + 4.0 * (time.monotonic() - begin)
@@ -240,7 +326,7 @@ class SWEEP:
         """(call, number) of the calls from main() on. What the loader does before is not ours."""
         folder = shutil.copytree(self.scene, self.room / "counted")
         trace = self.room / "trace"
-        subprocess.run(["strace", "-f", "-o", str(trace), self.binary, "-pcf", "scene.pcf", "-lsl", "ALARM"], cwd=folder, env=reference.environment,
+        subprocess.run(["strace", "-f", "-y", "-o", str(trace), self.binary, "-pcf", "scene.pcf", "-lsl", "ALARM"], cwd=folder, env=reference.environment,
                        stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, check=True)
         names = [match.group(1) for match in re.finditer(r"^\d+ +(\w+)\(.*", trace.read_text(errors="replace"), re.M)]
         lines = [line for line in trace.read_text(errors="replace").splitlines() if re.match(r"\d+ +\w+\(", line)]
@@ -285,6 +371,15 @@ class SWEEP:
         # The run's folder alone: files can be flushed everywhere.
         yield CASE(self, "poor fsync", ["sh", "-c", 'exec strace -f -o /dev/null -P "$PWD" -e trace=fsync -e inject=fsync:error=EINVAL "$@"', "sh"])
 
+    def is_written(self, name):
+        return self.new.get(name, b"a report") not in (None, self.old.get(name))
+
+    def order(self):
+        return [ORDER(self)]
+
+    def together(self):
+        return [COMPANIONS(self, number) for number in range(max(3, 20 // self.every))]
+
     def signals(self):
         seed = random.SystemRandom().randrange(1 << 32)
         print("seed", seed)
@@ -296,7 +391,7 @@ class SWEEP:
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("kinds", nargs="*", default=["calls", "kills", "allocations", "signals", "poor"])
+    parser.add_argument("kinds", nargs="*", default=["calls", "kills", "allocations", "signals", "poor", "order", "together"])
     parser.add_argument("--binary", default=os.environ.get("VELMORA_BINARY", REPOSITORY / "build/release/app/velmora"))
     parser.add_argument("--shim", default=os.environ.get("FAILING_ALLOCATION", ""))
     parser.add_argument("--every", type=int, default=1)
@@ -310,7 +405,7 @@ def main():
             begin = time.monotonic()
             cases = list(getattr(sweep, kind)())
             with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-                verdicts = list(pool.map(CASE.run, cases))
+                verdicts = list(pool.map(lambda case: case.run(), cases))
             broken = collections.defaultdict(list)
             if kind == "kills" and sum(case.killed() for case in cases) < len(cases) / 2:
                 broken["most runs are killed"].append("%d of %d" % (sum(case.killed() for case in cases), len(cases)))

@@ -19,10 +19,10 @@ import sys
 import tempfile
 import time
 
-REPOSITORY = pathlib.Path(__file__).resolve().parents[2]
+from small_scene import INPUTS as UNCHANGED
+from small_scene import PRODUCTS, REPOSITORY, make_small_scene
+
 INPUTS = ["scene.pcf", "master.pool", "slave.pool", "insar.pool", "log.pool", "dem.pool", "dem.ras"]
-UNCHANGED = ["scene.pcf", "master.pool", "slave.pool", "dem.pool", "dem.ras"]
-PRODUCTS = [name + ".ras" for name in ("simu_phase", "rg_coreg", "az_coreg", "x_earth", "y_earth", "z_earth", "h_earth")]
 LONGEST_S = 60.0
 MEMORY_MIB = 1500
 NUMBERS = ["0", "-1", "1", "2", "65536", "2147483647", "-2147483648", "4294967296", "1e308", "-1e308", "1e-308", "nan", "inf",
@@ -33,7 +33,7 @@ TEXTS = ['""', '"', '"%s%n"', '"' + "a" * 2000 + '"', "TRUE", "{", "}", "#", "\\
          "master.pool", "dem.ras", "simu_phase.ras"]
 KEYS = ["SHIFT_MATRICES_SUBSAMPLING", "EARTH_MATRICES_SUBSAMPLING_X", "EARTH_MATRICES_SUBSAMPLING_Y", "MEMORY_LIMIT", "DEM_VALID",
         "IFGRM_INVALID", "PS_INSAR_MODE", "WRITE_SHIFTS", "VRT_SIDECARS", "REPORT", "OBSERVATION_MODE", "RANGE_TIME_SHIFT",
-        "LINE_OF_SIGHT", "INCIDENCE", "PERPENDICULAR_BASELINE", "HEIGHT_OF_AMBIGUITY"]
+        "LINE_OF_SIGHT", "INCIDENCE", "LOCAL_INCIDENCE", "PERPENDICULAR_BASELINE", "HEIGHT_OF_AMBIGUITY", "LAYOVER_SHADOW"]
 
 
 def damage_text(chance, content):
@@ -80,9 +80,6 @@ def damage(chance, folder):
     return names
 
 
-
-
-
 def judge(binary, folder, seed):
     """@return what did not hold, and the status"""
     damage(random.Random(seed), folder)
@@ -118,9 +115,7 @@ def main():
     options = parser.parse_args()
     begin, runs, good, findings = time.monotonic(), 0, 0, 0
     with tempfile.TemporaryDirectory(prefix="mutate_", dir="/dev/shm" if os.access("/dev/shm", os.W_OK) else None) as room:
-        scene = pathlib.Path(room) / "scene"
-        subprocess.run([REPOSITORY / "demo" / "make_scene.py", scene, "--samples", "24", "--lines", "20", "--terrain", "flat",
-                        "--low-m", "100", "--cover-low-m", "0", "--cover-high-m", "1000"], check=True, stdout=subprocess.DEVNULL)
+        scene = make_small_scene(pathlib.Path(room) / "scene")
         for name in PRODUCTS:
             (scene / name).write_bytes(b"an older product")
         print("first seed", options.seed, flush=True)
