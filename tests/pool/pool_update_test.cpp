@@ -4,13 +4,13 @@
 #include <gmock/gmock.h>
 #include <sys/file.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <cstdlib>
 
 #include "lib/baselib/pool/pool_transaction.h"
+#include "tests/kit/in_process.h"
 #include "tests/kit/log_capture.h"
 #include "tests/kit/temporary_folder.h"
 
@@ -219,16 +219,13 @@ TEST(LeftOvers, ThatCanNotBeReadStopTheRunUnlessTheyAreShorter) {
     ASSERT_EQ(chmod(folder.Make("k INT_32 1\n").c_str(), 0666), 0);
     for (const std::string left_over : {"k INT_32 1\nb BYT 1\n", "b BYT 1\n"}) {
         ASSERT_EQ(chmod(folder.Make(left_over, "pool_abc123").c_str(), 0400), 0);
-        const pid_t child = fork();
-        if (child == 0) {
-            const bool changed = setuid(65534) == 0;
-            const std::string log = ErrorAndLogOf([&] { PARAMETER_POOL pool(folder.Path()); });
-            const bool refused = log.find("can not be read: Permission denied: whether pool ") != std::string::npos;
-            _exit(changed && refused == (left_over.size() > 11) ? 0 : 1);
-        }
-        int status = -1;
-        waitpid(child, &status, 0);
-        EXPECT_EQ(status, 0) << left_over;
+        EXPECT_EQ(0, InProcess([&] {
+                      if (setuid(65534) != 0) _exit(9);
+                      const std::string log = ErrorAndLogOf([&] { PARAMETER_POOL pool(folder.Path()); });
+                      const bool refused = log.find("can not be read: Permission denied: whether") < log.size();
+                      _exit(refused == (left_over.size() > 11) ? 0 : 1);
+                  }))
+            << left_over;
         unlink(folder.Path("pool_abc123").c_str());
     }
 }
