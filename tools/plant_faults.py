@@ -27,7 +27,7 @@ SWAPPED = {"<": "<=", "<=": "<", ">": ">=", ">=": ">", "==": "!=", "!=": "==", "
            "+=": "-=", "-=": "+=", "*=": "/=", "/=": "*=", "&&": "||", "||": "&&", "++": "--", "--": "++", "true": "false",
            "false": "true", "min": "max", "max": "min", "sin": "cos", "cos": "sin", "floor": "ceil", "ceil": "floor"}
 # Folders of tests/ that judge a folder, where that is not the one of its name.
-TESTED_WITH = {"lib/baselib/mem_allocation": ("containers",), "lib/baselib/vectors": ("vectors", "simulation"),
+TESTED_WITH = {"lib/baselib/mem_allocation": ("containers",), "lib/baselib/mdb": ("mdb", "orbit"), "lib/baselib/vectors": ("vectors", "simulation"),
                "companions": ("import",)}
 
 JUDGE = collections.namedtuple("JUDGE", "programs tests")  # what is built, and the files of tests/ that run it
@@ -39,11 +39,11 @@ END_TO_END = {
     "app": JUDGE(("velmora",), MAIN_JOB.tests + (
         "end_to_end/test_process_frame.py", "end_to_end/test_products.py", "end_to_end/test_report_and_check.py",
         "end_to_end/test_orbit_corners.py", "end_to_end/test_collisions.py", "end_to_end/test_views.py")),
-    "companions": IMPORT,
+    "companions": JUDGE((*IMPORT.programs, "velmora-view"), ("view/test_view.py", *IMPORT.tests)),
     "import": IMPORT,
     "lib/baselib/controller": JUDGE(("velmora",), ("end_to_end/test_process_frame.py", "end_to_end/test_failures.py")),
     "lib/baselib/logging": JUDGE(("velmora",), ("end_to_end/test_process_frame.py", "end_to_end/test_report_and_check.py")),
-    "lib/baselib/sidecar": JUDGE(("velmora",), ("end_to_end/test_report_and_check.py",)),
+    "lib/baselib/sidecar": JUDGE(("velmora-view", "velmora"), ("view/test_view.py", "end_to_end/test_report_and_check.py")),
     "orbit": JUDGE(("velmora",), MAIN_JOB.tests + ("end_to_end/test_orbit_corners.py",)),
     "simulation": JUDGE(("velmora",), MAIN_JOB.tests + ("end_to_end/test_threads.py", "end_to_end/test_products.py",
                                                      "end_to_end/test_layover_shadow.py")),

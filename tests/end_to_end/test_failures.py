@@ -157,9 +157,6 @@ CASES = [
     ("log pool in a folder that is not there", keys(log_pp="nowhere/log.pool"),
      ["can not open pool file for update nowhere/log.pool", "pool error - can not open parameter pool"]),
     ("product in a folder that is not there", keys(H_EARTH="nowhere/h.ras"), ["nowhere/h.ras"]),
-    ("product over an input", keys(SIMU_PHASE="dem.ras"), ["dem.ras"]),
-    ("product over a pool, by a longer path", keys(X_EARTH="./slave.pool"), ["slave.pool"]),
-    ("two products in one file", keys(Y_EARTH="x_earth.ras"), ["x_earth.ras"]),
 ]
 
 

@@ -181,9 +181,9 @@ TEST_F(LoggingTest, HeaderEndsWithItsStarter) {
 }
 
 TEST_F(LoggingTest, PrefixCaptureAndQaFlag) {
-    EXPECT_FALSE(Log().QaWarningLogged());
     Log().SetPrefix("job 7");
     EXPECT_EQ(ScreenOf([] { Log().Message(LOGGING_LEVEL::INFO, "before"); }), "INFO  : job 7 : before\n");
+    EXPECT_FALSE(Log().QaWarningLogged());
     Log().SetCapture(true);
     Log().Message(LOGGING_LEVEL::INFO, "kept %d", 1);
     Log().Message(LOGGING_LEVEL::QA_WARNING, "kept %d", 2);

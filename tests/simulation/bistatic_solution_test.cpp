@@ -364,13 +364,14 @@ TEST(BistaticSolution, GivesInRowsWhatItGivesPointByPoint) {
             ASSERT_NEAR(slave_s[i], expected.time_s, 1e-9) << i;
         }
         const std::string log = LoggedBy([&] { rows.LogStatistics(); }, LOGGING_LEVEL::TRACE);
+        // The difference of the ranges is a good first guess: of most samples in the middle, where the paths hardly
+        // change while the echo travels, it leaves nothing but rounding to the second step.
         int solutions = 0;
-        for (int label = 1; label <= 101; ++label) {
+        for (int label = 1; label <= 3; ++label) {
             const std::string text = "\nTRACE : global : " + std::to_string(label) + " iterations: ";
-            if (const std::size_t at = log.find(text); at != std::string::npos) {
-                EXPECT_LE(label, 3) << "the difference of the ranges is a good first guess";
-                solutions += std::stoi(log.substr(at + text.size()));
-            }
+            const std::size_t at = log.find(text);
+            if (at != std::string::npos) solutions += std::stoi(log.substr(at + text.size()));
+            EXPECT_TRUE(label != 2 || solutions > 65 || std::string(type) == "float") << log;
         }
         EXPECT_EQ(solutions, 3 * 131);
     }

@@ -111,16 +111,18 @@ def test_sidecars_open_bit_equal_and_move_along(tmp_path):
     values = {"<f4": np.float32([[1.5, np.nan, -3e38], [0.1, 2.0, np.inf]]), "<f8": np.float64([[1e300, 2.0], [3.0, 0.1]]),
               "<i2": np.int16([[1, -32768], [3, 7]]), "<i4": np.int32([[1, -70000]]), "u1": np.uint8([[1, 255, 3]])}
     for number, (pixel, image) in enumerate(values.items()):
-        write(tmp_path / ("%d&<\".ras" % number), image, pixel, map_bytes=b"rgb" * number)
+        write(tmp_path / ("%d &<>\".ras" % number), image, pixel, map_bytes=b"rgb" * number)
     write(tmp_path / "scene7_RG_COREG.ras", values["<f4"])
     names = sorted(path.name for path in tmp_path.glob("*.ras"))
     assert good(tmp_path, "vrt", *names).split("\n")[:-1] == [name + ".vrt" for name in names]
     shutil.copytree(tmp_path, tmp_path / "moved")
     for name, image in zip(names, values.values()):
         assert gdal.Open(str(tmp_path / "moved" / (name + ".vrt"))).ReadAsArray().tobytes() == image.tobytes()
-    opened = gdal.Open(str(tmp_path / "scene7_RG_COREG.ras.vrt"))  # a band does not keep its file
-    band = opened.GetRasterBand(1)
+    file = gdal.Open(str(tmp_path / "scene7_RG_COREG.ras.vrt"))  # a band does not keep its file
+    band = file.GetRasterBand(1)
     assert (band.GetUnitType(), band.GetDescription()) == ("px", "position in slave, range")
+    voids = [gdal.Open(str(tmp_path / (name + ".vrt"))) for name in names[2:4]]
+    assert [opened.GetRasterBand(1).GetNoDataValue() for opened in voids] == [-32768.0, None]
     # The sidecar then tells what the name no longer does.
     for ending in ("", ".vrt"):
         os.rename(tmp_path / ("scene7_RG_COREG.ras" + ending), tmp_path / ("renamed.ras" + ending))
@@ -197,6 +199,7 @@ def test_globe_file_holds_transparent_and_coloured_pixels(tmp_path):
     tile = gdal.Open("/vsizip/%s/0/0/0.png" % (tmp_path / "turns.kmz")).ReadAsArray()
     colours = tile[:3, tile[3] == 255]
     assert colours.size and np.ptp(colours, axis=1).max() <= 2  # whole turns do not show
+    assert np.abs(colours[:, 0] - phase_colours(tmp_path, np.ones((90, 3300)))).max() <= 2
     write(tmp_path / "flags.ras", np.full(shape, 1), "u1")
     good(tmp_path, "geocode", "flags.ras", "--kind", "LAYOVER_SHADOW", "--pool", "insar.pool", "--kmz")
     tile = gdal.Open("/vsizip/%s/0/0/0.png" % (tmp_path / "flags.kmz")).ReadAsArray()
@@ -235,6 +238,10 @@ REFUSED = {
     "another run's pool": (["geocode", "h_earth.ras", "--pool", "other.pool"], "x_earth.ras: pixel 0"),
     "other sizes": (["geocode", "h_earth.ras", "--pool", "insar.pool", "--z", "numbers.ras"], "numbers.ras: has 2 x 2 pixels"),
     "other rows": (["geocode", "h_earth.ras", "--pool", "insar.pool", "--z", "rows.ras"], "rows.ras: has"),
+    "other y": (["geocode", "h_earth.ras", "--pool", "insar.pool", "--y", "numbers.ras"], "numbers.ras: has 2 x 2 pixels"),
+    "lines not covered": (["geocode", "long.ras", "--kind", "H_EARTH", "--pool", "insar.pool"], "long.ras: has"),
+    "control byte": (["vrt", "odd\x1f.ras"], "can not stand in a sidecar"),
+    "delete byte": (["vrt", "odd\x7f.ras"], "can not stand in a sidecar"),
     "not covered": (["geocode", "h_earth.ras", "--pool", "insar.pool", "--kind", "RG_COREG", "--x", "numbers.ras", "--y",
                      "numbers.ras", "--z", "numbers.ras"], "h_earth.ras: has"),
     "no command": ([], "subcommand"),
@@ -256,7 +263,11 @@ def run_folder(tmp_path_factory):
     (folder / "odd.ras").write_bytes(BAD_PIXELS.replace(struct.pack(">I", 24), struct.pack(">I", 7)))
     (folder / "taken.png").write_bytes(b"mine")
     write(folder / "numbers.ras", np.array([[1.0, 2.0], [3.0, 4.0]]))
-    write(folder / "rows.ras", raster.read(folder / "h_earth.ras")[:-1])
+    height = raster.read(folder / "h_earth.ras")
+    write(folder / "rows.ras", height[:-1])
+    write(folder / "long.ras", np.tile(height, (2, 1)))
+    for byte in "\x1f\x7f":
+        write(folder / ("odd%s.ras" % byte), height)
     (folder / "other.pool").write_text("".join("%s_earth_offset FLT_15 10\n" % axis for axis in "xyz"))
     return folder
 
