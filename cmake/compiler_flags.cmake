@@ -14,6 +14,10 @@ add_compile_options(
   -Wnon-virtual-dtor -Woverloaded-virtual -ffp-contract=off $<$<BOOL:${VELMORA_WARNINGS_AS_ERRORS}>:-Werror>)
 # g++ 12 sees an overlapping copy in "text" + std::to_string(n) that is not there (GCC bug 105651).
 add_compile_options($<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
+# Where several files are compiled as one, a class may well have fields of its file's unnamed namespace, and a local name be
+# another file's: the builds by file tell of those that matter.
+add_compile_options($<$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>:-Wno-shadow>
+  $<$<AND:$<CXX_COMPILER_ID:GNU>,$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>>:-Wno-subobject-linkage>)
 
 # Hardening of the shipped program: position independent, stack guards, checked copies of the C library, addresses of
 # library functions read-only before main(), no executable stack. tests/end_to_end/test_hardening.py reads it all from the

@@ -15,6 +15,7 @@ function(velmora_vector_sources name)
   foreach(level ${levels})
     set(objects velmora_${name}_${level})
     add_library(${objects} OBJECT ${arg_SOURCES})
+    set_target_properties(${objects} PROPERTIES UNITY_BUILD OFF)  # what the sources share by name differs
     target_link_libraries(${objects} PRIVATE velmora_flags)
     target_compile_definitions(${objects} PRIVATE VELMORA_VECTOR_LEVEL=${level})
     # Without errno a square root is one instruction. Vectors are passed between functions of one object only.

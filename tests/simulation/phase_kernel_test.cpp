@@ -15,7 +15,7 @@
 namespace {
 
 constexpr SCENE_REQUEST kDescendingRight = {};
-constexpr SCENE_REQUEST kScenes[] = {
+constexpr SCENE_REQUEST kSceneRequests[] = {
     kDescendingRight,
     {.name = "ascending, left, flat",
      .argument_rad = 0.7,
@@ -72,7 +72,7 @@ double FloatStep(double value) {
 }
 
 TEST(PhaseKernel, AgreesWithBackwardInversionOfEveryPixel) {
-    for (const SCENE_REQUEST& request : kScenes) {
+    for (const SCENE_REQUEST& request : kSceneRequests) {
         SCOPED_TRACE(request.name);
         TEST_SCENE s(request);
         s.Run();
