@@ -9,6 +9,7 @@ import fcntl
 import json
 import os
 import pathlib
+import stat
 import subprocess
 
 REPORT, CHECK, LOCK = "report.json", "check.txt", "run.lock"
@@ -25,18 +26,23 @@ class OUTCOME:
 
 
 def read_report(folder):
-    """Empty for a report that is not there; the program writes it whole."""
+    """Empty for a report that is not there, or is none; the program writes it whole."""
     try:
-        return json.loads((folder / REPORT).read_text(encoding="utf-8"))
+        report = json.loads((folder / REPORT).read_text(encoding="utf-8"))
     except (OSError, ValueError):
         return {}
+    return report if isinstance(report, dict) else {}
 
 
 def _is_whole(folder, product):
+    """Of a run that went well. A key without a path asks for nothing; what went into a device or a pipe is not there any more."""
+    if not product["written"]:
+        return True
     try:
-        return product["written"] and (folder / product["path"]).stat().st_size == product.get("bytes", -1)
+        status = (folder / product["path"]).stat()
     except OSError:
         return False
+    return status.st_size == product["bytes"] or not stat.S_ISREG(status.st_mode)
 
 
 def _was_interrupted(report):
@@ -48,7 +54,7 @@ def ended_outcome(folder):
     """The outcome when nothing works on the pair."""
     report = read_report(folder)
     if report.get("exit_status") == 0:
-        whole = bool(report["products"]) and all(_is_whole(folder, product) for product in report["products"])
+        whole = all(_is_whole(folder, product) for product in report["products"])
         return OUTCOME(DONE if whole else LEFT, report=report)
     if report.get("exit_status") == 1 and not _was_interrupted(report):
         return OUTCOME(FAILED, (report["errors"] or [report["last_error"] or "no error told"])[0], report)

@@ -127,6 +127,11 @@ def test_products_decide_and_words_are_checked(tmp_path):
     with ENGINE(stack) as engine:
         engine.finish("--cores", "2", status=0)
     assert "2 done" in call(PROGRAM, "status", stack, folder=tmp_path)
+    control = pairs[1] / "scene.pcf"  # a product in a device, one whose key stands without a path: once left for ever
+    control.write_text(control.read_text().replace("SIMU_PHASE simu_phase.ras", "SIMU_PHASE /dev/null").replace(" h_earth.ras", ""))
+    (pairs[1] / "report.json").write_text("[]")
+    call(PROGRAM, "run", pairs[1], folder=tmp_path, VELMORA=os.environ["VELMORA_BINARY"])
+    assert pair_run.outcome(pairs[1]).state == "done" and '"/dev/null"' in (pairs[1] / "report.json").read_text()
     for words, says in ((["status", "none"], "none/pairs.csv"), (["retry", stack, "x__y"], "x__y"), (["run"], "FOLDER"),
                         (["run", "none"], "none"), (["status", stack, "--colour"], "--colour"), ([], "SUBCOMMAND")):
         assert says in call(PROGRAM, *words, folder=tmp_path, status=1)
