@@ -9,7 +9,7 @@
 
 namespace {
 
-struct PAIR_OPTIONS : RUN_OPTIONS {
+struct PAIR_OPTIONS : RUN_REQUEST {
     std::string master;
     std::string slave;
     bool force = false;

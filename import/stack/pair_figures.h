@@ -7,6 +7,8 @@
 #include "import/pair/pair_orbits.h"
 #include "import/stack/stack_image.h"
 
+inline constexpr double kSecondsPerDay = 86400.0;
+
 struct PAIR_FIGURES {
     double perpendicular_baseline_m = 0.0;  ///< positive: the slave is above the master's line of sight
     double time_difference_s = 0.0;         ///< slave's zero-Doppler time of the centre minus the master's

@@ -13,7 +13,6 @@
 namespace {
 
 constexpr std::size_t kMostPairs = 1000000;
-constexpr double kSecondsPerDay = 86400.0;
 
 PAIR_FIGURES Measured(const VALUE_PLACE& place, const PAIR_MEASURE& measure, std::size_t master, std::size_t slave) {
     const std::string row = place.file + ": " + place.where + ": ";
