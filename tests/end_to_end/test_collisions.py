@@ -5,7 +5,7 @@ import os
 import pytest
 
 from scene_maker.record_database import move_orbit
-from velmora_run import SMALL, edit_control_file, edit_pool, succeed, velmora
+from velmora_run import SMALL, content, edit_control_file, edit_pool, succeed, velmora
 
 
 def link(name, target):
@@ -66,12 +66,6 @@ REFUSED = [
 
 def as_arguments(text):
     return [word for pair in text.split() for word in ("-" + pair.split("=")[0], pair.split("=")[1])]
-
-
-def content(folder):
-    """Every name and what is there; not what tells of the run itself."""
-    return {str(path.relative_to(folder)): os.readlink(path) if path.is_symlink() else path.read_bytes()
-            for path in folder.rglob("*") if path.is_symlink() or path.is_file()}
 
 
 @pytest.mark.parametrize("arguments, before, other", REFUSED, ids=[case[0] for case in REFUSED])

@@ -12,9 +12,7 @@ import judge
 from scene_maker import raster
 
 from test_real_heights import write_reals
-from velmora_run import LAST_LINE, SMALL, edit_control_file, edit_pool, pool_bytes, velmora
-
-PRODUCTS = [name + ".ras" for name in ("simu_phase", "rg_coreg", "az_coreg", "x_earth", "y_earth", "z_earth", "h_earth")]
+from velmora_run import LAST_LINE, SMALL, edit_control_file, edit_pool, pool_bytes, products, velmora
 
 
 def pool(name, key, *entries):
@@ -184,7 +182,7 @@ def assert_failed(run, before):
     """Nothing but the error file, and the pools as they were."""
     assert run.status == 1, run.explanation()
     assert (run.folder / "ERROR.velmora").read_text() == "1" and not (run.folder / "OK.velmora").exists()
-    assert not [name for name in PRODUCTS if (run.folder / name).exists()]
+    assert not products(run.folder)
     assert not list(run.folder.glob("pool_*"))
     assert pool_bytes(run.folder) == before
 

@@ -7,17 +7,11 @@ import subprocess
 
 import pytest
 
-from velmora_run import BINARY, LAST_LINE, edit_control_file, succeed, velmora
+from velmora_run import BINARY, FILES, LAST_LINE, PRODUCTS, edit_control_file, products, succeed, velmora
 
-NAMES = ("SIMU_PHASE", "RG_COREG", "AZ_COREG", "X_EARTH", "Y_EARTH", "Z_EARTH", "H_EARTH")
-FILES = [name.lower() + ".ras" for name in NAMES]
 # Layover: cells far apart claim one pixel. Grids of 2 MB, in slabs that the factors do not divide.
 LARGE = dict(samples=500, lines=450, shift_factors=(4, 3), earth_factors=(3, 2), incidence_deg=20.0, smoothness=1.7)
 SMALL = dict(samples=100, lines=80, shift_factors=(4, 2), earth_factors=(3, 3))
-
-
-def products(folder):
-    return {name: (folder / name).read_bytes() for name in FILES if (folder / name).exists()}
 
 
 def temporaries(folder):
@@ -90,7 +84,7 @@ def in_namespace(commands, folder):
 
 def test_a_full_disk_is_found_before_the_work(fresh_scene):
     _, folder = fresh_scene(**SMALL)
-    edit_control_file(folder, **{name: "disk/" + file for name, file in zip(NAMES, FILES)})
+    edit_control_file(folder, **{name: "disk/" + file for name, file in zip(PRODUCTS, FILES)})
     (folder / "disk").mkdir()
     # 100 x 80 pixels of phase fit, the other six products do not.
     done = in_namespace("mount -t tmpfs -o size=40k none disk; echo older > disk/simu_phase.ras;"
@@ -107,7 +101,7 @@ def test_a_disk_that_fails_behind_the_systems_cache_is_an_error(fresh_scene):
     _, folder = fresh_scene(**{**LARGE, "shift_factors": (1, 1), "earth_factors": (1, 1)})
     if shutil.which("mkfs.ext4", path="/usr/sbin:/sbin:" + os.environ["PATH"]) is None:
         pytest.skip("no mkfs.ext4")
-    edit_control_file(folder, **{name: "disk/" + file for name, file in zip(NAMES, FILES)})
+    edit_control_file(folder, **{name: "disk/" + file for name, file in zip(PRODUCTS, FILES)})
     for name in ("below", "disk"):
         (folder / name).mkdir()
     done = in_namespace("mount -t tmpfs -o size=4m none below; truncate -s 64M below/image; mkfs.ext4 -q below/image;"

@@ -11,7 +11,7 @@ import numpy as np
 import pytest
 
 import velmora_run
-from velmora_run import BINARY, REPOSITORY, SMALL, edit_control_file, edit_pool, succeed, velmora
+from velmora_run import BINARY, REPOSITORY, SMALL, content, edit_control_file, edit_pool, succeed, velmora
 from scene_maker import raster, scene
 from scene_maker.options import SCENE_OPTIONS
 
@@ -147,14 +147,10 @@ def test_sidecars_come_with_the_key_and_stale_ones_go(folder):
     assert gdal.Open(str(folder / "rg_coreg.ras.vrt")).RasterXSize == raster.read(folder / "rg_coreg.ras").shape[1]
 
 
-def listing(folder):
-    return {path.name: path.read_bytes() if path.is_file() else None for path in folder.iterdir()}
-
-
 def check(folder, *arguments):
-    before = listing(folder)
+    before = content(folder)
     run = velmora(folder, "--check", *arguments)
-    assert listing(folder) == before and run.errors == ""
+    assert content(folder) == before and run.errors == ""
     return run
 
 

@@ -18,6 +18,8 @@ SMALL = dict(samples=60, lines=50, terrain="flat", low_m=100.0, cover_low_m=0.0,
 LAST_LINE = "ORQ_MSG|ERROR|velmora terminated with error!"
 POOLS = ("master.pool", "slave.pool", "insar.pool", "log.pool", "dem.pool")
 RUN_LIMIT_S = 300.0
+PRODUCTS = ("SIMU_PHASE", "RG_COREG", "AZ_COREG", "X_EARTH", "Y_EARTH", "Z_EARTH", "H_EARTH")
+FILES = [name.lower() + ".ras" for name in PRODUCTS]
 
 
 @dataclasses.dataclass
@@ -99,6 +101,17 @@ class HELD_RUN:
 
 def pool_bytes(folder):
     return {name: (pathlib.Path(folder) / name).read_bytes() for name in POOLS}
+
+
+def products(folder):
+    """Bytes of those that are there."""
+    return {name: (folder / name).read_bytes() for name in FILES if (folder / name).exists()}
+
+
+def content(folder):
+    """Every name and what is there; of a link, where it leads."""
+    return {str(path.relative_to(folder)): os.readlink(path) if path.is_symlink() else path.read_bytes() if path.is_file() else None
+            for path in folder.rglob("*")}
 
 
 def edit_pool(path, key, entry):

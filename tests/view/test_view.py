@@ -274,14 +274,11 @@ def run_folder(tmp_path_factory):
 
 @pytest.mark.parametrize("arguments, message", REFUSED.values(), ids=REFUSED)
 def test_bad_input_ends_in_a_message_and_leaves_nothing(run_folder, arguments, message):
-    def listing():
-        return {path.name: path.read_bytes() if path.is_file() else None for path in run_folder.iterdir()}
-
-    before = listing()
+    before = velmora_run.content(run_folder)
     done = view(run_folder, *arguments)
     assert (done.returncode, done.stdout) == (1, "")
     assert message in done.stderr
-    assert listing() == before
+    assert velmora_run.content(run_folder) == before
 
 
 def test_help_begins_with_an_example(tmp_path):

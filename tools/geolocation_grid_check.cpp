@@ -1,3 +1,4 @@
+/// \file geolocation_grid_check.cpp
 /// geolocation_grid_check POOL GRID.csv: solves the zero-Doppler time and the slant range of every point of an
 /// annotation's geolocation grid with the processor's own solver and orbit, and prints the number of points and the
 /// largest differences from the grid: "210 4.9e-07 s 2.1e-05 m".
