@@ -3,7 +3,7 @@
 /// The answer is for blocks of cells and errs on the side of too many: corners of a block are solved towards the master
 /// for two heights, between which the azimuth pixel runs straight to well below the margin that is added. A cell that
 /// is walked in vain costs time; products do not depend on it, since every cell is solved and filled as in a walk over
-/// all. Accuracy: the margin is 4 lines and a tenth of what the block spans. Memory: two numbers per 256 cells.
+/// all. Accuracy: the margin is 4 lines and a tenth of what the block spans. Memory: two numbers per block.
 /// Threads: constant after construction.
 
 #pragma once
@@ -11,6 +11,7 @@
 #include <initializer_list>
 #include <vector>
 
+#include "simulation/dem_blocks.h"
 #include "simulation/scene.h"
 
 class DEM_LINES {
@@ -38,8 +39,6 @@ class DEM_LINES {
 
     static SPAN SpanOf(const DEM_GRID& dem, const DEM_RANGE& block, std::initializer_list<LINE_OF_HEIGHT> corners);
 
-    DEM_RANGE range_;
-    int block_rows_;
-    int block_columns_;
+    DEM_BLOCKS blocks_;
     std::vector<SPAN> spans_;  ///< of the blocks, row by row
 };

@@ -8,17 +8,19 @@
 /// segment that reaches the pixel's centre. A segment faces a satellite where the look grows with the distance. A point
 /// is hidden from a satellite when a nearer point of the profile has a greater look. docs/products.md has the bits.
 ///
-/// Lines are looked at in pieces that begin at multiples of kLines, so that nothing depends on threads or slabs.
-/// Memory: 40 bytes per sample of the DEM that a piece needs. Threads: constant after construction.
+/// Lines are looked at in pieces that begin at multiples of kLines, so that nothing depends on threads or slabs. Where
+/// all the terrain of a piece is gentle, its flags are zero and no line is traced. Memory: that of the terrain's
+/// profiles of a piece. Threads: constant after construction.
 
 #pragma once
 
 #include <algorithm>
+#include <optional>
 #include <vector>
 
 #include "simulation/dem_lines.h"
-#include "simulation/dem_row.h"
-#include "simulation/prepared_scene.h"
+#include "simulation/gentle_terrain.h"
+#include "simulation/profile_sight.h"
 
 enum LAYOVER_SHADOW_BIT : unsigned char {
     kMasterLayover = 1,
@@ -33,8 +35,9 @@ class LAYOVER_SHADOW {
     static constexpr int kLines = 128;
 
     /// @param scene     its orbits and its DEM count, its grids do not
+    /// @param bounds    samples outside are voids
     /// @param relief_m  between the lowest and the highest terrain: how far before the image a shadow may begin
-    LAYOVER_SHADOW(const SCENE& scene, int samples, int lines, double relief_m);
+    LAYOVER_SHADOW(const SCENE& scene, int samples, int lines, const TERRAIN_BOUNDS& bounds, double relief_m);
 
     /// @param piece  lines piece * kLines .. and on, as far as the image goes
     /// @param flags  a byte for each of their pixels, row by row
@@ -44,28 +47,12 @@ class LAYOVER_SHADOW {
     [[nodiscard]] int LinesOf(int piece) const { return std::min(kLines, lines_ - piece * kLines); }
 
   private:
-    /// Distances of one satellite from the Earth's centre, line by line.
-    struct RADII {
-        int first_line = 0;
-        std::vector<double> radius_m{};
-        [[nodiscard]] double At(double line) const;
-    };
-
-    void Orient();
-    [[nodiscard]] RADII RadiiOf(const ACQUISITION_SCENE& acquisition) const;
+    [[nodiscard]] SCENE CellsOf(int piece) const;
 
     const SCENE scene_;  ///< with a wider part of the DEM than is simulated
     int samples_;
     int lines_;
-    PREPARED_SCENE prepared_;
     DEM_LINES dem_lines_;
-    DEM_ROW dem_row_;
-    RADII master_radii_;
-    RADII slave_radii_;
-    bool crosses_columns_ = true;    ///< a line crosses columns rather than rows
-    bool rises_across_ = true;       ///< the line grows from row to row, or from column to column
-    bool near_end_of_data_ = false;  ///< of an orbit: not all samples may be asked for
-    bool is_reversed_ = false;       ///< these are counted against the distance from the track
-
-    friend class TERRAIN_PROFILES;
+    std::vector<unsigned char> gentle_;   ///< of the pieces
+    std::optional<PROFILE_SIGHT> sight_;  ///< there if some piece is not gentle
 };

@@ -10,9 +10,9 @@
 FLAG_PRODUCT::FLAG_PRODUCT(const PRODUCT_SET& files, const IMAGE_SIZE& image)
     : image_(image), file_(files.Find(KindOf(PRODUCT::LAYOVER_SHADOW).key)) {}
 
-void FLAG_PRODUCT::Write(const SCENE& scene, double relief_m) const {
+void FLAG_PRODUCT::Write(const SCENE& scene, const TERRAIN_BOUNDS& bounds, double relief_m) const {
     if (file_ == nullptr) return;
-    const LAYOVER_SHADOW flags(scene, image_.samples, image_.lines, relief_m);
+    const LAYOVER_SHADOW flags(scene, image_.samples, image_.lines, bounds, relief_m);
     const auto write = [&](THREAD_ARG* argument) {
         const CONVERGENCE_REPORT report;
         try {

@@ -7,6 +7,7 @@
 #include "app/acquisition/acquisitions.h"
 #include "app/request/request.h"
 #include "lib/baselib/image/product_set.h"
+#include "simulation/gentle_terrain.h"
 #include "simulation/scene.h"
 
 class FLAG_PRODUCT {
@@ -15,9 +16,10 @@ class FLAG_PRODUCT {
     FLAG_PRODUCT(const PRODUCT_SET& files, const IMAGE_SIZE& image);
 
     /// The whole image.
+    /// @param bounds    samples outside are voids
     /// @param relief_m  between the lowest and the highest terrain
     /// @throws ERROR_CAN_NOT_WRITE_FILE or the text of a thread that failed
-    void Write(const SCENE& scene, double relief_m) const;
+    void Write(const SCENE& scene, const TERRAIN_BOUNDS& bounds, double relief_m) const;
 
   private:
     IMAGE_SIZE image_;

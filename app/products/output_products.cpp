@@ -129,7 +129,8 @@ void SaveFlags(SIMULATION_STATE& state) {
     Say(" 6. Output of layover and shadow");
     Say("    save: %s", state.request.layover_shadow_file.Text());
     const auto terrain = [](double height_m) { return std::clamp(height_m, kLowestTerrain_m, kHighestTerrain_m); };
-    state.products.Flags().Write(state.scene, terrain(state.survey.highest_m) - terrain(state.survey.lowest_m));
+    state.products.Flags().Write(state.scene, {kLowestTerrain_m, kHighestTerrain_m},
+                                 terrain(state.survey.highest_m) - terrain(state.survey.lowest_m));
 }
 
 }  // namespace
