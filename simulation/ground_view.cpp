@@ -19,16 +19,25 @@ INLINE double Root(double a) {
 INLINE double One(bool truth) {
     return static_cast<double>(static_cast<int>(truth));
 }
+/// Tangent of half the angle between unit vectors, squared, or its inverse if that is less than 1: a fraction, which
+/// has no bad place.
+struct HALF_ANGLE {
+    double less;
+    double more;
+    bool is_wide;  ///< above 90 degrees
+};
 
-/// Angle between unit vectors, 0 .. 180 degrees: twice the arc tangent of |a - b| / |a + b|, which has no bad place.
-/// Source: Abramowitz and Stegun (1964), 4.4.49: the arc tangent of 0 .. 1 to 2e-8.
-INLINE double Angle_deg(const POINT_M& a, const POINT_M& b) {
+INLINE HALF_ANGLE HalfAngle(const POINT_M& a, const POINT_M& b) {
     const double apart = DotProduct(a - b, a - b);
-    const double together = DotProduct(a + b, a + b);
+    const double together = DotProduct(a + b, a + b) + 1e-300;
     const bool is_wide = apart > together;
-    const double less = is_wide ? together : apart;
-    const double more = is_wide ? apart : together;
-    const double t2 = less / (more + 1e-300);
+    return {is_wide ? together : apart, is_wide ? apart : together, is_wide};
+}
+
+/// The angle in degrees, 0 .. 180.
+/// @param t2  less / more
+/// Source: Abramowitz and Stegun (1964), 4.4.49: the arc tangent of 0 .. 1 to 2e-8.
+INLINE double Degrees(bool is_wide, double t2) {
     double sum = 0.0028662257;
     sum = sum * t2 - 0.0161657367;
     sum = sum * t2 + 0.0429096138;
@@ -43,16 +52,26 @@ INLINE double Angle_deg(const POINT_M& a, const POINT_M& b) {
     return wide * 180.0 + (1.0 - 2.0 * wide) * angle;
 }
 
-/// Newton's method on the ellipsoid whose semi-axes are longer by the height, from a sphere's solution.
+/// (a + h) / (b + h) for semi-axes a, b that differ little, with no division: to 1e-11.
+/// @param flattening  a / b - 1
+/// @param part        h / b
+INLINE double AxesRatio(double flattening, double part) {
+    return 1.0 + flattening * (1.0 - part * (1.0 - part * (1.0 - part)));
+}
+
+/// Newton's method on the ellipsoid whose semi-axes are longer by the height, from a sphere's solution. Divisions and
+/// roots are nearly all of the time: the last step takes the slope of the one before, and lengths that differ from 1 by
+/// a square are brought there without a root.
 INLINE void FindGround(const GROUND_FRAME& frame, double first_column, GROUND_BLOCK& block) {
     constexpr int kSteps = 3;  // the sphere is wrong by some 1e-3 rad, and each step squares that
     const POINT_M satellite = frame.own_satellite_m;
     const POINT_M down = frame.own_down;
     const POINT_M out = frame.own_out;
     const double height2 = DotProduct(satellite, satellite);
-    const double below = -DotProduct(satellite, down);
+    const double half_below = -0.5 / DotProduct(satellite, down);
     const double a_m = frame.a_m;
-    const double b_m = frame.b_m;
+    const double per_b = 1.0 / frame.b_m;
+    const double flattening = frame.a_m / frame.b_m - 1.0;
     const double first_range_m = frame.first_range_m + first_column * frame.range_step_m;
     const double range_step_m = frame.range_step_m;
     const double radius_m = frame.radius_m;
@@ -61,22 +80,27 @@ INLINE void FindGround(const GROUND_FRAME& frame, double first_column, GROUND_BL
     double* const outs = block.out;
     for (int i = 0; i < kSize; ++i) {
         const double range_m = first_range_m + i * range_step_m;
-        const double a = 1.0 / ((a_m + heights_m[i]) * (a_m + heights_m[i]));
-        const double b = 1.0 / ((b_m + heights_m[i]) * (b_m + heights_m[i]));
+        const double axis_m = a_m + heights_m[i];
+        const double ratio = AxesRatio(flattening, heights_m[i] * per_b);
+        const double polar = ratio * ratio;
         const double r = radius_m + heights_m[i];
-        double c = (height2 + range_m * range_m - r * r) / (2.0 * range_m * below);
+        double c = (height2 + range_m * range_m - r * r) * half_below / range_m;
         double s = Root(__builtin_fabs(1.0 - c * c));
+        double per_slope = 0.0;
 #pragma GCC unroll 3
         for (int step = 0; step < kSteps; ++step) {
             const POINT_M p = satellite + range_m * (c * down + s * out);
-            const POINT_M across = range_m * (c * out - s * down);
-            const POINT_M normal = {a * p.x, a * p.y, b * p.z};
-            const double value = DotProduct(normal, p) - 1.0;
-            const double turn = value / (2.0 * DotProduct(normal, across) + 1e-9);
+            const POINT_M normal = {p.x, p.y, polar * p.z};
+            const double value = DotProduct(normal, p) - axis_m * axis_m;
+            if (step + 1 < kSteps) {
+                const POINT_M across = c * out - s * down;
+                per_slope = 1.0 / (2.0 * range_m * DotProduct(normal, across) + 1e-9);
+            }
+            const double turn = value * per_slope;
             const double turned = c + turn * s;  // the angle falls by the turn
             s = s - turn * c;
             c = turned;
-            const double stretch = 1.0 / Root(c * c + s * s);
+            const double stretch = 1.5 - 0.5 * (c * c + s * s);
             c = c * stretch;
             s = s * stretch;
         }
@@ -85,16 +109,15 @@ INLINE void FindGround(const GROUND_FRAME& frame, double first_column, GROUND_BL
     }
 }
 
-/// Where the slave is when it sees the point at zero Doppler: two steps of Newton's method along its parabola.
+/// Where the slave is when it sees the point at zero Doppler: two steps of Newton's method along its parabola, both
+/// with the slope of the first, which changes by less than 1e-3 in a second.
 INLINE POINT_M SlaveAt(const POINT_M& place, const POINT_M& velocity, const POINT_M& acceleration,
                        const POINT_M& point) {
-    double t = 0.0;
-#pragma GCC unroll 2
-    for (int step = 0; step < 2; ++step) {
-        const POINT_M sight = place + t * velocity + (0.5 * t * t) * acceleration - point;
-        const POINT_M now = velocity + t * acceleration;
-        t = t - DotProduct(now, sight) / (DotProduct(acceleration, sight) + DotProduct(now, now) + 1.0);
-    }
+    const POINT_M first_sight = place - point;
+    const double per_slope = 1.0 / (DotProduct(acceleration, first_sight) + DotProduct(velocity, velocity) + 1.0);
+    const double first = -per_slope * DotProduct(velocity, first_sight);
+    const POINT_M sight = first_sight + first * velocity + (0.5 * first * first) * acceleration;
+    const double t = first - per_slope * DotProduct(velocity + first * acceleration, sight);
     return place + t * velocity + (0.5 * t * t) * acceleration;
 }
 
@@ -105,8 +128,8 @@ INLINE void LookBack(const GROUND_FRAME& frame, double first_column, GROUND_BLOC
     const POINT_M slave = frame.slave_m;
     const POINT_M slave_velocity = frame.slave_m_s;
     const POINT_M slave_acceleration = frame.slave_m_s2;
-    const double normal_a_m = frame.normal_a_m;
-    const double normal_b_m = frame.normal_b_m;
+    const double flattening = frame.normal_a_m / frame.normal_b_m - 1.0;
+    const double per_b = 1.0 / frame.normal_b_m;
     const double* const heights_m = block.height_m;
     const double ambiguity_m = frame.ambiguity_m;
     const double first_range_m = frame.first_range_m + first_column * frame.range_step_m;
@@ -126,12 +149,23 @@ INLINE void LookBack(const GROUND_FRAME& frame, double first_column, GROUND_BLOC
         const POINT_M away = downs[i] * down + outs[i] * out;
         const POINT_M point = satellite + range_m * away;
         const POINT_M sight = -1.0 * away;
-        const POINT_M up = UpAt(point, normal_a_m + heights_m[i], normal_b_m + heights_m[i]);
-        const double to_axis = 1.0 / Root(point.x * point.x + point.y * point.y + 1e-6);
+        const double ratio = AxesRatio(flattening, heights_m[i] * per_b);
+        const POINT_M upward_normal = {point.x, point.y, ratio * ratio * point.z};
+        const POINT_M normal = {normals[0][i], normals[1][i], normals[2][i]};
+        const double length = Root(DotProduct(upward_normal, upward_normal));
+        const double from_axis = Root(point.x * point.x + point.y * point.y + 1e-6);
+        const double normal_length = Root(DotProduct(normal, normal) + 1e-30);
+        const double per_all = 1.0 / (length * from_axis * normal_length);  // one division for three
+        const POINT_M up = (per_all * from_axis * normal_length) * upward_normal;
+        const double to_axis = per_all * length * normal_length;
+        const POINT_M local_up = (per_all * length * from_axis) * normal;
         const POINT_M eastward = {-to_axis * point.y, to_axis * point.x, 0.0};
         const POINT_M northward = {-up.z * eastward.y, up.z * eastward.x, up.x * eastward.y - up.y * eastward.x};
-        incidence[i] = static_cast<float>(Angle_deg(up, sight));
-        local[i] = static_cast<float>(Angle_deg(Unit({normals[0][i], normals[1][i], normals[2][i]}), sight));
+        const HALF_ANGLE to_up = HalfAngle(up, sight);
+        const HALF_ANGLE to_local_up = HalfAngle(local_up, sight);
+        const double per_both = 1.0 / (to_up.more * to_local_up.more);
+        incidence[i] = static_cast<float>(Degrees(to_up.is_wide, to_up.less * (per_both * to_local_up.more)));
+        local[i] = static_cast<float>(Degrees(to_local_up.is_wide, to_local_up.less * (per_both * to_up.more)));
         east[i] = static_cast<float>(DotProduct(sight, eastward));
         north[i] = static_cast<float>(DotProduct(sight, northward));
         upward[i] = static_cast<float>(DotProduct(sight, up));
@@ -139,7 +173,10 @@ INLINE void LookBack(const GROUND_FRAME& frame, double first_column, GROUND_BLOC
         const POINT_M across = downs[i] * out - outs[i] * down;  // outwards and upwards
         const POINT_M slave_place = SlaveAt(slave, slave_velocity, slave_acceleration, point);
         baseline[i] = static_cast<float>(PerpendicularBaseline_m(satellite, slave_place, across));
-        ambiguity[i] = static_cast<float>(HeightOfAmbiguity_m(ambiguity_m, across, up, Unit(slave_place - point)));
+        const POINT_M slave_sight = slave_place - point;
+        const double slave_range_m = Root(DotProduct(slave_sight, slave_sight));
+        // The line of sight is longer than 1 by the range, and so is what is divided by it.
+        ambiguity[i] = static_cast<float>(HeightOfAmbiguity_m(ambiguity_m * slave_range_m, across, up, slave_sight));
     }
 }
 

@@ -47,27 +47,34 @@ void TRIANGLE_FILLER::FillRow(const RADAR_ROW& upper, const RADAR_ROW& lower,
         corners.values[q][0] = upper[static_cast<QUANTITY>(q)].data();
         corners.values[q][1] = lower[static_cast<QUANTITY>(q)].data();
     }
-    if (wants_normals_) FindNormals(upper, lower, corners);
+    if (wants_normals_) FindNormals(upper, lower, wanted, corners);
     const long long asked_of_lines = fill_cells_(filling_, corners, wanted.data(), static_cast<int>(wanted.size()) - 1);
     for (long long i = 0; i < asked_of_lines; ++i) {
         Log().Message(LOGGING_LEVEL::WARNING, "RADAR_SOLUTION::IsInside : Not triangle, only line");
     }
 }
 
-/// Cells that are not filled as well: their samples have places, too.
-void TRIANGLE_FILLER::FindNormals(const RADAR_ROW& upper, const RADAR_ROW& lower, CORNER_ROWS& corners) {
-    const auto run = [](const RADAR_ROW& row) {
-        return SAMPLE_RUN{row[QUANTITY::EARTH_X].data(), row[QUANTITY::EARTH_Y].data(), row[QUANTITY::EARTH_Z].data()};
+/// From the first cell that is filled to the last. Those between that are not filled as well: their samples have
+/// places, too.
+void TRIANGLE_FILLER::FindNormals(const RADAR_ROW& upper, const RADAR_ROW& lower,
+                                  const std::vector<unsigned char>& wanted, CORNER_ROWS& corners) {
+    const auto is_wanted = [](unsigned char mark) { return mark != 0; };
+    const auto first = std::find_if(wanted.begin(), wanted.end(), is_wanted) - wanted.begin();
+    const auto end = wanted.rend() - std::find_if(wanted.rbegin(), wanted.rend(), is_wanted);
+    if (first >= end) return;
+    const auto run = [first](const RADAR_ROW& row) {
+        return SAMPLE_RUN{row[QUANTITY::EARTH_X].data() + first, row[QUANTITY::EARTH_Y].data() + first,
+                          row[QUANTITY::EARTH_Z].data() + first};
     };
     double* places[2][3];
     for (int t = 0; t < 2; ++t) {
         for (int axis = 0; axis < 3; ++axis) {
             normals_[t][axis].resize(static_cast<std::size_t>(upper.size));
-            places[t][axis] = normals_[t][axis].data();
-            corners.normals[t][axis] = places[t][axis];
+            places[t][axis] = normals_[t][axis].data() + first;
+            corners.normals[t][axis] = normals_[t][axis].data();
         }
     }
-    VELMORA_AT_LEVEL(vector_level_, TriangleNormals)(run(upper), run(lower), upper.size - 1, places);
+    VELMORA_AT_LEVEL(vector_level_, TriangleNormals)(run(upper), run(lower), static_cast<int>(end - first), places);
 }
 
 void TRIANGLE_FILLER::WriteMask() const {

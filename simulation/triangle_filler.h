@@ -25,7 +25,8 @@ class TRIANGLE_FILLER {
     void WriteMask() const;
 
   private:
-    void FindNormals(const RADAR_ROW& upper, const RADAR_ROW& lower, CORNER_ROWS& corners);
+    void FindNormals(const RADAR_ROW& upper, const RADAR_ROW& lower, const std::vector<unsigned char>& wanted,
+                     CORNER_ROWS& corners);
 
     const GRID_VIEW<unsigned char>& mask_;
     const PIXEL_OWNERSHIP& ownership_;

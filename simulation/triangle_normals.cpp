@@ -20,13 +20,16 @@ namespace {
 
 void VELMORA_VECTOR_LEVEL::TriangleNormals(const SAMPLE_RUN& upper, const SAMPLE_RUN& lower, int count,
                                            double* const (&normals)[2][3]) {
-    double* __restrict const x0 = normals[0][0];
-    double* __restrict const y0 = normals[0][1];
-    double* __restrict const z0 = normals[0][2];
+    // The arrays do not overlap, and are too many for the compiler to ask at run time.
+    double* const x0 = normals[0][0];
+    double* const y0 = normals[0][1];
+    double* const z0 = normals[0][2];
+#pragma GCC ivdep
     for (int i = 0; i < count; ++i) Cross(upper, i, upper, i + 1, lower, i, x0[i], y0[i], z0[i]);
-    double* __restrict const x1 = normals[1][0];
-    double* __restrict const y1 = normals[1][1];
-    double* __restrict const z1 = normals[1][2];
+    double* const x1 = normals[1][0];
+    double* const y1 = normals[1][1];
+    double* const z1 = normals[1][2];
     // From the lower right corner: the same sense.
+#pragma GCC ivdep
     for (int i = 0; i < count; ++i) Cross(lower, i + 1, lower, i, upper, i + 1, x1[i], y1[i], z1[i]);
 }

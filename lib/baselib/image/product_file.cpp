@@ -173,27 +173,13 @@ void PRODUCT_FILE::LogCreation() const {
                   request_.path.c_str());
 }
 
-namespace {
-
-void AddBytes(const unsigned char* pixels, long long count, VALUE_STATISTICS& values) {
-    constexpr long long kAtOnce = 1024;
-    float block[kAtOnce];
-    for (long long first = 0; first < count; first += kAtOnce) {
-        const long long size = std::min(kAtOnce, count - first);
-        std::copy_n(pixels + first, size, block);
-        values.Add(block, size);
-    }
-}
-
-}  // namespace
-
 void PRODUCT_FILE::CountValues(long long rows, const void* pixels, std::size_t stride) {
     if (!values_wanted_) return;
     VALUE_STATISTICS values;
     for (long long row = 0; row < rows; ++row) {
         const char* const from = static_cast<const char*>(pixels) + static_cast<std::size_t>(row) * stride;
         if (request_.pixel_type == PIXEL_TYPE::U_INT_8)
-            AddBytes(reinterpret_cast<const unsigned char*>(from), header_.width, values);
+            values.Add(reinterpret_cast<const unsigned char*>(from), header_.width);
         else
             values.Add(reinterpret_cast<const float*>(from), header_.width);
     }

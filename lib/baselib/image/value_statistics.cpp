@@ -54,6 +54,24 @@ void VALUE_STATISTICS::Add(const float* values, long long count) {
     }
 }
 
+void VALUE_STATISTICS::Add(const unsigned char* values, long long count) {
+    constexpr long long kAtOnce = 1 << 16;  // their sum fits
+    for (long long first = 0; first < count; first += kAtOnce) {
+        const unsigned char* const block = values + first;
+        const int size = static_cast<int>(std::min(kAtOnce, count - first));
+        unsigned char minimum = 255;
+        unsigned char maximum = 0;
+        unsigned sum = 0;
+        for (int i = 0; i < size; ++i) minimum = std::min(minimum, block[i]);
+        for (int i = 0; i < size; ++i) maximum = std::max(maximum, block[i]);
+        for (int i = 0; i < size; ++i) sum += block[i];
+        minimum_ = Smaller(minimum_, minimum);
+        maximum_ = Larger(maximum_, maximum);
+        sum_ += sum;
+    }
+    count_ += count;
+}
+
 void VALUE_STATISTICS::Add(const VALUE_STATISTICS& part) {
     minimum_ = Smaller(minimum_, part.minimum_);
     maximum_ = Larger(maximum_, part.maximum_);

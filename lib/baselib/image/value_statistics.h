@@ -12,6 +12,7 @@
 class VALUE_STATISTICS {
   public:
     void Add(const float* values, long long count);
+    void Add(const unsigned char* values, long long count);
     void Add(const VALUE_STATISTICS& part);
 
     /// How many values counted; without any the others are 0.
