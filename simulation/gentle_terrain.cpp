@@ -9,23 +9,17 @@
 
 namespace {
 
-using POINT_M = VECTOR_3D<double>;
-
 constexpr double kPartOfBound = 0.95;
 constexpr double kAbove_m = 1000.0;   ///< tells the vertical
 constexpr double kSteep = 1e6;        ///< a slope that is never gentle
 constexpr double kClosest_m2 = 1e-4;  ///< at a pole columns meet
-constexpr double kEverywhere = std::numeric_limits<double>::max();
-
-POINT_M Unit(const POINT_M& a) {
-    return (1.0 / Length(a)) * a;
-}
+constexpr double kAnywhere = std::numeric_limits<double>::max();
 
 /// A place on the ground with its vertical, and the direction of its profile.
 struct GROUND {
-    POINT_M point_m;
-    POINT_M up;
-    POINT_M outwards;  ///< level, away from the master's track
+    VECTOR_3D<double> point_m;
+    VECTOR_3D<double> up;
+    VECTOR_3D<double> outwards;  ///< level, away from the master's track
 };
 
 bool Keeps(double level, double upwards, double slope) {
@@ -33,10 +27,10 @@ bool Keeps(double level, double upwards, double slope) {
 }
 
 /// Whether no slope up to the given one turns the order of ranges over, or averts the ground from the satellite.
-bool IsGentleTowards(const POINT_M& satellite_m, const GROUND& ground, double slope) {
-    const POINT_M sight = Unit(satellite_m - ground.point_m);
-    const POINT_M overhead = Unit(satellite_m);
-    const POINT_M across = overhead - DotProduct(overhead, sight) * sight;  // the look grows along it
+bool IsGentleTowards(const VECTOR_3D<double>& satellite_m, const GROUND& ground, double slope) {
+    const VECTOR_3D<double> sight = Unit(satellite_m - ground.point_m);
+    const VECTOR_3D<double> overhead = Unit(satellite_m);
+    const VECTOR_3D<double> across = overhead - DotProduct(overhead, sight) * sight;  // the look grows along it
     return Keeps(-DotProduct(sight, ground.outwards), DotProduct(sight, ground.up), slope) &&
            Keeps(DotProduct(across, ground.outwards), DotProduct(across, ground.up), slope);
 }
@@ -50,12 +44,13 @@ class BLOCK_INSPECTION {
     [[nodiscard]] bool IsGentle(const DEM_RANGE& block) {
         const BLOCK_HEIGHTS heights = HeightsOf(dem_, block);
         if (!bounds_.Hold(heights.lowest_m) || !bounds_.Hold(heights.highest_m)) return false;
-        const POINT_M point_m = PlaceAtHeight(dem_, block.first_column, block.first_row, heights.highest_m);
+        const VECTOR_3D<double> point_m = PlaceAtHeight(dem_, block.first_column, block.first_row, heights.highest_m);
         const auto seen = master_.Solve(point_m);
         const auto seen_by_slave = slave_.Solve(point_m);
         if (!seen || !seen_by_slave) return false;
         const ORBIT_STATE master = master_.State(seen->time_s);
-        const POINT_M above_m = PlaceAtHeight(dem_, block.first_column, block.first_row, heights.highest_m + kAbove_m);
+        const VECTOR_3D<double> above_m =
+            PlaceAtHeight(dem_, block.first_column, block.first_row, heights.highest_m + kAbove_m);
         GROUND ground{point_m, Unit(above_m - point_m), {}};
         ground.outwards = Unit(CrossProduct(ground.up, master.velocity_m_s));
         if (DotProduct(ground.outwards, point_m - master.position_m) < 0.0) ground.outwards = -1.0 * ground.outwards;
@@ -66,13 +61,13 @@ class BLOCK_INSPECTION {
 
     /// The samples between two of a block, on the block's rim.
     [[nodiscard]] GENTLE_TERRAIN::REACH ReachOf(const DEM_RANGE& rim, const BLOCK_HEIGHTS& heights) {
-        GENTLE_TERRAIN::REACH reach = {kEverywhere, -kEverywhere, kEverywhere, -kEverywhere};
+        GENTLE_TERRAIN::REACH reach = {kAnywhere, -kAnywhere, kAnywhere, -kAnywhere};
         const ACQUISITION_SCENE& master = master_.Acquisition();
         for (const double height_m : {heights.lowest_m, heights.highest_m}) {
             for (const bool at_end : {false, true}) {
                 const auto seen = master_.Solve(PlaceAtHeight(dem_, at_end ? rim.last_column : rim.first_column,
                                                               at_end ? rim.last_row : rim.first_row, height_m));
-                if (!seen) return {-kEverywhere, kEverywhere, -kEverywhere, kEverywhere};
+                if (!seen) return {-kAnywhere, kAnywhere, -kAnywhere, kAnywhere};
                 Extend((seen->time_s - master.first_azimuth_time_s) * master.prf_hz, reach.first_line, reach.last_line);
                 Extend((2.0 * seen->range_m / kSpeedOfLight - master.near_range_time_s) * master.rsf_hz,
                        reach.first_pixel, reach.last_pixel);
@@ -97,13 +92,13 @@ class BLOCK_INSPECTION {
     }
 
     /// Along the profiles.
-    [[nodiscard]] double GreatestSlope(const DEM_RANGE& block, const POINT_M& outwards) const {
+    [[nodiscard]] double GreatestSlope(const DEM_RANGE& block, const VECTOR_3D<double>& outwards) const {
         const BLOCK_STEPS steps = StepsOf(dem_, block);
         double slope = 0.0;
         for (const int row : {block.first_row, block.last_row - 1}) {
-            const POINT_M here = PlaceAtHeight(dem_, block.first_column, row, 0.0);
-            const POINT_M right = PlaceAtHeight(dem_, block.first_column + 1, row, 0.0) - here;
-            const POINT_M below = PlaceAtHeight(dem_, block.first_column, row + 1, 0.0) - here;
+            const VECTOR_3D<double> here = PlaceAtHeight(dem_, block.first_column, row, 0.0);
+            const VECTOR_3D<double> right = PlaceAtHeight(dem_, block.first_column + 1, row, 0.0) - here;
+            const VECTOR_3D<double> below = PlaceAtHeight(dem_, block.first_column, row + 1, 0.0) - here;
             const double right2 = DotProduct(right, right);
             const double below2 = DotProduct(below, below);
             if (!(right2 > kClosest_m2) || !(below2 > kClosest_m2)) return kSteep;

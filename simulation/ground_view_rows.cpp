@@ -14,12 +14,14 @@ using POINT_M = VECTOR_3D<double>;
 
 /// The last one stands for those that are missing.
 void Fill(const float* from, int size, double (&to)[GROUND_BLOCK::kSize]) {
-    for (int i = 0; i < GROUND_BLOCK::kSize; ++i) to[i] = from[std::min(i, size - 1)];
+    std::copy_n(from, size, to);
+    std::fill(to + size, to + GROUND_BLOCK::kSize, to[size - 1]);
 }
 
 void EndAtInfinity(float (&heights_m)[GROUND_BLOCK::kSize]) {
+    constexpr auto kEndless_m = static_cast<float>(kEndlessHeight_m);
     for (float& height_m : heights_m)
-        if (height_m > static_cast<float>(kEndlessHeight_m)) height_m = std::numeric_limits<float>::infinity();
+        height_m = height_m > kEndless_m ? std::numeric_limits<float>::infinity() : height_m;
 }
 
 /// Radius of the ellipsoid below a point.

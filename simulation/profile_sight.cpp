@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int kMarginLines = 2000;  ///< satellites farther from the image are not looked at
+constexpr int kLinesBeside = 2000;  ///< satellites farther from the image are not looked at
 
 double LineOf(const ACQUISITION_SCENE& acquisition, double time_s) {
     return (time_s - acquisition.first_azimuth_time_s) * acquisition.prf_hz;
@@ -59,8 +59,8 @@ bool PROFILE_SIGHT::NearEndOfData() const {
 PROFILE_SIGHT::RADII PROFILE_SIGHT::RadiiOf(const ACQUISITION_SCENE& acquisition, int lines) {
     const TIME_WINDOW data = DataWindow(acquisition.orbit);
     RADII radii;
-    radii.first_line = -kMarginLines;
-    for (int line = -kMarginLines; line <= lines + kMarginLines; ++line) {
+    radii.first_line = -kLinesBeside;
+    for (int line = -kLinesBeside; line <= lines + kLinesBeside; ++line) {
         const double time_s =
             std::clamp(acquisition.first_azimuth_time_s + line / acquisition.prf_hz, data.first_s, data.last_s);
         radii.radius_m.push_back(Length(acquisition.orbit.orbit->Position(time_s + acquisition.orbit.offset_s)));
