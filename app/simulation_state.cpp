@@ -1,5 +1,6 @@
 #include "app/simulation_state.h"
 
+#include "app/products/flag_product.h"
 #include "app/products/wanted_products.h"
 #include "app/request/run_files.h"
 #include "app/scene/border_in_dem.h"
@@ -62,7 +63,8 @@ SIMULATION_STATE::SIMULATION_STATE(const REQUEST& what_was_asked, RUN_POOLS& poo
       survey(SurveyDem(terrain.grid, place.simulated, valid_heights, request.terrain.dem_file.text)),
       sizes(SizeOutputs(request, acquisitions.image, simulated)),
       products(OpenProducts(request, acquisitions, sizes)),
-      slabs(PlanSlabs(request, sizes, !request.only_looks && products.MayBeWrittenEarly())),
+      slabs(PlanSlabs(request, sizes, FlagsMemory_bytes(request, place.simulated, acquisitions.image),
+                      !request.only_looks && products.MayBeWrittenEarly())),
       images(AllocateResultImages(request, sizes, slabs, initial_phase)),
       scene(MakeKernelScene(request, acquisitions, pair, terrain, place, images)) {
     LookAtBorder(*this);

@@ -3,6 +3,7 @@
 #include "geometry/vector_arithmetic.h"
 #include "simulation/sheets.h"
 #include "simulation/terrain_profiles.h"
+#include "simulation/thread_count.h"
 
 namespace {
 
@@ -42,6 +43,16 @@ LAYOVER_SHADOW::LAYOVER_SHADOW(const SCENE& scene, int samples, int lines, const
         gentle_.push_back(gentle.Holds(CellsOf(piece), first_line, first_line + LinesOf(piece)) ? 1 : 0);
     }
     if (std::find(gentle_.begin(), gentle_.end(), 0) != gentle_.end()) sight_.emplace(scene_, bounds, lines_);
+}
+
+/// The lines' share of the samples, and a block more to all sides.
+double LAYOVER_SHADOW::WorkingBytes(const DEM_RANGE& simulated, int lines) {
+    const double rows = simulated.last_row - simulated.first_row + 1.0;
+    const double columns = simulated.last_column - simulated.first_column + 1.0;
+    const double share = std::min(1.0, static_cast<double>(kLines) / std::max(lines, 1));
+    const double samples =
+        std::min(rows * columns, share * rows * columns + 3.0 * DEM_BLOCKS::kSize * (rows + columns));
+    return samples * sizeof(SEEN) * ThreadCount();
 }
 
 SCENE LAYOVER_SHADOW::CellsOf(int piece) const {

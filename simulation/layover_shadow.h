@@ -43,6 +43,9 @@ class LAYOVER_SHADOW {
     /// @param flags  a byte for each of their pixels, row by row
     void Find(int piece, unsigned char* flags) const;
 
+    /// About what the profiles of all threads need, bytes. @param lines  of the image
+    [[nodiscard]] static double WorkingBytes(const DEM_RANGE& simulated, int lines);
+
     [[nodiscard]] int Pieces() const { return (lines_ + kLines - 1) / kLines; }
     [[nodiscard]] int LinesOf(int piece) const { return std::min(kLines, lines_ - piece * kLines); }
 

@@ -3,7 +3,7 @@
 #include "simulation/layover_shadow.h"
 
 void LINE_SHEETS::CountHidden(double near_look, double far_look, double& horizon, double near_pixel, double far_pixel,
-                              COUNTS& hidden) {
+                              PIXEL_COUNTS& hidden) {
     if (far_look <= horizon) {
         hidden.Add(near_pixel, far_pixel);
         return;
@@ -27,7 +27,7 @@ void LINE_SHEETS::CountSegment(const SEEN& near, const SEEN& far) {
 }
 
 void LINE_SHEETS::CountRun(const TERRAIN_PROFILE& profile, std::size_t first, std::size_t last) {
-    const auto add = [](COUNTS& counts, double from, double to) {
+    const auto add = [](PIXEL_COUNTS& counts, double from, double to) {
         counts.Add(from, to, static_cast<std::int16_t>(to >= from ? 1 : -1));
     };
     add(master_.forward, profile[first]->pixel, profile[last]->pixel);
@@ -57,7 +57,7 @@ void LINE_SHEETS::CountSheets(const TERRAIN_PROFILE& profile) {
     slave_turns_ = false;
     master_.Clear(samples_);
     slave_.Clear(slave_pixels_);
-    for (SHEETS* sheets : {&master_, &slave_}) sheets->hidden.Clear(samples_);
+    for (SHEET_COUNTS* sheets : {&master_, &slave_}) sheets->hidden.Clear(samples_);
     double horizon = -1e300;
     double slave_horizon = -1e300;
     std::size_t run = 0;
@@ -93,7 +93,7 @@ void LINE_SHEETS::MarkSlaveLayover(const TERRAIN_PROFILE& profile, unsigned char
         const SEEN& far = *profile[k + 1];
         const auto [low, high] = std::minmax({place_of(near.slave_pixel), place_of(far.slave_pixel)});
         if (layover_before_[low] == layover_before_[high + 1]) continue;
-        const PIXELS pixels = Between(near.pixel, far.pixel, samples_);
+        const PIXEL_SPAN pixels = PixelsBetween(near.pixel, far.pixel, samples_);
         for (int p = pixels.first; p < pixels.end; ++p) {
             const double part = (p - near.pixel) / (far.pixel - near.pixel);
             const int place = place_of(near.slave_pixel + part * (far.slave_pixel - near.slave_pixel));

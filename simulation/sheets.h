@@ -12,12 +12,12 @@
 #include "simulation/terrain_profiles.h"
 
 /// Whole numbers p with low <= p < high are first .. end - 1, between 0 and the count.
-struct PIXELS {
+struct PIXEL_SPAN {
     int first;
     int end;
 };
 
-inline PIXELS Between(double a, double b, int count) {
+inline PIXEL_SPAN PixelsBetween(double a, double b, int count) {
     const auto place = [count](double value) {
         return static_cast<int>(std::clamp(std::ceil(value), 0.0, static_cast<double>(count)));
     };
@@ -25,11 +25,11 @@ inline PIXELS Between(double a, double b, int count) {
 }
 
 /// How many of something reach each pixel of a line.
-class COUNTS {
+class PIXEL_COUNTS {
   public:
     void Clear(int count) { counts_.assign(static_cast<std::size_t>(count), 0); }
     void Add(double from, double to, std::int16_t step = 1) {
-        const PIXELS pixels = Between(from, to, static_cast<int>(counts_.size()));
+        const PIXEL_SPAN pixels = PixelsBetween(from, to, static_cast<int>(counts_.size()));
         for (int p = pixels.first; p < pixels.end; ++p) counts_[p] = static_cast<std::int16_t>(counts_[p] + step);
     }
     [[nodiscard]] int At(int pixel) const { return counts_[pixel]; }
@@ -40,14 +40,14 @@ class COUNTS {
 
 /// What reaches the pixels of one line, towards one satellite. The profile runs outwards: sheets that are turned over
 /// count backwards, so that of any run of it as many more run forwards as backwards as its ends tell.
-struct SHEETS {
-    COUNTS forward;  ///< less those that are turned over
-    COUNTS turned;
-    COUNTS away;    ///< facing away
-    COUNTS hidden;  ///< by the master's pixels, for either satellite
+struct SHEET_COUNTS {
+    PIXEL_COUNTS forward;  ///< less those that are turned over
+    PIXEL_COUNTS turned;
+    PIXEL_COUNTS away;    ///< facing away
+    PIXEL_COUNTS hidden;  ///< by the master's pixels, for either satellite
 
     void Clear(int count) {
-        for (COUNTS* counts : {&forward, &turned, &away}) counts->Clear(count);
+        for (PIXEL_COUNTS* counts : {&forward, &turned, &away}) counts->Clear(count);
     }
     [[nodiscard]] int All(int pixel) const { return forward.At(pixel) + 2 * turned.At(pixel); }
     [[nodiscard]] int Facing(int pixel) const { return All(pixel) - away.At(pixel); }
@@ -66,13 +66,13 @@ class LINE_SHEETS {
     void CountRun(const TERRAIN_PROFILE& profile, std::size_t first, std::size_t last);
     void CountSegment(const SEEN& near, const SEEN& far);
     static void CountHidden(double near_look, double far_look, double& horizon, double near_pixel, double far_pixel,
-                            COUNTS& hidden);
+                            PIXEL_COUNTS& hidden);
     void FindSlavePixels(const TERRAIN_PROFILE& profile);
     void MarkSlaveLayover(const TERRAIN_PROFILE& profile, unsigned char* flags);
 
     int samples_;
-    SHEETS master_;
-    SHEETS slave_;
+    SHEET_COUNTS master_;
+    SHEET_COUNTS slave_;
     double first_slave_pixel_ = 0.0;
     int slave_pixels_ = 0;
     bool slave_turns_ = false;         ///< some sheet of the line is turned over, as the slave sees it

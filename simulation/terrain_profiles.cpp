@@ -16,12 +16,23 @@ CELL_RANGE SamplesOfRow(const std::vector<CELL_RANGE>& cells, int row) {
     return samples;
 }
 
+std::size_t SampleCount(const std::vector<CELL_RANGE>& cells) {
+    std::size_t count = 0;
+    for (int row = 0; row <= static_cast<int>(cells.size()); ++row) {
+        const CELL_RANGE samples = SamplesOfRow(cells, row);
+        if (samples.first_column < samples.end_column)
+            count += static_cast<std::size_t>(samples.end_column - samples.first_column);
+    }
+    return count;
+}
+
 }  // namespace
 
 TERRAIN_PROFILES::TERRAIN_PROFILES(const PROFILE_SIGHT& sight, const SCENE& cells, const DEM_RANGE& all)
     : sight_(sight), first_row_(cells.simulated.first_row) {
     RADAR_ROW samples(all);
     const auto cell_rows = static_cast<int>(cells.cells.size());
+    samples_.reserve(SampleCount(cells.cells));
     for (int i = 0; i <= cell_rows && cell_rows > 0; ++i) {
         const CELL_RANGE of_row = SamplesOfRow(cells.cells, i);
         ROW row{of_row.first_column, of_row.end_column, samples_.size()};

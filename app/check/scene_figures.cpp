@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cmath>
 
+#include "app/products/flag_product.h"
 #include "app/products/wanted_products.h"
 #include "app/scene/image_to_dem.h"
 #include "geometry/calc_slave_time.h"
@@ -62,7 +63,8 @@ long long MemoryNeeded_bytes(const SIMULATION_STATE& state) {
                                  &images.x_earth, &images.y_earth, &images.z_earth, &images.height})
         bytes += Bytes(*image);
     for (const MEM_MGR& image : images.normal) bytes += Bytes(image);
-    return bytes;
+    const double flags = FlagsMemory_bytes(state.request, state.place.simulated, state.acquisitions.image);
+    return bytes + static_cast<long long>(flags);
 }
 
 long long DiskNeeded_bytes(const SIMULATION_STATE& state) {

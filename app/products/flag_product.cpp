@@ -30,3 +30,7 @@ void FLAG_PRODUCT::Write(const SCENE& scene, const TERRAIN_BOUNDS& bounds, doubl
     };
     THREADS<THREAD_ARG, unsigned>(0, static_cast<unsigned>(flags.Pieces()), write, THREADS_LOG::SILENT).Run();
 }
+
+double FlagsMemory_bytes(const REQUEST& request, const DEM_RANGE& simulated, const IMAGE_SIZE& image) {
+    return request.WantsLayoverShadow() ? LAYOVER_SHADOW::WorkingBytes(simulated, image.lines) : 0.0;
+}

@@ -25,3 +25,6 @@ class FLAG_PRODUCT {
     IMAGE_SIZE image_;
     PRODUCT_FILE* file_ = nullptr;
 };
+
+/// Memory that its making takes beside the grids, about; 0 when it is not wanted.
+[[nodiscard]] double FlagsMemory_bytes(const REQUEST& request, const DEM_RANGE& simulated, const IMAGE_SIZE& image);

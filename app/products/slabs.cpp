@@ -13,7 +13,7 @@
 namespace {
 
 constexpr double kBytesPerMebibyte = 1048576.0;
-constexpr double kBytesBesideGrids = 32.0 * kBytesPerMebibyte;
+constexpr double kBytesOfProgram = 32.0 * kBytesPerMebibyte;
 
 /// Mask and, per thread, one bit for each pixel; the grids that are wanted.
 double BytesPerLine(const REQUEST& request, const OUTPUT_SIZES& sizes) {
@@ -30,12 +30,12 @@ double BytesPerLine(const REQUEST& request, const OUTPUT_SIZES& sizes) {
 }
 
 /// The system hands out more memory than it has and ends the process when it is touched, without a word of ours.
-void RequireMemory(const IMAGE_SIZE& area, const SLAB_PLAN& plan, double bytes_per_line) {
-    const double required = plan.lines * bytes_per_line + kBytesBesideGrids;
+void RequireMemory(const IMAGE_SIZE& area, const SLAB_PLAN& plan, double bytes_per_line, double bytes_beside) {
+    const double required = plan.lines * bytes_per_line + bytes_beside;
     const double available = AvailableBytes();
     if (required <= available) return;
     constexpr double kBytesPerGibibyte = 1024.0 * kBytesPerMebibyte;
-    const double fitting = std::max((available - kBytesBesideGrids) / kBytesPerMebibyte, 0.0);
+    const double fitting = std::max((available - bytes_beside) / kBytesPerMebibyte, 0.0);
     LogAndThrow<ERROR_NO_MEMORY>(
         "the grids of %d samples x %d lines need %.1f GiB of memory, %.1f GiB are available: MEMORY_LIMIT (MiB) below "
         "%.0f "
@@ -73,14 +73,14 @@ SLAB_PLAN CutForSpeed(int all_lines, double bytes_per_line) {
 
 }  // namespace
 
-SLAB_PLAN PlanSlabs(const REQUEST& request, const OUTPUT_SIZES& sizes, bool early) {
+SLAB_PLAN PlanSlabs(const REQUEST& request, const OUTPUT_SIZES& sizes, double bytes_beside, bool early) {
     const double bytes_per_line = BytesPerLine(request, sizes);
     const double limit =
         request.memory_limit_mib ? *request.memory_limit_mib * kBytesPerMebibyte : 0.75 * MachineBytes();
     const int all_lines = sizes.simulated.lines;
     SLAB_PLAN plan = CutByLimit(all_lines, bytes_per_line, limit);
     if (plan.IsWholeImage() && early) plan = CutForSpeed(all_lines, bytes_per_line);
-    RequireMemory(sizes.simulated, plan, bytes_per_line);
+    RequireMemory(sizes.simulated, plan, bytes_per_line, bytes_beside + kBytesOfProgram);
     if (plan.exceeds_limit)
         Say(" - The image is simulated in %d slabs of %d lines: its grids exceed %.0f MiB", plan.count, plan.lines,
             limit / kBytesPerMebibyte);

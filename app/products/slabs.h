@@ -21,10 +21,11 @@ struct SLAB_PLAN {
 };
 
 /// Says how many slabs there are, if the memory asks for them.
-/// @param early  whether products may be written before all is simulated
+/// @param bytes_beside  what the run needs beside the grids
+/// @param early         whether products may be written before all is simulated
 /// @throws ERROR_NO_MEMORY when a slab needs more memory than the machine has left, or not one line fits into
 ///         MEMORY_LIMIT
-[[nodiscard]] SLAB_PLAN PlanSlabs(const REQUEST& request, const OUTPUT_SIZES& sizes, bool early);
+[[nodiscard]] SLAB_PLAN PlanSlabs(const REQUEST& request, const OUTPUT_SIZES& sizes, double bytes_beside, bool early);
 
 /// Rows of a grid that takes every factor-th line: all of them, or as many as a slab can have.
 [[nodiscard]] int RowsInMemory(const SLAB_PLAN& plan, int factor, int rows_of_grid);

@@ -11,6 +11,7 @@ from velmora_run import edit_control_file, succeed
 SIZE = dict(samples=120, lines=40)
 LAYOVER, SHADOW, SLAVE_LAYOVER, SLAVE_SHADOW, NO_TERRAIN = 1, 2, 4, 8, 128
 KEYS = dict(LAYOVER_SHADOW="layover_shadow.ras")
+VOID_M = -32768.0
 
 
 def flags_of(folder, *arguments, **options):
@@ -21,10 +22,11 @@ def flags_of(folder, *arguments, **options):
 class PROFILES:
     """Lines of the master across the columns (or rows) of the DEM, as docs/products.md defines them."""
 
-    def __init__(self, scene):
-        rows, columns = scene.heights.shape
+    def __init__(self, scene, heights):
+        rows, columns = heights.shape
         row, column = np.mgrid[0:rows, 0:columns]
-        points = scene.grid.earth_point(column, row, scene.heights + scene.options.dem_correction_m)
+        points = scene.grid.earth_point(column, row, heights + scene.options.dem_correction_m)
+        self.is_terrain = heights != VOID_M
         seen = []
         for acquisition in (scene.master, scene.slave):
             time_s, range_m = judge.zero_doppler(acquisition.orbit, points, acquisition.first_azimuth_time_s)
@@ -37,21 +39,24 @@ class PROFILES:
         middle = np.array(self.line.shape) // 2
         step_down, step_right = (abs(self.line[tuple(middle + step)] - self.line[tuple(middle)]) for step in ((1, 0), (0, 1)))
         if step_down < step_right:
-            self.line, self.values = self.line.T, [value.T for value in self.values]
+            self.line, self.is_terrain, self.values = self.line.T, self.is_terrain.T, [value.T for value in self.values]
 
     def of(self, line):
-        """Points of the line, outwards: master's pixel and look, slave's pixel and look."""
+        """Points of the line, outwards: master's pixel and look, slave's pixel and look. NaN: a void."""
         before = self.line <= line
         points = []
         for i in range(self.line.shape[1]):
-            (crossings,) = np.nonzero(before[:-1, i] != before[1:, i])
+            is_terrain = self.is_terrain[:-1, i] & self.is_terrain[1:, i]
+            (crossings,) = np.nonzero((before[:-1, i] != before[1:, i]) & is_terrain)
             if len(crossings) == 0:
+                points.append([np.nan] * 4)
                 continue
             j = crossings[0]
             part = (line - self.line[j, i]) / (self.line[j + 1, i] - self.line[j, i])
             points.append([value[j, i] + part * (value[j + 1, i] - value[j, i]) for value in self.values])
         points = np.array(points)
-        return points if points[-1, 0] > points[0, 0] else points[::-1]
+        there = points[~np.isnan(points[:, 0]), 0]
+        return points if there[-1] > there[0] else points[::-1]
 
 
 def sheets(points, quantity, place):
@@ -72,7 +77,7 @@ def brute_force(points, pixel):
     flag = LAYOVER if facing(points, 0, hits) > 1 else 0
     for first, bit in ((0, SHADOW), (2, SLAVE_SHADOW)):
         looks = [points[k, first + 1] + u * (points[k + 1, first + 1] - points[k, first + 1]) for k, u in hits]
-        if all(look < np.max(points[:k + 1, first + 1]) for look, (k, _) in zip(looks, hits)):
+        if all(look < np.nanmax(points[:k + 1, first + 1]) for look, (k, _) in zip(looks, hits)):
             flag |= bit
     for k, u in hits:
         slave_pixel = np.floor(points[k, 2] + u * (points[k + 1, 2] - points[k, 2]) + 0.5)
@@ -92,13 +97,50 @@ SCENES = {
 }
 
 
-@pytest.mark.parametrize("options", SCENES.values(), ids=SCENES)
-def test_every_pixel_is_what_brute_force_over_its_sheets_says(fresh_scene, options):
+def rough(made):
+    return made.heights
+
+
+def holed(made):
+    """Voids before the image, far enough not to be missed in it."""
+    pixel = PROFILES(made, made.heights).values[0]
+    if pixel.shape != made.heights.shape:
+        pixel = pixel.T
+    generator = np.random.default_rng(7)
+    holes = np.repeat(np.repeat(generator.random(made.heights.shape) < 0.3, 3, axis=0)[:made.heights.shape[0]], 3, axis=1)
+    return np.where((pixel < -40.0) & holes[:, :made.heights.shape[1]], VOID_M, made.heights)
+
+
+def middle_sample(made):
+    """Row and column of the sample in the middle of the image, at sea level; and the places of all there."""
+    rows, columns = made.heights.shape
+    row, column = np.mgrid[0:rows, 0:columns]
+    level = made.grid.earth_point(column, row, np.zeros(made.heights.shape))
+    time_s, range_m = judge.zero_doppler(made.master.orbit, level, made.master.first_azimuth_time_s)
+    pixel, line = made.master.pixel(time_s, range_m)
+    apart = np.hypot(pixel - made.options.samples / 2, line - made.options.lines / 2)
+    return np.unravel_index(np.argmin(apart), apart.shape), level
+
+
+def cone(made, slope_deg=65.0, height_m=250.0):
+    """On a plain, its tip on a sample in the middle of the image."""
+    tip, level = middle_sample(made)
+    distance_m = np.linalg.norm(level - level[tip], axis=-1)
+    return np.maximum(np.rint(height_m - distance_m * np.tan(np.radians(slope_deg))), 0.0)
+
+
+@pytest.mark.parametrize("options, terrain", [*((options, rough) for options in SCENES.values()),
+                                              (dict(incidence_deg=55.0, seed=2, **ROUGH), holed),
+                                              (dict(incidence_deg=30.0, terrain="flat", low_m=0.0, lines=400), cone)],
+                         ids=[*SCENES, "voids", "lines with and without a cone"])
+def test_every_pixel_is_what_brute_force_over_its_sheets_says(fresh_scene, options, terrain):
     made, folder = fresh_scene(**{**SIZE, **options})
+    heights = terrain(made)
+    raster.write_int16(folder / "dem.ras", heights)
     flags = flags_of(folder, parallel="2")
-    profiles = PROFILES(made)
+    profiles = PROFILES(made, heights)
     seen = 0
-    for line in range(0, flags.shape[0], 3):
+    for line in range(0, flags.shape[0], flags.shape[0] // 13):
         points = profiles.of(float(line))
         for pixel in range(flags.shape[1]):
             # At the edge of a sheet rounding decides.
@@ -128,6 +170,60 @@ def test_slopes_beyond_the_incidence_lay_over_and_those_beyond_its_complement_ca
     flags = flags_of(folder)
     assert (bool(np.any(flags & LAYOVER)), bool(np.any(flags & SHADOW))) == (layover, shadow)
     assert not np.any(flags & NO_TERRAIN)
+
+
+@pytest.mark.parametrize("incidence_deg, slope_deg", [(35.0, 50.0), (35.0, 70.0), (55.0, 45.0), (25.0, 20.0)])
+def test_a_cone_lays_over_down_to_its_tip_and_casts_the_shadow_of_its_height(fresh_scene, incidence_deg, slope_deg):
+    made, folder = fresh_scene(samples=400, lines=120, incidence_deg=incidence_deg, latitude_deg=1.0, inclination_deg=90.0,
+                               terrain="flat", low_m=0.0, dem_spacing_m=5.0)
+    heights = cone(made, slope_deg)
+    raster.write_int16(folder / "dem.ras", heights)
+    flags = flags_of(folder)
+    (row, column), _ = middle_sample(made)
+    height_m = heights[row, column]
+    spacing_m = np.linalg.norm(made.grid.earth_point(column + 1, row, 0.0) - made.grid.earth_point(column, row, 0.0))
+
+    def seen(distance_m, height_m):
+        """Of a point beyond the cone's tip: line, pixel, and the incidence."""
+        outwards = 1.0 if seen_from_left else -1.0
+        point = made.grid.earth_point(column + outwards * distance_m / spacing_m, row, height_m)
+        time_s, range_m = judge.zero_doppler(made.master.orbit, point, made.master.first_azimuth_time_s)
+        pixel, line = made.master.pixel(time_s, range_m)
+        sight = made.master.orbit.state(time_s).position_m - point
+        return float(line), float(pixel), np.arccos(sight @ point / np.linalg.norm(sight) / np.linalg.norm(point))
+
+    seen_from_left = True
+    seen_from_left = seen(100.0, 0.0)[1] > seen(0.0, 0.0)[1]
+    line, tip, incidence = seen(0.0, height_m)
+    foot = seen(-height_m / np.tan(np.radians(slope_deg)), 0.0)[1]
+    end_of_shadow = seen(height_m * np.tan(incidence), 0.0)[1]
+    on_line = flags[round(line)]
+    tolerance = 1.0 + 1.5 * spacing_m * abs(seen(100.0, 0.0)[1] - seen(0.0, 0.0)[1]) / 100.0
+    expected = {LAYOVER: (tip, foot) if slope_deg > incidence_deg else None,
+                SHADOW: (max(tip, foot), end_of_shadow) if slope_deg > 90.0 - incidence_deg else None}
+    for bit, span in expected.items():
+        (pixels,) = np.nonzero(on_line & bit)
+        assert (len(pixels) > 0) == (span is not None), bit
+        if span:
+            assert (pixels[0], pixels[-1]) == pytest.approx(span, abs=tolerance), bit
+
+
+def plane(made, slope_deg):
+    """Rises with the DEM's columns, through 0 in the middle of the image."""
+    column = np.arange(made.grid.columns) - middle_sample(made)[0][1]
+    spacing_m = np.linalg.norm(made.grid.earth_point(1, made.grid.rows // 2, 0.0) - made.grid.earth_point(0, made.grid.rows // 2, 0.0))
+    return np.broadcast_to(np.rint(column * spacing_m * np.tan(np.radians(slope_deg))), made.heights.shape)
+
+
+@pytest.mark.parametrize("slope_deg, shadow", [(25.0, False), (-25.0, False), (52.0, False), (-52.0, False), (62.0, True)])
+def test_a_plane_lays_over_nowhere_and_lies_in_its_own_shadow_beyond_the_complement(fresh_scene, slope_deg, shadow):
+    made, folder = fresh_scene(samples=150, lines=30, incidence_deg=35.0, latitude_deg=1.0, inclination_deg=90.0,
+                               terrain="flat", low_m=0.0, dem_margin_m=900.0)
+    raster.write_int16(folder / "dem.ras", plane(made, slope_deg))
+    flags = flags_of(folder)
+    middle = flags[:, 50:100]
+    assert np.all(middle & LAYOVER == 0)
+    assert bool(np.all(middle & SHADOW)) == shadow and bool(np.any(middle & SHADOW)) == shadow
 
 
 def test_level_ground_has_neither_and_a_pair_of_one_image_has_equal_flags(fresh_scene):
