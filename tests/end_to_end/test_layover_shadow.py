@@ -174,9 +174,9 @@ def test_slopes_beyond_the_incidence_lay_over_and_those_beyond_its_complement_ca
 
 @pytest.mark.parametrize("incidence_deg, slope_deg", [(35.0, 50.0), (35.0, 70.0), (55.0, 45.0), (25.0, 20.0)])
 def test_a_cone_lays_over_down_to_its_tip_and_casts_the_shadow_of_its_height(fresh_scene, incidence_deg, slope_deg):
-    made, folder = fresh_scene(samples=400, lines=120, incidence_deg=incidence_deg, latitude_deg=1.0, inclination_deg=90.0,
-                               terrain="flat", low_m=0.0, dem_spacing_m=5.0)
-    heights = cone(made, slope_deg)
+    made, folder = fresh_scene(samples=250, lines=40, incidence_deg=incidence_deg, latitude_deg=1.0, inclination_deg=90.0,
+                               terrain="flat", low_m=0.0, dem_spacing_m=10.0)
+    heights = cone(made, slope_deg, 150.0)
     raster.write_int16(folder / "dem.ras", heights)
     flags = flags_of(folder)
     (row, column), _ = middle_sample(made)
