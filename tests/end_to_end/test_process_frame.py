@@ -179,6 +179,13 @@ def test_a_signal_between_the_stages(small, number, text):
     assert (small / "ERROR.velmora").read_text() == "1" and pool_bytes(small) == before
 
 
+def test_a_signal_behind_the_change_of_the_pools_comes_too_late(small):
+    run = velmora_run.HELD_RUN(small, ENVIRONMENT)
+    run.read_until(b"execution time:")
+    run.process.send_signal(signal.SIGTERM)
+    assert run.end() == 0 and (small / "OK.velmora").read_text() == "0" and history(small)[0] == ["velmora"]
+
+
 def test_a_broken_pipe_ends_the_run_by_the_signal(small):
     process = start(small)
     process.stdout.readline()

@@ -1,23 +1,27 @@
 #!/usr/bin/python3
 """Makes one thing after the other go wrong in small runs of velmora and judges what they leave behind.
 
-Usage: fault_sweep.py [calls|kills|allocations|signals|poor|order|together ...] [--binary PATH] [--shim PATH] [--every N] [--call NAME] [--verbose]
+Usage: fault_sweep.py [calls|kills|allocations|signals|poor|order|together ...] [--binary PATH] [--shim PATH] [--call-shim PATH]
+                      [--every N [--first K]] [--call NAME] [--jobs N] [--verbose]
 
-calls        every system call of a run fails in turn, once and for good (strace -e inject)
-kills        SIGKILL at every system call
+calls        every system call of a run fails in turn, once and for good (those that the shim failing_calls.cpp does not know
+             by strace -e inject; without the shim all of them)
+kills        SIGKILL at every system call that changes what a next run finds: between them it finds the same
 allocations  every allocation fails in turn, once and for good (needs the shim, failing_allocation.cpp)
 signals      the fatal signals at random moments; the seed is printed
 poor         file systems without locks, file modes or flushing of folders: a WARNING, and the run goes on
 order        no fault: each file is brought to the disk after its last byte and before it takes its name
 together     no fault: runs that share one pool lose no entry of each other and read no half pool
 
-EXPECTATIONS below say what has to hold. --every N tries each N-th place only, --call NAME those of one system call. Exit
+EXPECTATIONS below say what has to hold. A call like one of the two before it (lines of the log; a record and its file's
+size) is one place with it. --every N tries each N-th place only, from the K-th on; --call NAME those of one system call. Exit
 status 1 when something did not hold.
 """
 
 import argparse
 import collections
 import concurrent.futures
+import errno
 import os
 import pathlib
 import json
@@ -39,6 +43,7 @@ OUTPUT_CALLS = "openat write pwrite64 ftruncate fallocate fsync fdatasync msync 
     "fchmod flock fcntl link linkat symlink mkdir statfs fstatfs"
 ALL_CALLS = OUTPUT_CALLS + " read pread64 lseek newfstatat fstat getdents64 readlink readlinkat poll faccessat faccessat2 dup3 " \
     "mmap munmap clone3 sysinfo getcwd rt_sigaction"
+CHANGING_CALLS = "pwrite64 pwritev ftruncate fallocate fchmod fchown rename link unlink exit_group".split()
 # What fails how: error, the calls, once or for good. An EINTR for good is no fault that exists.
 FAULTS = [("ENOSPC", OUTPUT_CALLS, ("", "+")), ("EIO", ALL_CALLS, ("", "+")), ("EMFILE", "openat fcntl dup3", ("", "+")),
           ("ENOMEM", "mmap clone3", ("", "+")), ("EAGAIN", "clone3", ("", "+")),
@@ -155,7 +160,8 @@ def older_products_kept(case):
 def report_is_whole(case):
     """None, or one that tells the exit status."""
     if not (case.folder / REPORT).exists():
-        return nothing_can_be_told(case) or case.status != 0 or any(text in case.log for text in ("report " + REPORT, "out of memory")) or not case.sweep.has_report
+        told = nothing_can_be_told(case) or any(text in case.log for text in ("report " + REPORT, "out of memory"))
+        return told or case.status != 0 or not case.sweep.has_report
     report = json.loads((case.folder / REPORT).read_text())
     return case.killed() or report["exit_status"] == case.status
 
@@ -163,7 +169,8 @@ def report_is_whole(case):
 def sidecars_are_whole(case):
     whole = all(case.content(name) in (None, case.sweep.new[name]) for name in SIDECARS)
     complete = all(case.content(name) == case.sweep.new[name] for name in SIDECARS)
-    return whole and (case.status != 0 or nothing_can_be_told(case) or complete or any(text in case.log for text in ("sidecar", "out of memory")))
+    told = nothing_can_be_told(case) or any(text in case.log for text in ("sidecar", "out of memory"))
+    return whole and (case.status != 0 or complete or told)
 
 
 def interruptions_cost_nothing(case):
@@ -261,7 +268,8 @@ class COMPANIONS:
             shared = shutil.copy(self.sweep.scene / "insar.pool", room)
             runs = [subprocess.Popen([self.sweep.binary, "-pcf", "scene.pcf", "-pid", folder.name, "-INSAR_POOL", shared, "-log_pp", shared],
                                      cwd=folder, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
-                                     env={"PATH": os.environ["PATH"], "PARALLEL": "1"}) for folder in folders]
+                                     env={"PATH": os.environ["PATH"], "PARALLEL": "1", "LD_PRELOAD": self.sweep.call_shim,
+                                          "SLOW_TRUNCATION": "1"}) for folder in folders]
             wrong = ["status 0"] if [run.wait(timeout=120) for run in runs] != [0] * self.count else []
             self.status = 0 if not wrong else 1
             entries = pathlib.Path(shared).read_text(encoding="ascii")
@@ -298,9 +306,15 @@ class ORDER:
             sorted("written: " + path for path in wanted - named)
 
 
+def changes_files(place):
+    name, _, line = place
+    return name in CHANGING_CALLS or name == "openat" and "O_CREAT" in line or name == "write" and "/log." not in line
+
+
 class SWEEP:
-    def __init__(self, binary, shim, every, call, room):
-        self.shim, self.every, self.call, self.room = shim, every, call, pathlib.Path(room)
+    def __init__(self, binary, shim, call_shim, places, call, room):
+        self.shim, self.call_shim, self.call, self.room = shim, call_shim, call, pathlib.Path(room)
+        self.every, self.step = places.step, places
         self.next_runs = {}  # whether all was well, by the state that it began with
         (self.room / "velmora").symlink_to(pathlib.Path(binary).resolve())  # its status files and log carry the name
         self.binary = str(self.room / "velmora")
@@ -318,24 +332,38 @@ class SWEEP:
         self.plain_s = time.monotonic() - begin
         self.new = contents(whole, PRODUCTS + CHANGED_POOLS + SIDECARS)
         self.has_report = (whole / REPORT).exists()
-        begin = time.monotonic()
         self.places = self.count_calls(reference)
-        self.usual_s = 2.0 + 4.0 * (time.monotonic() - begin)
+        self.listed = self.list_calls(reference) if self.call_shim else []
+        self.usual_s = 2.0 + 20.0 * self.plain_s  # traced, beside another one
 
     def count_calls(self, reference):
-        """(call, number) of the calls from main() on. What the loader does before is not ours."""
+        """(call, number, line) of the calls from main() on. What the loader does before is not ours."""
         folder = shutil.copytree(self.scene, self.room / "counted")
         trace = self.room / "trace"
         subprocess.run(["strace", "-f", "-y", "-o", str(trace), self.binary, "-pcf", "scene.pcf", "-lsl", "ALARM"], cwd=folder, env=reference.environment,
                        stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, check=True)
-        names = [match.group(1) for match in re.finditer(r"^\d+ +(\w+)\(.*", trace.read_text(errors="replace"), re.M)]
-        lines = [line for line in trace.read_text(errors="replace").splitlines() if re.match(r"\d+ +\w+\(", line)]
-        start = next(i for i, line in enumerate(lines) if '"/dev/null"' in line)
-        seen, places = collections.Counter(), []
-        for i, name in enumerate(names):
-            seen[name] += 1
-            if i >= start and self.call in (None, name):
-                places.append((name, seen[name]))
+        calls = []
+        for line in trace.read_text(errors="replace").splitlines():
+            call = re.match(r"\d+ +(\w+)\((?:AT_FDCWD(?:<[^>]*>)?, )?(\d+<[^>]*>|\"[^\"]*\")?", line)
+            calls += [(*call.groups(), line)] if call else []
+        return self.different_places(calls, next(i for i, call in enumerate(calls) if '"/dev/null"' in call[2]))
+
+    def list_calls(self, reference):
+        """The same, of the calls that the shim knows."""
+        folder, path = shutil.copytree(self.scene, self.room / "listed"), self.room / "list"
+        subprocess.run([self.binary, "-pcf", "scene.pcf", "-lsl", "ALARM"], cwd=folder, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                       env={**reference.environment, "LD_PRELOAD": self.call_shim, "LIST_CALLS": str(path)}, check=True)
+        lines = path.read_text(errors="replace").splitlines()
+        return self.different_places([(*(line.split(" ", 1)), line) for line in lines], 0)
+
+    def different_places(self, calls, start):
+        numbers, before, places = collections.Counter(), collections.deque(maxlen=2), []
+        for i, (name, target, line) in enumerate(calls):
+            numbers[name] += 1
+            if i >= start and self.call in (None, name) and ((name, target) not in before or name == "change"):
+                places.append((name, numbers[name], line))
+            if name != "change":
+                before.append((name, target))
         return places
 
     def strace(self, injection):
@@ -344,14 +372,26 @@ class SWEEP:
         return ["strace", "-f", *stops, "-o", "/dev/null", "-e", "trace=" + injection.split(":")[0], "-e", "inject=" + injection]
 
     def calls(self):
+        known = {name for name, _, _ in self.listed}
+        places = self.listed + [place for place in self.places if place[0] not in known]
         for error, names, times in FAULTS:
-            for name, n in [place for place in self.places if place[0] in names.split()][::self.every]:
+            for name, n, _ in [place for place in places if place[0] in names.split()][self.step]:
                 for more in times:
                     fault = "%s:error=%s:when=%d%s" % (name, error, n, more)
-                    yield CASE(self, fault, self.strace(fault))
+                    if name in known:
+                        yield CASE(self, fault, (), self.shimmed("%s %d %d%s" % (name, getattr(errno, error), n, more)))
+                    else:
+                        yield CASE(self, fault, self.strace(fault))
+
+    def shimmed(self, fault):
+        return {"LD_PRELOAD": self.call_shim, "FAIL_CALL": fault}
 
     def kills(self):
-        for name, n in self.places[::self.every]:
+        if self.call_shim:
+            for name, n, _ in [place for place in self.listed if place[0] == "change"][self.step]:
+                yield CASE(self, "kill at change %d" % n, (), self.shimmed("change kill %d" % n))
+            return
+        for name, n, _ in [place for place in self.places if changes_files(place)][self.step]:
             fault = "%s:signal=KILL:when=%d" % (name, n)
             yield CASE(self, fault, self.strace(fault))
 
@@ -361,7 +401,7 @@ class SWEEP:
         folder = shutil.copytree(self.scene, self.room / "allocations")
         subprocess.run([self.binary, "-pcf", "scene.pcf"], cwd=folder, env=environment, stdin=subprocess.DEVNULL,
                        stdout=subprocess.DEVNULL, check=True)
-        for n in range(1, int(count.read_text()) + 1, self.every):
+        for n in range(1, int(count.read_text()) + 1)[self.step]:
             for more in ("", "+"):
                 yield CASE(self, "allocation %d%s" % (n, more), (), {"LD_PRELOAD": self.shim, "FAIL_ALLOCATION": "%d%s" % (n, more)})
 
@@ -372,7 +412,7 @@ class SWEEP:
         yield CASE(self, "poor fsync", ["sh", "-c", 'exec strace -f -o /dev/null -P "$PWD" -e trace=fsync -e inject=fsync:error=EINVAL "$@"', "sh"])
 
     def is_written(self, name):
-        return self.new.get(name, b"a report") not in (None, self.old.get(name))
+        return self.has_report if name == REPORT else self.new[name] not in (None, self.old.get(name))
 
     def order(self):
         return [ORDER(self)]
@@ -394,17 +434,20 @@ def main():
     parser.add_argument("kinds", nargs="*", default=["calls", "kills", "allocations", "signals", "poor", "order", "together"])
     parser.add_argument("--binary", default=os.environ.get("VELMORA_BINARY", REPOSITORY / "build/release/app/velmora"))
     parser.add_argument("--shim", default=os.environ.get("FAILING_ALLOCATION", ""))
+    parser.add_argument("--call-shim", default=os.environ.get("FAILING_CALLS", ""))
     parser.add_argument("--every", type=int, default=1)
+    parser.add_argument("--first", type=int, default=0)
+    parser.add_argument("--jobs", type=int, default=os.cpu_count())
     parser.add_argument("--call", help="of calls and kills")
     parser.add_argument("--verbose", action="store_true")
     options = parser.parse_args()
     bad = 0
     with tempfile.TemporaryDirectory(prefix="fault_sweep_", dir="/dev/shm" if os.access("/dev/shm", os.W_OK) else None) as room:
-        sweep = SWEEP(options.binary, options.shim, options.every, options.call, room)
+        sweep = SWEEP(options.binary, options.shim, options.call_shim, slice(options.first, None, options.every), options.call, room)
         for kind in options.kinds:
             begin = time.monotonic()
             cases = list(getattr(sweep, kind)())
-            with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+            with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
                 verdicts = list(pool.map(lambda case: case.run(), cases))
             broken = collections.defaultdict(list)
             if kind == "kills" and sum(case.killed() for case in cases) < len(cases) / 2:
