@@ -247,8 +247,8 @@ void RUN_REPORT::Publish() const {
 }
 
 void RUN_REPORT::WriteAtExit(int status) {
-    clock_.Begin("");
     try {
+        clock_.Begin("");
         const std::string last_error = LastError(status);
         const std::string quoted = last_error.empty() ? "" : JsonString(last_error);
         const int error = REPORT_FILE(path_).Write(Document(), {status, quoted});

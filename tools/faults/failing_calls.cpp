@@ -10,6 +10,8 @@
 /// Known are the calls that the program makes by its own name for them; what the C library calls within (getdents64 of
 /// readdir, mmap of malloc, clone3) is not seen here.
 
+#undef _FORTIFY_SOURCE  // its headers define some of these functions themselves
+
 #include <dlfcn.h>
 #include <sys/syscall.h>
 

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <new>
 
 namespace MEM_ALLOCATION {
 namespace {
@@ -23,6 +24,15 @@ char* BlockOf(void* elements) {
     return static_cast<char*>(elements) - kAlignment;
 }
 
+/// As operator new does: it may tell where memory ended.
+void TellNewHandler() {
+    const std::new_handler handler = std::get_new_handler();
+    try {
+        if (handler != nullptr) handler();
+    } catch (const std::bad_alloc&) {  // the caller gets a null pointer
+    }
+}
+
 }  // namespace
 
 void* AllocateBlock(long long count, std::size_t element_size) noexcept {
@@ -30,8 +40,10 @@ void* AllocateBlock(long long count, std::size_t element_size) noexcept {
     if (count < 0) return nullptr;
     if (element_size != 0 && static_cast<std::size_t>(count) > (kMaxBytes - kAlignment) / element_size) return nullptr;
     void* block = nullptr;
-    if (posix_memalign(&block, kAlignment, kAlignment + static_cast<std::size_t>(count) * element_size) != 0)
+    if (posix_memalign(&block, kAlignment, kAlignment + static_cast<std::size_t>(count) * element_size) != 0) {
+        TellNewHandler();
         return nullptr;
+    }
     std::memset(block, 0, kAlignment);
     std::memcpy(block, &count, sizeof count);
     void* const elements = static_cast<char*>(block) + kAlignment;
