@@ -30,6 +30,7 @@ void CheckSvdFit(std::vector<double> expected_of_quadratic) {
     check({0, half}, {1, 4}, {1, 2}, 1.8, 0, {1.6});
     // One abscissa: a0 + 0.5 a1 = 3 (mean of 2 and 4): least norm is along (1, 0.5), a = 3 / 1.25 (1, 0.5).
     check({half, half}, {2, 4}, {1, 1}, 2, 1, {2.4, 1.2});
+    check({0, 0}, {2, 4}, {1, 1}, 2, 1, {3, 0});  // a column of zeros
 }
 
 TEST(SvdFit, GivesClosedFormsWeightsAndTheLeastNorm) {
