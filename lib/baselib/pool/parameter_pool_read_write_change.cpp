@@ -13,7 +13,10 @@ namespace {
 /// Tries it with a file that never has a name, where the file system knows such files.
 bool TakesNewFiles(const std::string& directory) {
     const int unnamed = open(directory.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
-    if (unnamed >= 0) return close(unnamed) == 0;
+    if (unnamed >= 0) {
+        close(unnamed);  // nothing was written that this could lose
+        return true;
+    }
     const bool is_unknown = errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL || errno == EINTR;
     return is_unknown && faccessat(AT_FDCWD, directory.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
 }
