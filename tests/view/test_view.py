@@ -104,6 +104,7 @@ def test_tables_follow_the_product(tmp_path):
         light = row[name].sum(axis=1)
         assert (np.diff(light) >= -6).all() and light[-1] > light[0] + 300
     assert tuple(row["dem"][20]) == (128, 128, 128) != tuple(row["dem"][60])
+    assert np.abs(row["dem"][325] - row["h_earth"][300]).max() <= 3  # half way up, in the same light in spite of the voids
     assert row["h_earth"][10][1] > row["h_earth"][10][0] and (row["h_earth"][599] > 150).all()
 
 
@@ -118,6 +119,7 @@ def test_sidecars_open_bit_equal_and_move_along(tmp_path):
     shutil.copytree(tmp_path, tmp_path / "moved")
     for name, image in zip(names, values.values()):
         assert gdal.Open(str(tmp_path / "moved" / (name + ".vrt"))).ReadAsArray().tobytes() == image.tobytes()
+    assert "Metadata" not in (tmp_path / (names[0] + ".vrt")).read_text()  # nothing tells which product it is
     file = gdal.Open(str(tmp_path / "scene7_RG_COREG.ras.vrt"))  # a band does not keep its file
     band = file.GetRasterBand(1)
     assert (band.GetUnitType(), band.GetDescription()) == ("px", "position in slave, range")
