@@ -59,6 +59,8 @@ STACK_FOLDER::STACK_FOLDER(std::string path, const std::string& settings) : path
         MakeFolder(temporary_ + "/pairs");
         WriteFile(temporary_ + "/stack.txt", settings);
     } catch (...) {
+        std::error_code ignored;
+        if (!temporary_.empty()) fs::remove_all(temporary_, ignored);
         if (is_new_) rmdir(path_.c_str());
         if (descriptor_ >= 0) close(descriptor_);
         throw;

@@ -34,10 +34,10 @@ def good(*arguments, **keys):
     return done.results
 
 
-def refused(*arguments, says, folder=None):
+def refused(*arguments, says, folder=None, program=PROGRAM):
     """Exit status 1, every text of `says` in one message, nothing on standard output, no file made or changed."""
     before = content(folder)
-    done = run(*arguments, folder=folder)
+    done = run(*arguments, folder=folder, program=program)
     assert done.status == 1, done
     assert done.results == ""
     for text in [says] if isinstance(says, str) else says:

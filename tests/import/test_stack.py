@@ -12,7 +12,7 @@ import numpy as np
 import pytest
 
 import made_files
-from import_run import content, good, pool, refused
+from import_run import PROGRAM, content, good, pool, refused
 from make_stack import make_stack
 from scene_maker import scene
 from scene_maker.options import SCENE_OPTIONS
@@ -181,6 +181,13 @@ def test_bad_tables_end_in_a_message_and_leave_nothing(made, folder, images, pai
     (folder / "images.csv").write_text(images, encoding="utf-8")
     (folder / "pairs.csv").write_text(pairs)
     refused(*STACK, says=says, folder=folder)
+
+
+def test_a_folder_that_can_not_be_filled_goes_again(folder, tmp_path):
+    without_room = tmp_path / "without_room"
+    without_room.write_text("#!/bin/bash\ntrap '' XFSZ\nulimit -f 0\nexec '%s' \"$@\"\n" % PROGRAM)
+    without_room.chmod(0o755)
+    refused(*STACK, says="stack: can not be written", folder=folder, program=str(without_room))
 
 
 def test_images_that_do_not_fit_are_told_with_their_line(folder):
