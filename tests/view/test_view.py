@@ -108,6 +108,33 @@ def test_tables_follow_the_product(tmp_path):
     assert row["h_earth"][10][1] > row["h_earth"][10][0] and (row["h_earth"][599] > 150).all()
 
 
+def test_views_and_flags_have_tables_of_their_own(tmp_path):
+    ramp = np.tile(np.linspace(-100.0, 50.0, 601), (300, 1))
+    endless = ramp.copy()
+    endless[:, :50] = np.inf
+    for kind, values in (("PERPENDICULAR_BASELINE", ramp), ("INCIDENCE", ramp), ("LOCAL_INCIDENCE", ramp),
+                         ("LINE_OF_SIGHT_E", ramp), ("HEIGHT_OF_AMBIGUITY", endless)):
+        write(tmp_path / "x.ras", values)
+        good(tmp_path, "picture", "x.ras", "--kind", kind, "--force")
+        row = png(tmp_path / "x.png")[150]
+        if kind == "PERPENDICULAR_BASELINE":  # white at 0
+            assert row[400].min() > 235 and row[5][2] > row[5][0] + 60 and row[595][0] > row[595][2]
+            continue
+        assert (tuple(row[20]) == (128, 128, 128)) == (kind == "HEIGHT_OF_AMBIGUITY")
+        light = row[50:].sum(axis=1)
+        assert (np.diff(light) >= -6).all() and light[-1] > light[0] + 250, kind
+    colours = {0: (235, 235, 230), 1: (230, 130, 40), 2: (40, 70, 140), 3: (140, 60, 130), 4: (120, 190, 120), 8: (120, 190, 120),
+               5: (230, 130, 40), 14: (40, 70, 140), 128: (0, 0, 0)}
+    for repeat in (1, 3):  # 3 x 3 pixels become one, which has the bits of all
+        flags = np.repeat(np.repeat(np.uint8([list(colours)]), 170 * repeat, axis=1), 60 * repeat, axis=0)
+        flags[:, 170 * 3 * repeat:170 * 4 * repeat:3] = 2 if repeat == 3 else 3
+        flags[:, 170 * 3 * repeat + 1:170 * 4 * repeat:3] = 1 if repeat == 3 else 3
+        write(tmp_path / "layover_shadow.ras", flags, "u1")
+        good(tmp_path, "picture", "layover_shadow.ras", "--force")
+        row = png(tmp_path / "layover_shadow.png")[30]
+        assert [tuple(row[170 * i + 85]) for i in range(len(colours))] == list(colours.values())
+
+
 def test_sidecars_open_bit_equal_and_move_along(tmp_path):
     values = {"<f4": np.float32([[1.5, np.nan, -3e38], [0.1, 2.0, np.inf]]), "<f8": np.float64([[1e300, 2.0], [3.0, 0.1]]),
               "<i2": np.int16([[1, -32768], [3, 7]]), "<i4": np.int32([[1, -70000]]), "u1": np.uint8([[1, 255, 3]])}
