@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "lib/baselib/logging/logging.h"
+#include "lib/baselib/mem_allocation/mem_alloc_implementation.h"
 
 namespace NUMERICS {
 
@@ -39,7 +40,10 @@ T* NewBlock(long count, const char* message) {
     T* block = nullptr;
     if (count >= 0 && count <= PTRDIFF_MAX / static_cast<long>(sizeof(T)) - kSlack)
         block = static_cast<T*>(std::calloc(static_cast<std::size_t>(count + kSlack), sizeof(T)));
-    if (block == nullptr) nrerror(message);
+    if (block == nullptr) {
+        MEM_ALLOCATION::TellNewHandler();
+        nrerror(message);
+    }
     return block;
 }
 
@@ -61,6 +65,7 @@ long ProductOrFail(long a, long b) {
 }  // namespace
 
 void nrerror(const char* message) {
+    LOGGING::EmergencyLine(LOGGING_LEVEL::ALARM, message);
     std::fprintf(stderr, "Numerical Recipes run-time error...\n%s\n...now exiting to system...\n", message);
     HardStop();
 }

@@ -7,8 +7,8 @@
 
 namespace NUMERICS {
 
-/// Writes message to the standard error stream and ends the process with exit status 1: deep inside a fit no caller
-/// could recover.
+/// Writes message to the log at ALARM and to the standard error stream, and ends the process with exit status 1: deep
+/// inside a fit no caller could recover.
 [[noreturn]] void nrerror(const char* message);
 
 /// @tparam T  float, double or long double

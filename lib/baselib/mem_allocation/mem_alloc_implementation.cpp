@@ -24,16 +24,15 @@ char* BlockOf(void* elements) {
     return static_cast<char*>(elements) - kAlignment;
 }
 
-/// As operator new does: it may tell where memory ended.
-void TellNewHandler() {
+}  // namespace
+
+void TellNewHandler() noexcept {
     const std::new_handler handler = std::get_new_handler();
     try {
         if (handler != nullptr) handler();
     } catch (const std::bad_alloc&) {  // the caller gets a null pointer
     }
 }
-
-}  // namespace
 
 void* AllocateBlock(long long count, std::size_t element_size) noexcept {
     constexpr auto kMaxBytes = static_cast<std::size_t>(std::numeric_limits<std::ptrdiff_t>::max());

@@ -15,6 +15,9 @@ namespace MEM_ALLOCATION {
 
 inline constexpr std::size_t kAlignment = 32;  ///< also the size of the block's header
 
+/// For who allocates by other means than operator new, when there is no memory: the program's handler may tell where.
+void TellNewHandler() noexcept;
+
 /// Raw block; @return the address of the (unconstructed) elements, nullptr on failure or for a negative count.
 [[nodiscard]] void* AllocateBlock(long long count, std::size_t element_size) noexcept;
 /// @param elements as AllocateBlock returned it; nullptr is allowed
