@@ -2,7 +2,6 @@
 
 #include "lib/baselib/logging/logging.h"
 #include "simulation/radar_solution.h"
-#include "simulation/scene_blocks.h"
 #include "simulation/threads.h"
 
 void DEM2PHASE_Thread(PREPARED_SCENE& scene, const DEM2PHASE_ARG& arg, SIMULATION_PROGRESS& progress) {
@@ -27,7 +26,6 @@ SOLUTION_COUNTS RunThreads(const SCENE& scene, SIMULATION_PROGRESS& progress, TH
     THREADS<DEM2PHASE_ARG, unsigned int> threads(
         static_cast<unsigned int>(scene.simulated.first_row), static_cast<unsigned int>(scene.simulated.last_row),
         [&](DEM2PHASE_ARG* arg) { DEM2PHASE_Thread(prepared, *arg, progress); }, log);
-    threads.CutInto(BlocksOf(scene, ThreadCount()));
     if (log == THREADS_LOG::SPOKEN) Log().Message(LOGGING_LEVEL::INFO, " Initialised dem2phase_arg");
     threads.Run();
     prepared.Settle();

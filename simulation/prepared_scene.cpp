@@ -5,7 +5,7 @@
 
 #include "geometry/constants.h"
 #include "geometry/zero_doppler.h"
-#include "simulation/scene_blocks.h"
+#include "simulation/row_blocks.h"
 #include "simulation/thread_count.h"
 
 namespace {
@@ -62,10 +62,14 @@ SOLUTION_COUNTS PREPARED_SCENE::TotalCounts() const {
 }
 
 std::vector<BLOCK_BORDER> PREPARED_SCENE::Borders() const {
-    const std::vector<ROW_BLOCK> blocks = BlocksOf(scene_, static_cast<int>(contested_.size()));
+    const DEM_RANGE& simulated = scene_.simulated;
+    const long long rows = SimulatedRows(scene_);
+    const int blocks = BlockCount(rows, static_cast<int>(contested_.size()));
     std::vector<BLOCK_BORDER> borders;
-    if (blocks.size() < 2 || !master_orbit_ || !HasPositions(scene_.dem)) return borders;
-    for (const ROW_BLOCK& block : blocks) borders.push_back(BorderAt(static_cast<int>(block.start)));
+    if (blocks < 2 || !master_orbit_ || !HasPositions(scene_.dem)) return borders;
+    for (int i = 0; i < blocks; ++i) {
+        borders.push_back(BorderAt(static_cast<int>(RowBlock(simulated.first_row, rows, blocks, i).start)));
+    }
     return borders;
 }
 
