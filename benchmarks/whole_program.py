@@ -24,12 +24,17 @@ SCENES = {"square": ["--samples", "2000", "--lines", "2000", "--dem-spacing-m", 
           "huge": ["--samples", "10000", "--lines", "100000", "--dem-spacing-m", "18", "--prf-hz", "4000"]}
 
 
-def timed_run(binary, folder, threads, memory_limit):
+OPTIONAL = ["INCIDENCE", "LOCAL_INCIDENCE", "LINE_OF_SIGHT", "PERPENDICULAR_BASELINE", "HEIGHT_OF_AMBIGUITY", "LAYOVER_SHADOW"]
+
+
+def timed_run(binary, folder, threads, memory_limit, keys):
     """Seconds of stage B and of the whole run, processor seconds, those of the system, peak memory in MiB, and the log."""
     environment = {"PATH": os.environ["PATH"], "PARALLEL": str(threads)}
     start = time.monotonic()
-    limit = ["-MEMORY_LIMIT", memory_limit] if memory_limit else []
-    process = subprocess.Popen([binary, "-pcf", "scene.pcf", *limit], cwd=folder, env=environment, stdout=subprocess.PIPE,
+    arguments = ["-MEMORY_LIMIT", memory_limit] if memory_limit else []
+    for key in keys:
+        arguments += ["-" + key, key.lower() + ".ras"]
+    process = subprocess.Popen([binary, "-pcf", "scene.pcf", *arguments], cwd=folder, env=environment, stdout=subprocess.PIPE,
                                stdin=subprocess.DEVNULL, text=True)
     arrivals, lines = {}, []
     for line in process.stdout:
@@ -71,7 +76,11 @@ def main(arguments):
     parser.add_argument("--threads", default="1,2")
     parser.add_argument("--repeat", type=int, default=3)
     parser.add_argument("--memory-limit", default="", help="MEMORY_LIMIT, MiB: has the scene simulated in slabs")
+    parser.add_argument("--optional", action="store_true",
+                        help="a second series with all optional products; Earth factors 4 x 4")
     options, scene = parser.parse_known_args(arguments)
+    if options.optional:
+        scene += ["--earth-factors", "4", "4"]
     with tempfile.TemporaryDirectory(prefix="velmora_benchmark_") as folder:
         subprocess.run([REPOSITORY / "demo" / "make_scene.py", folder, *COMMON, *SCENES[options.scene], *scene], check=True)
         pair = pathlib.Path(folder, "insar.pool").read_text() + pathlib.Path(folder, "master.pool").read_text()
@@ -80,8 +89,9 @@ def main(arguments):
             pixels *= int(re.search(r"n_%s INT_32 (\d+)" % word, pair)[1])
         print("%7s %12s %14s %14s %12s %12s %12s %12s" % ("threads", "stage B [s]", "DEM points/s", "pixels/s", "whole [s]",
                                                           "CPU [s]", "system [s]", "peak [MiB]"))
-        for threads in options.threads.split(","):
-            runs = [timed_run(options.binary, folder, threads, options.memory_limit) for _ in range(options.repeat)]
+        series = [(threads, keys) for keys in ([], OPTIONAL)[:1 + options.optional] for threads in options.threads.split(",")]
+        for threads, keys in series:
+            runs = [timed_run(options.binary, folder, threads, options.memory_limit, keys) for _ in range(options.repeat)]
             stage_s, whole_s, cpu_s, system_s, memory = (min(run[i] for run in runs) for i in range(5))
             points, extended = counts(runs[0][5])
             simulated = int(extended[0][1]) * int(extended[1][1]) if all(extended) else pixels

@@ -41,10 +41,12 @@ void VIEW_PRODUCTS::Abandon() const {
         if (file != nullptr) file->Abandon();
 }
 
-/// All files of a band before the next band: what a pixel's ground sees is computed once.
+/// All files of a band before the next band: what a pixel's ground sees is computed once. The band of all files is
+/// larger than that of one, or each would be written in small pieces.
 void VIEW_PRODUCTS::WriteRows(const GROUND_VIEW_ROWS& views, long long first_row, long long end_row) const {
     const long long row_bytes = static_cast<long long>(kViews * sizeof(float)) * size_.samples;
-    const long long band_rows = std::clamp(kProductBufferBytes / row_bytes, 1LL, std::max(end_row - first_row, 1LL));
+    constexpr long long kBandBytes = 4 * kProductBufferBytes;
+    const long long band_rows = std::clamp(kBandBytes / row_bytes, 1LL, std::max(end_row - first_row, 1LL));
     std::array<std::vector<float>, kViews> bands;
     for (int view = 0; view < kViews; ++view)
         if (files_[view] != nullptr) bands[view].resize(static_cast<std::size_t>(band_rows * size_.samples));
