@@ -8,6 +8,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "lib/baselib/logging/unless_interrupted.h"
+
 namespace {
 
 constexpr int kLongestLine = 1024;
@@ -15,10 +17,7 @@ constexpr int kLongestLine = 1024;
 /// Waits until a pipe has something to say. @return 0, or the reason why it has not
 int WaitForInput(int descriptor, int longest_silence_s) {
     pollfd input = {descriptor, POLLIN, 0};
-    int count = 0;
-    do {
-        count = poll(&input, 1, longest_silence_s * 1000);
-    } while (count < 0 && errno == EINTR);
+    const int count = UnlessInterrupted([&] { return poll(&input, 1, longest_silence_s * 1000); });
     return count > 0 ? 0 : count == 0 ? ETIMEDOUT : errno;
 }
 
@@ -48,10 +47,7 @@ bool CONTROL_FILE::Open(const std::string& path, int longest_silence_s) {
     Close();
     problem_.clear();
     // O_NONBLOCK: opening a named pipe must not wait for its writer; reading waits, for a bounded time.
-    int descriptor = -1;
-    do {
-        descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    } while (descriptor < 0 && errno == EINTR);
+    const int descriptor = UnlessInterrupted([&] { return open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC); });
     const int error = descriptor < 0 ? errno : ReadAll(descriptor, longest_silence_s, content_);
     if (descriptor >= 0) close(descriptor);
     is_open_ = error == 0;

@@ -9,18 +9,14 @@
 #include <climits>
 #include <cstring>
 
-namespace {
+#include "lib/baselib/logging/unless_interrupted.h"
 
-template <class CALL>
-auto Uninterrupted(const CALL& call) noexcept {
-    auto result = call();
-    while (result < 0 && errno == EINTR) result = call();
-    return result;
-}
+namespace {
 
 /// The existing file, when it is an ordinary one under this only name. O_NONBLOCK: opening a pipe must not wait.
 int OpenExisting(const char* path) noexcept {
-    const int descriptor = Uninterrupted([=] { return open(path, O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC); });
+    const int descriptor =
+        UnlessInterrupted([=] { return open(path, O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC); });
     if (descriptor < 0) return -1;
     struct stat status = {};
     if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink == 1) return descriptor;
@@ -30,7 +26,7 @@ int OpenExisting(const char* path) noexcept {
 
 int CreateAfresh(const char* path) noexcept {
     unlink(path);
-    return Uninterrupted([=] { return open(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666); });
+    return UnlessInterrupted([=] { return open(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666); });
 }
 
 }  // namespace
@@ -40,13 +36,13 @@ bool WriteStatusFile(const char* path, char digit) noexcept {
     if (descriptor < 0) descriptor = CreateAfresh(path);
     if (descriptor < 0) return false;
     // Overwritten first and cut afterwards: on a full disk the old digit's place is still there.
-    const bool written = Uninterrupted([&] { return write(descriptor, &digit, 1); }) == 1 &&
-                         Uninterrupted([=] { return ftruncate(descriptor, 1); }) == 0;
+    const bool written = UnlessInterrupted([&] { return write(descriptor, &digit, 1); }) == 1 &&
+                         UnlessInterrupted([=] { return ftruncate(descriptor, 1); }) == 0;
     return (close(descriptor) == 0 || errno == EINTR) && written;  // interrupted it is closed all the same
 }
 
 bool RemoveStatusFile(const char* path) noexcept {
-    const int result = Uninterrupted([=] { return unlink(path); });
+    const int result = UnlessInterrupted([=] { return unlink(path); });
     return result == 0 || errno == ENOENT || errno == ENOTDIR;
 }
 
@@ -69,7 +65,7 @@ bool HoldsAtMostADigit(const char* path) noexcept {
 }
 
 bool CanBeRead(const char* path) noexcept {
-    const int descriptor = Uninterrupted([=] { return open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC); });
+    const int descriptor = UnlessInterrupted([=] { return open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC); });
     if (descriptor < 0) return false;
     close(descriptor);
     return true;

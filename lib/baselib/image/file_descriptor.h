@@ -5,9 +5,10 @@
 
 #include <sys/types.h>
 
-#include <cerrno>
 #include <cstddef>
 #include <string>
+
+#include "lib/baselib/logging/unless_interrupted.h"
 
 class FILE_DESCRIPTOR {
   public:
@@ -28,15 +29,6 @@ class FILE_DESCRIPTOR {
   private:
     int number_;
 };
-
-/// A system call that returns -1 on failure, made again while a signal interrupts it.
-template <class CALL>
-auto UnlessInterrupted(const CALL& call) {
-    constexpr int kMostTries = 100;  // a call that never gets through is an error, not a hang
-    auto result = call();
-    for (int i = 1; result < 0 && errno == EINTR && i < kMostTries; ++i) result = call();
-    return result;
-}
 
 /// open(), over interruptions.
 int OpenFile(const std::string& path, int flags, mode_t permissions = 0);

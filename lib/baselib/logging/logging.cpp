@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "lib/baselib/logging/log_texts.h"
+#include "lib/baselib/logging/unless_interrupted.h"
 
 namespace {
 
@@ -63,10 +64,8 @@ std::string Formatted(const char* format, std::va_list arguments) {
 
 /// A named pipe that nobody reads is refused instead of waited for; with a reader it is written as any file.
 int OpenForAppending(const std::string& path) {
-    int descriptor = -1;
-    do {
-        descriptor = open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC, 0666);
-    } while (descriptor < 0 && errno == EINTR);
+    constexpr int kToItsEnd = O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC;
+    const int descriptor = UnlessInterrupted([&] { return open(path.c_str(), kToItsEnd, 0666); });
     const int flags = descriptor < 0 ? -1 : fcntl(descriptor, F_GETFL);
     if (flags >= 0) fcntl(descriptor, F_SETFL, flags & ~O_NONBLOCK);
     return descriptor;

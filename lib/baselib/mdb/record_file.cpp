@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <cstring>
 
+#include "lib/baselib/logging/unless_interrupted.h"
+
 namespace {
 
 constexpr const char* kCanNotRead = "MDB: can not read from mdb-file";
@@ -23,9 +25,7 @@ bool RECORD_FILE::Open(const std::string& path, bool create_and_write) {
     Close();
     // O_NONBLOCK: a pipe by that name must not hold the program.
     const int flags = (create_and_write ? O_RDWR | O_CREAT : O_RDONLY) | O_NONBLOCK | O_CLOEXEC;
-    do {
-        descriptor_ = open(path.c_str(), flags, 0666);
-    } while (descriptor_ < 0 && errno == EINTR);
+    descriptor_ = UnlessInterrupted([&] { return open(path.c_str(), flags, 0666); });
     if (descriptor_ < 0) return false;
     struct stat status {};
     if (fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode)) return true;
@@ -52,10 +52,7 @@ bool RECORD_FILE::FillBuffer() {
     if (position_ >= buffer_start_ && position_ < buffer_start_ + buffer_size_) return true;
     buffer_size_ = 0;
     buffer_start_ = position_;
-    ssize_t count = 0;
-    do {
-        count = pread(descriptor_, buffer_, sizeof buffer_, position_);
-    } while (count < 0 && errno == EINTR);
+    const ssize_t count = UnlessInterrupted([this] { return pread(descriptor_, buffer_, sizeof buffer_, position_); });
     if (count < 0) throw kCanNotRead;
     buffer_size_ = count;
     return count > 0;

@@ -14,6 +14,7 @@
 #include <set>
 
 #include "lib/baselib/logging/logging.h"
+#include "lib/baselib/logging/unless_interrupted.h"
 #include "lib/baselib/pool/pool_errors.h"
 
 namespace {
@@ -39,18 +40,18 @@ KIND KindOf(int folder, const char* name, uid_t pool_owner) {
     return mode == 0400 ? KIND::COMPLETE : mode == 0600 ? KIND::UNFINISHED : KIND::NONE;
 }
 
-/// @return 0 or the errno value
+/// @return 0 or the errno value; EFBIG for more than a pool may have
 int ReadFile(const std::string& path, std::string& content) {
-    int descriptor = -1;
-    do {
-        descriptor = open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
-    } while (descriptor < 0 && errno == EINTR);
+    const int descriptor =
+        UnlessInterrupted([&] { return open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK); });
     if (descriptor < 0) return errno;
     char block[65536];
-    ssize_t count = 0;
-    while ((count = read(descriptor, block, sizeof block)) > 0 || (count < 0 && errno == EINTR))
+    ssize_t count = 1;
+    while (count > 0 && content.size() <= POOL_FILE::kLongestContent) {
+        count = UnlessInterrupted([&] { return read(descriptor, block, sizeof block); });
         if (count > 0) content.append(block, static_cast<std::size_t>(count));
-    const int error = count < 0 ? errno : 0;
+    }
+    const int error = count < 0 ? errno : count > 0 ? EFBIG : 0;
     close(descriptor);
     return error;
 }

@@ -14,6 +14,7 @@
 
 #include "lib/baselib/errors/log_and_throw.h"
 #include "lib/baselib/logging/logging.h"
+#include "lib/baselib/logging/unless_interrupted.h"
 #include "lib/baselib/pool/entry_scanner.h"
 #include "lib/baselib/pool/pool_errors.h"
 #include "lib/baselib/pool/pool_type.h"
@@ -31,11 +32,7 @@ std::string DirectoryOf(const std::string& path) {
 }
 
 int OpenDescriptor(const std::string& path, int flags) {
-    int descriptor = -1;
-    do {
-        descriptor = open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK, 0666);
-    } while (descriptor < 0 && errno == EINTR);
-    return descriptor;
+    return UnlessInterrupted([&] { return open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK, 0666); });
 }
 
 bool HasNoLocks(int error) {
@@ -174,10 +171,8 @@ void POOL_FILE::Refuse(const std::string& reason) const {
 bool POOL_FILE::ReadBlock(std::string& content, std::size_t bytes) const {
     const std::size_t size = content.size();
     content.resize(size + bytes);
-    ssize_t count = 0;
-    do {
-        count = pread(descriptor_, content.data() + size, bytes, static_cast<off_t>(size));
-    } while (count < 0 && errno == EINTR);
+    const ssize_t count =
+        UnlessInterrupted([&] { return pread(descriptor_, content.data() + size, bytes, static_cast<off_t>(size)); });
     if (count < 0) {
         LogAndThrow<ERROR_CAN_NOT_READ_FILE>("can not read parameter file %s: %s", name_.c_str(), std::strerror(errno));
     }

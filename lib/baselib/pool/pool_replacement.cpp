@@ -14,6 +14,7 @@
 
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/logging/logging.h"
+#include "lib/baselib/logging/unless_interrupted.h"
 #include "lib/baselib/pool/pool_errors.h"
 
 namespace {
@@ -46,19 +47,9 @@ bool IsMissingFeature(int error) {
     return error == EINVAL || error == EPERM || error == ENOSYS || error == EOPNOTSUPP;
 }
 
-/// Interrupted calls are no failures: the signals that a run handles are held back, others go on.
-template <class CALL>
-int Uninterrupted(CALL call) {
-    int result = -1;
-    do {
-        result = call();
-    } while (result < 0 && errno == EINTR);
-    return result;
-}
-
 void FlushFolder(const std::string& directory) {
-    const int folder = Uninterrupted([&] { return open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
-    const bool flushed = folder >= 0 && Uninterrupted([=] { return fsync(folder); }) == 0;
+    const int folder = UnlessInterrupted([&] { return open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
+    const bool flushed = folder >= 0 && UnlessInterrupted([=] { return fsync(folder); }) == 0;
     const STEP_FAILED failure{"flushing the folder", errno};
     const bool unreadable = folder < 0 && failure.error == EACCES;  // files can be made in it all the same
     if (folder >= 0) close(folder);
@@ -125,10 +116,10 @@ void POOL_REPLACEMENT::Prepare() {
 
 void POOL_REPLACEMENT::CreateTemporary() {
     Exchange(nullptr, temporary_name_.c_str());  // before it is there: the name is filled in place
-    do {
+    temporary_ = UnlessInterrupted([this] {
         temporary_name_.replace(temporary_name_.size() - 6, 6, "XXXXXX");
-        temporary_ = mkostemp(temporary_name_.data(), O_CLOEXEC);
-    } while (temporary_ < 0 && errno == EINTR);
+        return mkostemp(temporary_name_.data(), O_CLOEXEC);
+    });
     Require(temporary_ >= 0, "creating the temporary file");
     // Nobody else knows the file, so only a file system without locks refuses; the pool's own lock told about that.
     (void)flock(temporary_, LOCK_EX | LOCK_NB);
@@ -136,7 +127,7 @@ void POOL_REPLACEMENT::CreateTemporary() {
 
 void POOL_REPLACEMENT::WriteTemporary() {
     WriteAll(temporary_, content_);
-    Require(Uninterrupted([this] { return fsync(temporary_); }) == 0, "flushing the temporary file");
+    Require(UnlessInterrupted([this] { return fsync(temporary_); }) == 0, "flushing the temporary file");
     FlushFolder(pool_.Directory());
 }
 
@@ -144,7 +135,7 @@ void POOL_REPLACEMENT::WriteTemporary() {
 void POOL_REPLACEMENT::ReadBack() {
     std::string content(content_.size() + 1, '\0');
     std::size_t size = 0;
-    const int reading = Uninterrupted([this] { return open(temporary_name_.c_str(), O_RDONLY | O_CLOEXEC); });
+    const int reading = UnlessInterrupted([this] { return open(temporary_name_.c_str(), O_RDONLY | O_CLOEXEC); });
     ssize_t count = reading < 0 ? -1 : 1;
     while (count > 0 && size < content.size()) {
         count = read(reading, content.data() + size, content.size() - size);
@@ -164,7 +155,7 @@ void POOL_REPLACEMENT::ReadBack() {
 void POOL_REPLACEMENT::MarkComplete() {
     Exchange(temporary_name_.c_str(), nullptr);
     if (fchmod(temporary_, 0400) == 0)
-        return Require(Uninterrupted([this] { return fsync(temporary_); }) == 0, "flushing the mode");
+        return Require(UnlessInterrupted([this] { return fsync(temporary_); }) == 0, "flushing the mode");
     Require(IsMissingFeature(errno), "changing the mode");
     WarnOnceOfFileSystem("the mode of files in " + pool_.Directory() + " can not be changed (" + std::strerror(errno) +
                          "): what an interrupted update of a pool leaves is not recognised");
@@ -193,10 +184,10 @@ void POOL_REPLACEMENT::PutBack() {
 
 void POOL_REPLACEMENT::Copy() {
     try {
-        Require(Uninterrupted([this] { return ftruncate(pool_.Descriptor(), 0); }) == 0, "truncating the pool");
+        Require(UnlessInterrupted([this] { return ftruncate(pool_.Descriptor(), 0); }) == 0, "truncating the pool");
         has_touched_pool_ = true;
         WriteAll(pool_.Descriptor(), content_);
-        Require(Uninterrupted([this] { return fsync(pool_.Descriptor()); }) == 0, "flushing the pool");
+        Require(UnlessInterrupted([this] { return fsync(pool_.Descriptor()); }) == 0, "flushing the pool");
     } catch (const STEP_FAILED& failure) {
         FailUpdate(pool_, failure);
     }
@@ -208,14 +199,14 @@ void POOL_REPLACEMENT::LeaveToRecovery() {
     name.swap(temporary_name_);  // the file stays
     const bool marked = fchmod(temporary_, 0400) == 0;
     // Without the mark an empty pool would be no better known as damaged than what it holds now.
-    const bool emptied = marked && Uninterrupted([this] { return ftruncate(pool_.Descriptor(), 0); }) == 0;
+    const bool emptied = marked && UnlessInterrupted([this] { return ftruncate(pool_.Descriptor(), 0); }) == 0;
     if (!marked || !emptied) LogAlarm("the next run will not know that this pool is damaged: ", pool_.Name());
     LogAlarm("see \"Recovery\" in docs/pools.md: a complete content of the pool is in ", name);
 }
 
 void POOL_REPLACEMENT::Remove() {
     if (temporary_ < 0 || temporary_name_.empty()) return;
-    if (Uninterrupted([this] { return unlink(temporary_name_.c_str()); }) != 0 && errno != ENOENT)
+    if (UnlessInterrupted([this] { return unlink(temporary_name_.c_str()); }) != 0 && errno != ENOENT)
         Log().Message(LOGGING_LEVEL::WARNING, "temporary file %s of pool %s can not be removed: %s",
                       temporary_name_.c_str(), pool_.Name().c_str(), std::strerror(errno));
     Exchange(temporary_name_.c_str(), nullptr);
