@@ -31,7 +31,7 @@ struct ORBIT_STATE;
 
 /// @param turn_m       change of the slave's range that turns the phase once
 /// @param up           unit vector
-/// @param slave_sight  unit vector between point and slave
+/// @param slave_sight  unit vector between point and slave; of any other length when turn_m is longer by it
 /// @return not negative; above kEndlessHeight_m where the slave's range does not change but for rounding
 [[gnu::always_inline]] inline double HeightOfAmbiguity_m(double turn_m, const VECTOR_3D<double>& across,
                                                          const VECTOR_3D<double>& up,

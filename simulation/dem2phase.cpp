@@ -26,6 +26,7 @@ SOLUTION_COUNTS RunThreads(const SCENE& scene, SIMULATION_PROGRESS& progress, TH
     THREADS<DEM2PHASE_ARG, unsigned int> threads(
         static_cast<unsigned int>(scene.simulated.first_row), static_cast<unsigned int>(scene.simulated.last_row),
         [&](DEM2PHASE_ARG* arg) { DEM2PHASE_Thread(prepared, *arg, progress); }, log);
+    threads.CutInto(prepared.Blocks());
     if (log == THREADS_LOG::SPOKEN) Log().Message(LOGGING_LEVEL::INFO, " Initialised dem2phase_arg");
     threads.Run();
     prepared.Settle();

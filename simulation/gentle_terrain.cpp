@@ -3,9 +3,9 @@
 #include <cmath>
 #include <limits>
 
-#include "geometry/constants.h"
 #include "geometry/vector_arithmetic.h"
 #include "simulation/neighbour_solver.h"
+#include "simulation/radar_pixel.h"
 
 namespace {
 
@@ -68,9 +68,8 @@ class BLOCK_INSPECTION {
                 const auto seen = master_.Solve(PlaceAtHeight(dem_, at_end ? rim.last_column : rim.first_column,
                                                               at_end ? rim.last_row : rim.first_row, height_m));
                 if (!seen) return {-kAnywhere, kAnywhere, -kAnywhere, kAnywhere};
-                Extend((seen->time_s - master.first_azimuth_time_s) * master.prf_hz, reach.first_line, reach.last_line);
-                Extend((2.0 * seen->range_m / kSpeedOfLight - master.near_range_time_s) * master.rsf_hz,
-                       reach.first_pixel, reach.last_pixel);
+                Extend(LineOf(master, seen->time_s), reach.first_line, reach.last_line);
+                Extend(PixelOf(master, seen->range_m), reach.first_pixel, reach.last_pixel);
             }
         }
         Widen(reach.first_line, reach.last_line);

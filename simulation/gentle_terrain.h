@@ -25,7 +25,7 @@ class GENTLE_TERRAIN {
     /// @param samples  columns of the image
     GENTLE_TERRAIN(const SCENE& scene, const TERRAIN_BOUNDS& bounds, int samples);
 
-    /// Whether lines first_line .. end_line - 1, which reach the cells of a scene that DEM_LINES has limited to them,
+    /// Whether lines first_line .. end_line - 1, which reach the cells of a scene that DEM_REACH has limited to them,
     /// have flags of zero only.
     [[nodiscard]] bool Holds(const SCENE& cells, int first_line, int end_line) const;
 

@@ -36,7 +36,7 @@ SCENE Widened(const SCENE& scene, double relief_m) {
 
 LAYOVER_SHADOW::LAYOVER_SHADOW(const SCENE& scene, int samples, int lines, const TERRAIN_BOUNDS& bounds,
                                double relief_m)
-    : scene_(Widened(scene, relief_m)), samples_(samples), lines_(lines), dem_lines_(scene_) {
+    : scene_(Widened(scene, relief_m)), samples_(samples), lines_(lines), dem_reach_(scene_) {
     const GENTLE_TERRAIN gentle(scene_, bounds, samples);
     for (int piece = 0; piece < Pieces(); ++piece) {
         const int first_line = piece * kLines;
@@ -57,7 +57,7 @@ double LAYOVER_SHADOW::WorkingBytes(const DEM_RANGE& simulated, int lines) {
 
 SCENE LAYOVER_SHADOW::CellsOf(int piece) const {
     SCENE cells = scene_;
-    dem_lines_.LimitTo(piece * kLines, piece * kLines + LinesOf(piece), cells);
+    dem_reach_.LimitTo(piece * kLines, piece * kLines + LinesOf(piece), cells);
     return cells;
 }
 

@@ -18,7 +18,7 @@
 #include <optional>
 #include <vector>
 
-#include "simulation/dem_lines.h"
+#include "simulation/dem_reach.h"
 #include "simulation/gentle_terrain.h"
 #include "simulation/profile_sight.h"
 
@@ -55,7 +55,7 @@ class LAYOVER_SHADOW {
     const SCENE scene_;  ///< with a wider part of the DEM than is simulated
     int samples_;
     int lines_;
-    DEM_LINES dem_lines_;
+    DEM_REACH dem_reach_;
     std::vector<unsigned char> gentle_;   ///< of the pieces
     std::optional<PROFILE_SIGHT> sight_;  ///< there if some piece is not gentle
 };

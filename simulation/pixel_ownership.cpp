@@ -4,6 +4,7 @@
 #include <bit>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -23,7 +24,41 @@ void FillGaps(std::vector<int>& begins) {
     }
 }
 
+/// Whether a test holds for every place first .. last; asked of a piece's bound first, which most often answers for
+/// all.
+template <class OF_PIECE, class OF_PLACE>
+bool HoldsForAll(int first, int last, int piece_length, OF_PIECE of_piece, OF_PLACE of_place) {
+    for (int piece = first / piece_length; piece <= last / piece_length; ++piece) {
+        if (of_piece(piece)) continue;
+        const int end = std::min(last, (piece + 1) * piece_length - 1);
+        for (int k = std::max(first, piece * piece_length); k <= end; ++k)
+            if (!of_place(k)) return false;
+    }
+    return true;
+}
+
 }  // namespace
+
+PIXEL_OWNERSHIP::BORDER::BORDER(std::vector<int> places) : begins(std::move(places)) {
+    for (std::size_t i = 0; i < begins.size(); i += kPlaces) {
+        const auto from = begins.begin() + static_cast<std::ptrdiff_t>(i);
+        const auto [lowest, highest] =
+            std::minmax_element(from, from + std::min<std::ptrdiff_t>(kPlaces, begins.end() - from));
+        bounds.push_back({*lowest, *highest});
+    }
+}
+
+bool PIXEL_OWNERSHIP::BORDER::IsPassed(int first, int last, int across) const {
+    return HoldsForAll(
+        first, last, kPlaces, [&](int piece) { return bounds[piece].highest <= across; },
+        [&](int place) { return begins[place] <= across; });
+}
+
+bool PIXEL_OWNERSHIP::BORDER::IsAhead(int first, int last, int across) const {
+    return HoldsForAll(
+        first, last, kPlaces, [&](int piece) { return bounds[piece].lowest > across; },
+        [&](int place) { return begins[place] > across; });
+}
 
 PIXEL_OWNERSHIP::PIXEL_OWNERSHIP(int first_row, int rows, int columns, const std::vector<BLOCK_BORDER>& borders)
     : first_row_(first_row) {
@@ -32,11 +67,11 @@ PIXEL_OWNERSHIP::PIXEL_OWNERSHIP(int first_row, int rows, int columns, const std
     const int size = borders_run_along_rows_ ? columns : rows;
     for (std::size_t block = 1; block < borders.size(); ++block) {
         std::vector<int> begins = Trace(borders[block], first, size);
-        if (!begins_.empty()) {
+        if (!borders_.empty()) {
             // Borders may cross in the mountains; their order is what keeps the owners disjoint.
-            for (int i = 0; i < size; ++i) begins[i] = std::max(begins[i], begins_.back()[i]);
+            for (int i = 0; i < size; ++i) begins[i] = std::max(begins[i], borders_.back().begins[i]);
         }
-        begins_.push_back(std::move(begins));
+        borders_.emplace_back(std::move(begins));
     }
 }
 
@@ -82,28 +117,19 @@ PIXEL_OWNERSHIP::PLACE PIXEL_OWNERSHIP::PlaceOf(int row, int column) const {
 bool PIXEL_OWNERSHIP::Owns(int block, int row, int column) const {
     const PLACE place = PlaceOf(row, column);
     const auto before = static_cast<std::size_t>(block);
-    if (block > 0 && place.across < begins_[before - 1][place.along]) return false;
-    return before >= begins_.size() || place.across < begins_[before][place.along];
+    if (block > 0 && place.across < borders_[before - 1].begins[place.along]) return false;
+    return before >= borders_.size() || place.across < borders_[before].begins[place.along];
 }
 
 bool PIXEL_OWNERSHIP::OwnsAll(int block, const PIXEL_BOX& box) const {
-    if (begins_.empty()) return true;
+    if (borders_.empty()) return true;
     const auto before = static_cast<std::size_t>(block);
     const PLACE first = PlaceOf(box.first_row, box.first_column);
     const PLACE last = PlaceOf(box.last_row, box.last_column);
     const int lowest = std::min(first.across, last.across);
     const int highest = std::max(first.across, last.across);
-    // Without a way out of the loops, which become vector code.
-    unsigned outside = 0;
-    if (block > 0) {
-        const int* const begins = begins_[before - 1].data();
-        for (int k = first.along; k <= last.along; ++k) outside |= lowest < begins[k] ? 1 : 0;
-    }
-    if (before < begins_.size()) {
-        const int* const begins = begins_[before].data();
-        for (int k = first.along; k <= last.along; ++k) outside |= highest >= begins[k] ? 1 : 0;
-    }
-    return outside == 0;
+    if (block > 0 && !borders_[before - 1].IsPassed(first.along, last.along, lowest)) return false;
+    return before >= borders_.size() || borders_[before].IsAhead(first.along, last.along, highest);
 }
 
 unsigned PIXEL_OWNERSHIP::OwnedLanes(int block, int row, int column, unsigned lanes) const {

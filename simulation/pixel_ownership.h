@@ -45,6 +45,22 @@ class PIXEL_OWNERSHIP {
         int along;
         int across;
     };
+    /// Where a block begins, across the border, for every place along it; and in pieces of kPlaces places each.
+    struct BORDER {
+        static constexpr int kPlaces = 64;
+        struct BOUNDS {
+            int lowest;
+            int highest;
+        };
+        explicit BORDER(std::vector<int> begins);
+        /// Whether all of first .. last begin at `across` or before it.
+        [[nodiscard]] bool IsPassed(int first, int last, int across) const;
+        /// Whether all of first .. last begin behind `across`.
+        [[nodiscard]] bool IsAhead(int first, int last, int across) const;
+
+        std::vector<int> begins;
+        std::vector<BOUNDS> bounds;
+    };
     [[nodiscard]] PLACE PlaceOf(int row, int column) const;
     void Orient(const std::vector<BLOCK_BORDER>& borders);
     [[nodiscard]] std::vector<int> Trace(const BLOCK_BORDER& border, int first, int size) const;
@@ -52,7 +68,5 @@ class PIXEL_OWNERSHIP {
     int first_row_;
     bool borders_run_along_rows_ = true;  ///< of the image, from column to column
     int sign_ = 1;                        ///< of the pixel coordinate that grows with the block
-    /// For blocks 1, 2, ... and every place along the border, where across it the block begins; never decreasing from
-    /// block to block.
-    std::vector<std::vector<int>> begins_;
+    std::vector<BORDER> borders_;         ///< of blocks 1, 2, ...; never decreasing from block to block
 };

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "geometry/constants.h"
 #include "geometry/zero_doppler.h"
-#include "simulation/row_blocks.h"
+#include "simulation/radar_pixel.h"
+#include "simulation/scene_blocks.h"
 #include "simulation/thread_count.h"
 
 namespace {
@@ -33,10 +33,6 @@ std::optional<ROW_ORBIT> RowOrbitOf(const ACQUISITION_SCENE& acquisition,
     return ROW_ORBIT{acquisition.orbit, &*compiled, acquisition.first_azimuth_time_s};
 }
 
-long long SimulatedRows(const SCENE& scene) {
-    return std::max(scene.simulated.last_row - scene.simulated.first_row, 0);
-}
-
 bool HasPositions(const DEM_GRID& dem) {
     return GridKindOf(dem.kind) != GRID_KIND::REFUSED;
 }
@@ -51,7 +47,8 @@ PREPARED_SCENE::PREPARED_SCENE(const SCENE& scene)
       master_orbit_(RowOrbitOf(scene.master, compiled_master_)),
       slave_orbit_(RowOrbitOf(scene.slave, compiled_slave_)),
       layers_(scene),
-      contested_(std::max(BlockCount(SimulatedRows(scene), ThreadCount()), 1)),
+      blocks_(BlocksOf(scene, ThreadCount())),
+      contested_(std::max<std::size_t>(blocks_.size(), 1)),
       counts_(contested_.size()),
       ownership_(scene.image.mask.first_row, scene.image.mask.rows, scene.image.mask.columns, Borders()) {}
 
@@ -62,14 +59,9 @@ SOLUTION_COUNTS PREPARED_SCENE::TotalCounts() const {
 }
 
 std::vector<BLOCK_BORDER> PREPARED_SCENE::Borders() const {
-    const DEM_RANGE& simulated = scene_.simulated;
-    const long long rows = SimulatedRows(scene_);
-    const int blocks = BlockCount(rows, static_cast<int>(contested_.size()));
     std::vector<BLOCK_BORDER> borders;
-    if (blocks < 2 || !master_orbit_ || !HasPositions(scene_.dem)) return borders;
-    for (int i = 0; i < blocks; ++i) {
-        borders.push_back(BorderAt(static_cast<int>(RowBlock(simulated.first_row, rows, blocks, i).start)));
-    }
+    if (blocks_.size() < 2 || !master_orbit_ || !HasPositions(scene_.dem)) return borders;
+    for (const ROW_BLOCK& block : blocks_) borders.push_back(BorderAt(static_cast<int>(block.start)));
     return borders;
 }
 
@@ -90,8 +82,7 @@ BLOCK_BORDER PREPARED_SCENE::BorderAt(int row) const {
         Get_Earth_Position_From_DEM(scene_.dem, column, row, point_m.x, point_m.y, point_m.z);
         const ZERO_DOPPLER solution = SolveZeroDoppler(*compiled_master_, offset_s, point_m, guess_s, data);
         guess_s = solution.time_s;
-        border.push_back({(2.0 * solution.range_m / kSpeedOfLight - master.near_range_time_s) * master.rsf_hz,
-                          (solution.time_s - master.first_azimuth_time_s) * master.prf_hz});
+        border.push_back({PixelOf(master, solution.range_m), LineOf(master, solution.time_s)});
     }
     return border;
 }

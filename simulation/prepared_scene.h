@@ -12,6 +12,7 @@
 #include "simulation/contested_pixels.h"
 #include "simulation/pixel_layers.h"
 #include "simulation/pixel_ownership.h"
+#include "simulation/row_blocks.h"
 #include "simulation/scene.h"
 
 /// Solutions of a run, each of one DEM sample: zero Doppler towards one orbit, or the travel times of a single-pass
@@ -56,6 +57,9 @@ class PREPARED_SCENE {
     }
     [[nodiscard]] SOLUTION_COUNTS TotalCounts() const;
 
+    /// Rows of the threads.
+    [[nodiscard]] const std::vector<ROW_BLOCK>& Blocks() const { return blocks_; }
+
   private:
     [[nodiscard]] std::vector<BLOCK_BORDER> Borders() const;
     [[nodiscard]] BLOCK_BORDER BorderAt(int row) const;
@@ -67,6 +71,7 @@ class PREPARED_SCENE {
     std::optional<ROW_ORBIT> master_orbit_;  ///< absent: the scene has no such orbit
     std::optional<ROW_ORBIT> slave_orbit_;
     PIXEL_LAYERS layers_;
+    std::vector<ROW_BLOCK> blocks_;
     std::vector<CONTESTED_PIXELS> contested_;
     std::vector<SOLUTION_COUNTS> counts_;  ///< one per block
     PIXEL_OWNERSHIP ownership_;

@@ -3,21 +3,13 @@
 #include <algorithm>
 #include <cmath>
 
-#include "geometry/constants.h"
 #include "geometry/vector_arithmetic.h"
 #include "simulation/neighbour_solver.h"
+#include "simulation/radar_pixel.h"
 
 namespace {
 
 constexpr int kLinesBeside = 2000;  ///< satellites farther from the image are not looked at
-
-double LineOf(const ACQUISITION_SCENE& acquisition, double time_s) {
-    return (time_s - acquisition.first_azimuth_time_s) * acquisition.prf_hz;
-}
-
-double PixelOf(const ACQUISITION_SCENE& acquisition, double range_m) {
-    return (2.0 * range_m / kSpeedOfLight - acquisition.near_range_time_s) * acquisition.rsf_hz;
-}
 
 /// By the law of cosines.
 double LookOf(double satellite_radius_m, double range_m, double square_of_radius_m2) {

@@ -1,6 +1,6 @@
 /// \file row_blocks.h
 /// How a range of rows is cut into contiguous blocks, one per thread: length / count rows each, and one more for the
-/// first length % count blocks.
+/// first length % count blocks. scene_blocks.h cuts where rows differ in what they cost.
 
 #pragma once
 

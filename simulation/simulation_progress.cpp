@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "lib/baselib/logging/logging.h"
-#include "simulation/row_blocks.h"
+#include "simulation/scene_blocks.h"
 #include "simulation/thread_count.h"
 
 namespace {
@@ -21,8 +21,8 @@ long long RowsOfAll(const std::vector<SCENE>& slabs) {
 long long RowsOfBlock(const std::vector<SCENE>& slabs, int block) {
     long long rows = 0;
     for (const SCENE& slab : slabs) {
-        const int blocks = BlockCount(RowsOf(slab), ThreadCount());
-        if (block < blocks) rows += RowBlock(0, RowsOf(slab), blocks, block).length;
+        const std::vector<ROW_BLOCK> blocks = BlocksOf(slab, ThreadCount());
+        if (block < static_cast<int>(blocks.size())) rows += blocks[static_cast<std::size_t>(block)].length;
     }
     return rows;
 }

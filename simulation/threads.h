@@ -7,7 +7,8 @@
 /// A silent run leaves out the two lines at INFO: where one stage runs several times, the log tells of it once.
 ///
 /// Count: ThreadCount(). A count of 1 runs the routine in the calling thread; otherwise there are min(count, rows)
-/// blocks, and the first rows % count of them have one row more than the others. An empty range runs nothing.
+/// blocks, and the first rows % count of them have one row more than the others, unless the caller cuts the range. An
+/// empty range runs nothing.
 ///
 /// Invariants while the blocks run:
 /// (1) blocks are disjoint and cover the range; (2) a thread touches its own argument only; (3) every thread is joined
@@ -27,6 +28,7 @@
 #include <functional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "lib/baselib/containers/array.h"
 #include "lib/baselib/errors/error_exception.h"
@@ -57,6 +59,9 @@ class THREADS {
     ARRAY<ARG>& Arguments() { return arguments_; }
     int Count() const { return count_; }
 
+    /// Other blocks: Count() of them, in order, that cover the range.
+    void CutInto(const std::vector<ROW_BLOCK>& blocks);
+
     /// Makes a real thread even for a count of 1.
     void ForceThreads() { force_threads_ = true; }
 
@@ -81,7 +86,7 @@ class THREADS {
     static void* ThreadMain(void* worker);
     static void RunGuarded(const START_ROUTINE& routine, ARG& argument);
 
-    void CutIntoBlocks();
+    void CutEqually();
     void PrepareArgument(int i);
     void StartThread(int i);
     bool JoinReportsFailure(int i);
@@ -118,7 +123,7 @@ THREADS<ARG, ROW>::THREADS(ROW start_row, ROW end_row, START_ROUTINE start_routi
     Resize(workers_, count_);
     Resize(blocks_, count_ + 2);
     std::fill(handles_.begin(), handles_.end(), kNotRunning);
-    CutIntoBlocks();
+    CutEqually();
     if (log_ == THREADS_LOG::SPOKEN) Log().Message(LOGGING_LEVEL::INFO, " Initialised work_range");
 }
 
@@ -155,7 +160,13 @@ void THREADS<ARG, ROW>::Resize(ARRAY<T>& array, int count) {
 }
 
 template <class ARG, class ROW>
-void THREADS<ARG, ROW>::CutIntoBlocks() {
+void THREADS<ARG, ROW>::CutInto(const std::vector<ROW_BLOCK>& blocks) {
+    for (int i = 0; i < count_; ++i)
+        blocks_[i] = {static_cast<ROW>(blocks[i].start), static_cast<ROW>(blocks[i].length)};
+}
+
+template <class ARG, class ROW>
+void THREADS<ARG, ROW>::CutEqually() {
     for (int i = 0; i < count_; ++i) {
         const ROW_BLOCK block =
             RowBlock(static_cast<long long>(range_.start), static_cast<long long>(range_.length), count_, i);

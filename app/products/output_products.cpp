@@ -18,9 +18,9 @@ void ClearMask(const GRID_VIEW<unsigned char>& mask) {
 }
 
 /// The offsets of the Earth files are taken at the centre, before any of their rows can be written.
-SCENE SceneOfEarthCentre(const SIMULATION_STATE& state, const DEM_LINES& dem_lines) {
+SCENE SceneOfEarthCentre(const SIMULATION_STATE& state, const DEM_REACH& dem_reach) {
     const int centre = state.sizes.earth.lines / 2 * state.request.factors.earth.y;
-    SCENE scene = SceneOfLines(state.scene, dem_lines, centre, centre + 1);
+    SCENE scene = SceneOfLines(state.scene, dem_reach, centre, centre + 1);
     scene.image.phase_rad = {};
     scene.shifts = {};
     return scene;
@@ -28,11 +28,11 @@ SCENE SceneOfEarthCentre(const SIMULATION_STATE& state, const DEM_LINES& dem_lin
 
 std::vector<SCENE> ScenesOfSlabs(const SIMULATION_STATE& state) {
     std::vector<SCENE> scenes;
-    const DEM_LINES dem_lines(state.scene);
-    if (state.request.WantsEarth()) scenes.push_back(SceneOfEarthCentre(state, dem_lines));
+    const DEM_REACH dem_reach(state.scene);
+    if (state.request.WantsEarth()) scenes.push_back(SceneOfEarthCentre(state, dem_reach));
     const int lines = state.sizes.simulated.lines;
     for (int first = 0; first < lines; first += state.slabs.lines)
-        scenes.push_back(SceneOfLines(state.scene, dem_lines, first, std::min(first + state.slabs.lines, lines)));
+        scenes.push_back(SceneOfLines(state.scene, dem_reach, first, std::min(first + state.slabs.lines, lines)));
     return scenes;
 }
 

@@ -43,13 +43,14 @@ void RequireMemory(const IMAGE_SIZE& area, const SLAB_PLAN& plan, double bytes_p
         area.samples, area.lines, required / kBytesPerGibibyte, available / kBytesPerGibibyte, fitting);
 }
 
-/// Slabs of about equal height.
+/// Slabs of about equal height but for the last, of a quarter: one thread writes it, and then waits for the disk.
 /// @param lines  at most, 1 or more
 SLAB_PLAN CutInto(int all_lines, double lines) {
+    constexpr double kSavedAtLast = 0.75;
     SLAB_PLAN plan{all_lines, 1};
     if (lines >= all_lines) return plan;
-    plan.count = static_cast<int>(std::ceil(all_lines / lines));
-    plan.lines = (all_lines + plan.count - 1) / plan.count;
+    plan.count = static_cast<int>(std::ceil(all_lines / lines + kSavedAtLast));
+    plan.lines = static_cast<int>(std::ceil(all_lines / (plan.count - kSavedAtLast)));
     plan.count = (all_lines + plan.lines - 1) / plan.lines;
     return plan;
 }
@@ -91,8 +92,8 @@ int RowsInMemory(const SLAB_PLAN& plan, int factor, int rows_of_grid) {
     return plan.IsWholeImage() ? rows_of_grid : (plan.lines - 1) / factor + 1;
 }
 
-SCENE SceneOfLines(const SCENE& first_slab, const DEM_LINES& dem_lines, int first_line, int end_line) {
+SCENE SceneOfLines(const SCENE& first_slab, const DEM_REACH& dem_reach, int first_line, int end_line) {
     SCENE scene = MovedToLines(first_slab, first_line, end_line);
-    dem_lines.LimitTo(first_line, end_line, scene);
+    dem_reach.LimitTo(first_line, end_line, scene.image.mask.columns, scene);
     return scene;
 }

@@ -9,7 +9,7 @@
 #include "app/acquisition/acquisitions.h"
 #include "app/request/request.h"
 #include "app/scene/output_sizes.h"
-#include "simulation/dem_lines.h"
+#include "simulation/dem_reach.h"
 #include "simulation/scene.h"
 
 struct SLAB_PLAN {
@@ -32,4 +32,4 @@ struct SLAB_PLAN {
 
 /// The scene of the lines first_line .. end_line - 1: its views tell these rows of the grids in memory, its cells those
 /// that reach them.
-[[nodiscard]] SCENE SceneOfLines(const SCENE& first_slab, const DEM_LINES& dem_lines, int first_line, int end_line);
+[[nodiscard]] SCENE SceneOfLines(const SCENE& first_slab, const DEM_REACH& dem_reach, int first_line, int end_line);

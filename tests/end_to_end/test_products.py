@@ -53,11 +53,13 @@ def test_large_images_go_in_slabs_without_a_word(fresh_scene):
             edit_control_file(folder, H_EARTH="/dev/null")
         runs.append((folder, succeed(folder, "-lsl", "DEBUG", parallel="2")))
     (slabs, in_slabs), (whole, at_once) = runs
-    assert solutions(in_slabs) > solutions(at_once)  # cells at the border are walked twice
+    assert solutions(in_slabs) != solutions(at_once)  # a slab leaves cells beside the image, and walks those at its end twice
     for name in FILES[:-1]:
         assert (slabs / name).read_bytes() == (whole / name).read_bytes()
     assert [line.replace("h_earth.ras", "/dev/null") for line in stage_c(in_slabs)] == stage_c(at_once)
-    assert len(in_slabs.lines("INFO")) == len(at_once.lines("INFO"))
+    # Tenths of the rows of one thread, whose number differs: one more or less may be told.
+    told = [[line for line in run.lines("INFO") if " * processed " not in line] for run in (in_slabs, at_once)]
+    assert len(told[0]) == len(told[1])
 
 
 def test_a_gap_in_a_late_slab_keeps_all_older_products(fresh_scene):

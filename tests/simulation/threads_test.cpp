@@ -16,6 +16,7 @@
 
 #include "lib/baselib/errors/enum_base.h"
 #include "lib/baselib/errors/error_exception.h"
+#include "simulation/scene_blocks.h"
 #include "simulation/thread_arg.h"
 #include "tests/kit/log_capture.h"
 
@@ -59,6 +60,40 @@ TEST(Threads, CutsTheRowsIntoContiguousBlocks) {
         }
     }
     EXPECT_THROW(RUNNER(3, 2, [](TEST_ARG*) {}), ERROR_ARGUMENT);
+}
+
+TEST(Threads, RowsOfASlabAreSharedOutByTheirCells) {
+    struct CASE {
+        std::vector<int> cells;
+        int threads;
+        std::vector<long long> starts;
+    };
+    const CASE cases[] = {{{}, 2, {7, 12}},  // no list: 10 rows of equal cost
+                          {{1, 1, 1, 1, 1, 1}, 3, {7, 9, 11}},
+                          {{9, 8, 1, 1, 1, 1, 1, 1, 1, 1}, 2, {7, 9}},
+                          {{0, 0, 1, 2, 3, 4, 5}, 2, {7, 13}},
+                          {{100, 1, 1}, 3, {7, 8, 9}},
+                          {{1, 1, 100}, 3, {7, 8, 9}},
+                          {{0, 0, 0}, 2, {7, 8}},
+                          {{5, 5}, 8, {7, 8}}};
+    for (const CASE& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.cells));
+        SCENE scene;
+        const int rows = c.cells.empty() ? 10 : static_cast<int>(c.cells.size());
+        scene.simulated = {7, 7 + rows, 0, 200};
+        for (const int count : c.cells) scene.cells.push_back({20, 20 + count});
+        const std::vector<ROW_BLOCK> blocks = BlocksOf(scene, c.threads);
+        std::vector<long long> starts;
+        long long end = 7;
+        for (const ROW_BLOCK& block : blocks) {
+            EXPECT_EQ(end, block.start);
+            EXPECT_GT(block.length, 0);
+            end = block.start + block.length;
+            starts.push_back(block.start);
+        }
+        EXPECT_EQ(7 + rows, end);
+        EXPECT_EQ(c.starts, starts);
+    }
 }
 
 TEST(Threads, TheEnvironmentGivesTheCount) {
