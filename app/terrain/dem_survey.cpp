@@ -28,29 +28,55 @@ void ReportOdd(const ODD_SAMPLES& odd, const DEM_GRID& dem, const DEM_RANGE& sim
         box.first_row, box.last_row, box.first_column, box.last_column, Appearance(dem, simulated, odd).c_str());
 }
 
-/// A loop for either kind of samples: 16-bit ones are compared as integers.
+template <class SAMPLE>
+struct LIMITS {
+    SAMPLE lowest_m = std::numeric_limits<SAMPLE>::max();
+    SAMPLE highest_m = std::numeric_limits<SAMPLE>::lowest();
+
+    void Take(SAMPLE height_m) {
+        lowest_m = std::min(lowest_m, height_m);
+        highest_m = std::max(highest_m, height_m);
+    }
+};
+
+/// Without a way out of the loop, which becomes vector code for 16-bit samples.
+template <class SAMPLE>
+LIMITS<SAMPLE> LimitsOf(const SAMPLE* samples, int count) {
+    LIMITS<SAMPLE> limits;
+    for (int i = 0; i < count; ++i) limits.Take(HeightOf(samples[i]));
+    return limits;
+}
+
+/// A loop for either kind of samples: 16-bit ones are compared as integers. Rows whose lowest and highest samples are
+/// heights have no others.
 template <class SAMPLE>
 DEM_SURVEY Survey(const GRID_VIEW<const SAMPLE>& heights, const DEM_RANGE& simulated, const VALID_HEIGHTS& valid,
                   double offset_m, ODD_SAMPLES& odd) {
     DEM_SURVEY survey;
-    SAMPLE lowest_m = std::numeric_limits<SAMPLE>::max();
-    SAMPLE highest_m = std::numeric_limits<SAMPLE>::lowest();
+    LIMITS<SAMPLE> limits;
+    const auto is_height = [&](SAMPLE height_m) { return !IsOdd(height_m) && !valid.Excludes(height_m); };
     for (int row = simulated.first_row; row <= simulated.last_row; ++row) {
+        const LIMITS<SAMPLE> of_row =
+            LimitsOf(heights[row] + simulated.first_column, simulated.last_column - simulated.first_column + 1);
+        if (is_height(of_row.lowest_m) && is_height(of_row.highest_m)) {
+            limits.Take(of_row.lowest_m);
+            limits.Take(of_row.highest_m);
+            continue;
+        }
         for (int column = simulated.first_column; column <= simulated.last_column; ++column) {
             const SAMPLE height_m = HeightOf(heights[row][column]);
             if (IsOdd(height_m)) odd.Add(row, column);
             if (!valid.Excludes(height_m)) {
-                lowest_m = std::min(lowest_m, height_m);
-                highest_m = std::max(highest_m, height_m);
+                limits.Take(height_m);
             } else if (survey.excluded++ == 0) {
                 survey.first_row = row;
                 survey.first_column = column;
             }
         }
     }
-    if (lowest_m <= highest_m) {
-        survey.lowest_m = lowest_m + offset_m;
-        survey.highest_m = highest_m + offset_m;
+    if (limits.lowest_m <= limits.highest_m) {
+        survey.lowest_m = limits.lowest_m + offset_m;
+        survey.highest_m = limits.highest_m + offset_m;
     }
     return survey;
 }
