@@ -87,6 +87,9 @@ void AttachPositions(GDALDataset& product, const GRIDS& grids) {
 }
 
 DATASET ProductInMemory(const RASTER_FILE& raster, std::optional<double> invalid) {
+    if (std::max(raster.Columns(), raster.Rows()) > std::numeric_limits<int>::max())
+        throw COMPANION_ERROR(raster.Path() + ": has " + std::to_string(raster.Columns()) + " x " +
+                              std::to_string(raster.Rows()) + " pixels: more than GDAL takes");
     const int columns = static_cast<int>(raster.Columns());
     DATASET dataset = NewDatasetInMemory(columns, static_cast<int>(raster.Rows()), 1, GDT_Float32);
     std::vector<double> values(static_cast<std::size_t>(columns));

@@ -58,18 +58,22 @@ void DrawScale(CANVAS& canvas, const LEGEND_PLACE& place, const VALUE_RANGE& ran
         const int column = kMargin + tick * (length - 1) / (ticks - 1);
         const std::string text =
             Number(range.low + width * tick / (ticks - 1), width) + (tick == ticks - 1 ? unit : "");
-        const int left =
-            std::clamp(column - TextColumns(text) / 2, kMargin, place.columns - kMargin - TextColumns(text));
+        const int last = std::max(place.columns - kMargin - TextColumns(text), kMargin);
+        const int left = std::clamp(column - TextColumns(text) / 2, kMargin, last);
         canvas.Fill(column, bar_end, 2, kTickRows, kBlack);
         canvas.Write(left, bar_end + kTickRows + 4, text, kBlack);
     }
 }
 
-/// Swatches with their names, in the place of the bar.
+/// Swatches with their names, in the place of the bar and of its scale.
 void DrawClasses(CANVAS& canvas, const LEGEND_PLACE& place) {
-    const int row = place.row + kMargin + kTextRows + kMargin;
+    int row = place.row + kMargin + kTextRows + kMargin;
     int column = kMargin;
     for (const FLAG_CLASS& entry : FlagClasses()) {
+        if (column + kBarRows + 4 + TextColumns(entry.name) > place.columns - kMargin) {
+            row += kBarRows + kTickRows + 4;
+            column = kMargin;
+        }
         canvas.Fill(column, row, kBarRows, kBarRows, kBlack);
         canvas.Fill(column + 1, row + 1, kBarRows - 2, kBarRows - 2, entry.colour);
         canvas.Write(column + kBarRows + 4, row, entry.name, kBlack);

@@ -12,7 +12,7 @@
 /// Longest side of a picture, legend included, pixels.
 inline constexpr int kLongestSide = 1600;
 /// Below, the legend would not fit.
-inline constexpr int kShortestLongestSide = 420;
+inline constexpr int kShortestLongestSide = 480;
 
 /// The product, averaged down by a whole number where it is larger, above its title, colour bar, scale and unit.
 /// @param kind     null: not known

@@ -1,5 +1,6 @@
 """velmora-view on files of its own and on a run: pixels through GDAL, positions through the scene's closed forms."""
 
+import collections
 import os
 import pathlib
 import shutil
@@ -85,8 +86,8 @@ def test_every_side_is_at_most_1600(tmp_path, name, columns, rows):
     write(tmp_path / (name + ".ras"), np.arange(columns * rows, dtype=float).reshape(rows, columns))
     good(tmp_path, "picture", name + ".ras")
     assert max(png(tmp_path / (name + ".png")).shape) <= 1600
-    good(tmp_path, "picture", name + ".ras", "--longest", "420", "--force")
-    assert max(png(tmp_path / (name + ".png")).shape) == 420 or name == "small"
+    good(tmp_path, "picture", name + ".ras", "--longest", "480", "--force")
+    assert max(png(tmp_path / (name + ".png")).shape) == 480 or name == "small"
 
 
 def test_tables_follow_the_product(tmp_path):
@@ -133,6 +134,17 @@ def test_views_and_flags_have_tables_of_their_own(tmp_path):
         good(tmp_path, "picture", "layover_shadow.ras", "--force")
         row = png(tmp_path / "layover_shadow.png")[30]
         assert [tuple(row[170 * i + 85]) for i in range(len(colours))] == list(colours.values())
+
+
+@pytest.mark.parametrize("kind, pixel", [("X_EARTH", "<f4"), ("LAYOVER_SHADOW", "u1")])
+def test_the_narrowest_picture_shows_its_whole_legend(tmp_path, kind, pixel):
+    write(tmp_path / "small.ras", np.array([[1, 2, 4], [3, 128, 0]], dtype=float), pixel)
+    good(tmp_path, "picture", "small.ras", "--kind", kind, "--invalid", "99")
+    legend = png(tmp_path / "small.png")[2:]
+    assert legend.shape[1] == 480 and (legend[:, -9:] == 255).all()  # nothing runs out of the picture
+    if kind == "LAYOVER_SHADOW":
+        swatches = collections.Counter(map(tuple, legend.reshape(-1, 3)))
+        assert all(swatches[colour] >= 256 for colour in ((235, 235, 230), (230, 130, 40), (40, 70, 140), (140, 60, 130), (120, 190, 120)))
 
 
 def test_sidecars_open_bit_equal_and_move_along(tmp_path):
