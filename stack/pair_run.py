@@ -103,8 +103,9 @@ def _stage_a_goes_well(folder):
 
 def memory_limit_mib(folder, granted_mib):
     """For the grids: what is granted less the terrain model, which is mapped, and the program itself."""
-    dem = [line.split()[1] for line in (folder / "scene.pcf").read_text().splitlines() if line.startswith("DEM ")]
-    dem_mib = sum((folder / path).stat().st_size for path in dem) // 2 ** 20
+    words = [line.split() for line in (folder / "scene.pcf").read_text(errors="replace").splitlines()]
+    dem = [folder / line[1] for line in words if len(line) > 1 and line[0] == "DEM"]
+    dem_mib = sum(path.stat().st_size for path in dem if path.is_file()) // 2 ** 20  # the program tells what is missing
     return max(granted_mib - 64 - dem_mib, granted_mib // 4, 1)
 
 

@@ -15,7 +15,10 @@ COLUMNS = ("pair", "state", "cause", "start", "end", "seconds", "peak_memory_mb"
 def pairs_of(stack):
     """Names of the pairs, in the order of pairs.csv."""
     with open(pathlib.Path(stack) / "pairs.csv", newline="", encoding="utf-8") as file:
-        return [row["pair"] for row in csv.DictReader(file)]
+        rows = csv.DictReader(file)
+        if "pair" not in (rows.fieldnames or ()):
+            raise ValueError("%s: has no column \"pair\"" % file.name)
+        return [row["pair"] for row in rows]
 
 
 def outcomes_of(stack):

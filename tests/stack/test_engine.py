@@ -132,6 +132,13 @@ def test_products_decide_and_words_are_checked(tmp_path):
     (pairs[1] / "report.json").write_text("[]")
     call(PROGRAM, "run", pairs[1], folder=tmp_path, VELMORA=os.environ["VELMORA_BINARY"])
     assert pair_run.outcome(pairs[1]).state == "done" and '"/dev/null"' in (pairs[1] / "report.json").read_text()
-    for words, says in ((["status", "none"], "none/pairs.csv"), (["retry", stack, "x__y"], "x__y"), (["run"], "FOLDER"),
+    control.write_text("DEM\n")  # no file: the program itself has to tell
+    (pairs[1] / "report.json").unlink()
+    call(PROGRAM, "run", pairs[1], "--memory", "500", folder=tmp_path, VELMORA=os.environ["VELMORA_BINARY"], status=1)
+    assert pair_run.outcome(pairs[1]).state == "failed"
+    (tmp_path / "strange").mkdir()
+    (tmp_path / "strange" / "pairs.csv").write_text("master,slave\na,b\n")
+    for words, says in ((["status", "strange"], 'strange/pairs.csv: has no column "pair"'),
+                        (["status", "none"], "none/pairs.csv"), (["retry", stack, "x__y"], "x__y"), (["run"], "FOLDER"),
                         (["run", "none"], "none"), (["status", stack, "--colour"], "--colour"), ([], "SUBCOMMAND")):
         assert says in call(PROGRAM, *words, folder=tmp_path, status=1)
