@@ -32,6 +32,13 @@ void RefuseOtherSize(const RASTER_FILE& first, const RASTER_FILE& other) {
                           std::to_string(first.Columns()) + " x " + std::to_string(first.Rows()));
 }
 
+/// No place on the ground can be found from the pixels of a line.
+void RefuseLine(const RASTER_FILE& file) {
+    if (file.Columns() > 1 && file.Rows() > 1) return;
+    throw COMPANION_ERROR(file.Path() + ": has " + std::to_string(file.Columns()) + " x " +
+                          std::to_string(file.Rows()) + " pixels: a map needs at least 2 x 2");
+}
+
 double NearTo(double longitude_deg, double centre_deg) {
     return longitude_deg - 360.0 * std::round((longitude_deg - centre_deg) / 360.0);
 }
@@ -62,6 +69,7 @@ EARTH_POSITIONS ReadEarthPositions(const EARTH_FILES& files) {
     AXIS z(files.z, pool, "z_earth_offset");
     RefuseOtherSize(x.file, y.file);
     RefuseOtherSize(x.file, z.file);
+    RefuseLine(x.file);
     EARTH_POSITIONS positions{static_cast<int>(x.file.Columns()), static_cast<int>(x.file.Rows()), {}, {}};
     for (int row = 0; row < positions.rows; ++row) {
         for (AXIS* axis : {&x, &y, &z}) axis->file.ReadRow(row, axis->row);

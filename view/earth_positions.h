@@ -22,6 +22,6 @@ struct EARTH_FILES {
     std::string pool;  ///< the InSAR pool: x_earth_offset, y_earth_offset, z_earth_offset, metres
 };
 
-/// @throws COMPANION_ERROR for files of different sizes, a missing offset, a pixel without a value or in the Earth's
-///         middle; what the reading throws
+/// @throws COMPANION_ERROR for files of different sizes, of less than 2 x 2 pixels, a missing offset, a pixel without a
+///         value or in the Earth's middle; what the reading throws
 [[nodiscard]] EARTH_POSITIONS ReadEarthPositions(const EARTH_FILES& files);

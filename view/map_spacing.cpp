@@ -7,7 +7,6 @@
 namespace {
 
 constexpr double kMostMapPixels = 4.0;  ///< per product pixel
-constexpr double kLeastSpacing_deg = 1e-9;
 
 /// Lengths are counted in degrees of latitude.
 class GROUND {
@@ -17,7 +16,7 @@ class GROUND {
 
     [[nodiscard]] double Cosine() const { return cosine_; }
 
-    /// Mean distance of neighbours; 0 when there are none.
+    /// Mean distance of neighbours.
     [[nodiscard]] double MeanStep(int columns, int rows) const {
         double sum = 0.0;
         long long count = 0;
@@ -25,7 +24,7 @@ class GROUND {
             for (int column = 0; column + columns < positions_.columns; ++column, ++count)
                 sum += Distance(Index(column, row), Index(column + columns, row + rows));
         }
-        return count == 0 ? 0.0 : sum / static_cast<double>(count);
+        return sum / static_cast<double>(count);
     }
 
     /// Of the box around all positions.
@@ -51,17 +50,11 @@ class GROUND {
     double cosine_;
 };
 
-/// One row or one column alone has one spacing only.
-double Finer(double first, double second) {
-    if (first <= 0.0 || second <= 0.0) return std::max({first, second, kLeastSpacing_deg});
-    return std::min(first, second);
-}
-
 }  // namespace
 
 MAP_SPACING MapSpacing(const EARTH_POSITIONS& positions, const PIXEL_STEPS& steps, double product_pixels) {
     const GROUND ground(positions);
-    const double finer = Finer(ground.MeanStep(1, 0) * steps.columns, ground.MeanStep(0, 1) * steps.rows);
+    const double finer = std::min(ground.MeanStep(1, 0) * steps.columns, ground.MeanStep(0, 1) * steps.rows);
     const double least = std::sqrt(ground.Area() / (kMostMapPixels * product_pixels));
     const double spacing = std::max(finer, least);
     return {spacing / ground.Cosine(), spacing};

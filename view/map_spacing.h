@@ -18,5 +18,6 @@ struct PIXEL_STEPS {
 
 /// The same length on the ground in both directions: the finer of the product's mean spacings in range and azimuth, but
 /// so that the map has at most four times the product's pixels.
+/// @param positions       at least 2 x 2
 /// @param product_pixels  columns x rows of the product
 [[nodiscard]] MAP_SPACING MapSpacing(const EARTH_POSITIONS& positions, const PIXEL_STEPS& steps, double product_pixels);

@@ -220,6 +220,14 @@ def test_geocoded_corners_lie_where_the_orbits_see_them(tmp_path, place):
             row = np.floor((np.degrees(latitude) - top) / dy).astype(int)
             assert np.abs(mapped.ReadAsArray()[row, column] - wanted).max() <= 1.0, (kind, axis)
             assert "WGS 84" in mapped.GetProjection()
+    # The finer of the mean steps between neighbours, in degrees of latitude, but at most four map pixels per pixel.
+    pool = pool_file.read(tmp_path / "insar.pool")
+    x, y, z = (raster.read(tmp_path / (axis + "_earth.ras")) + pool[axis + "_earth_offset"] for axis in "xyz")
+    longitude, latitude, _ = WGS84.geodetic(np.stack([x, y, z], axis=-1))
+    places = np.stack([np.unwrap(longitude) * np.cos(latitude[len(latitude) // 2, x.shape[1] // 2]), latitude], axis=-1)
+    finer = min(np.linalg.norm(np.diff(places, axis=axis), axis=-1).mean() for axis in (0, 1))
+    least = np.sqrt(np.ptp(places[..., 0]) * np.ptp(places[..., 1]) / (4 * x.size))
+    assert abs(np.radians(-dy) / max(finer, least) - 1) < 1e-3
 
 
 def run_with_earth_files(folder):
@@ -280,6 +288,8 @@ REFUSED = {
     "other sizes": (["geocode", "h_earth.ras", "--pool", "insar.pool", "--z", "numbers.ras"], "numbers.ras: has 2 x 2 pixels"),
     "other rows": (["geocode", "h_earth.ras", "--pool", "insar.pool", "--z", "rows.ras"], "rows.ras: has"),
     "other y": (["geocode", "h_earth.ras", "--pool", "insar.pool", "--y", "numbers.ras"], "numbers.ras: has 2 x 2 pixels"),
+    "row alone": (["geocode", "h_earth.ras", "--pool", "insar.pool", "--x=row.ras", "--y=row.ras", "--z=row.ras"], "2 x 2"),
+    "column alone": (["geocode", "h_earth.ras", "--pool", "insar.pool", "--x=col.ras", "--y=col.ras", "--z=col.ras"], "2 x 2"),
     "lines not covered": (["geocode", "long.ras", "--kind", "H_EARTH", "--pool", "insar.pool"], "long.ras: has"),
     "control byte": (["vrt", "odd\x1f.ras"], "can not stand in a sidecar"),
     "delete byte": (["vrt", "odd\x7f.ras"], "can not stand in a sidecar"),
@@ -306,6 +316,8 @@ def run_folder(tmp_path_factory):
     write(folder / "numbers.ras", np.array([[1.0, 2.0], [3.0, 4.0]]))
     height = raster.read(folder / "h_earth.ras")
     write(folder / "rows.ras", height[:-1])
+    write(folder / "row.ras", height[:1])
+    write(folder / "col.ras", height[:, :1])
     write(folder / "long.ras", np.tile(height, (2, 1)))
     for byte in "\x1f\x7f":
         write(folder / ("odd%s.ras" % byte), height)
