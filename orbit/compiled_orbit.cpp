@@ -25,8 +25,8 @@ struct TOLERANCE {
     double noise;
 };
 constexpr TOLERANCE kTolerances[3] = {{4e-10, 1e-9, 1e-8}, {1e-11, 1e-9, 1e-9}, {1e-11, 1e-8, 1e-9}};  // m, m/s, m/s^2
-constexpr double kLargest = 1e100;  ///< m, m/s, m/s^2: beyond any orbit, and far from what overflows
-constexpr int kRoundings = 4;       ///< halves of an ulp: the interpolation's last operations and the compiled ones
+constexpr double kLargest = 1e100;     ///< m, m/s, m/s^2: beyond any orbit, and far from what overflows
+constexpr double kRounding = 0x1p-51;  ///< of a value: the interpolation's last operations and the compiled ones
 
 ORBIT_PIECE::TERM ComponentsOf(const ORBIT_STATE& s) {
     return {s.position_m.x,   s.position_m.y,        s.position_m.z,        s.velocity_m_s.x,     s.velocity_m_s.y,
@@ -104,14 +104,13 @@ bool Agrees(const ORBIT_PIECE& piece, const ORBIT_OF_POOL& orbit, const ORBIT_PI
     // some 3 s.
     constexpr double kNoiseOfValues = 16.0;
     constexpr int kChecks = 23;  // prime to the number of nodes: none of them is met again
-    constexpr double kHalfUlp = 0x1p-53;
     for (int i = 0; i < kChecks; ++i) {
         const double t_s = piece.first_s + (piece.last_s - piece.first_s) * ((i + 0.5) / kChecks);
         const ORBIT_PIECE::TERM expected = ComponentsOf(orbit.State(t_s));
         const ORBIT_PIECE::TERM compiled = ComponentsOf(piece.State(t_s));
         for (int c = 0; c < ORBIT_PIECE::kComponents; ++c) {
             const double allowed =
-                kTolerances[c / 3].error + kRoundings * kHalfUlp * std::abs(expected[c]) + kNoiseOfValues * noise[c];
+                kTolerances[c / 3].error + kRounding * std::abs(expected[c]) + kNoiseOfValues * noise[c];
             if (!(std::abs(compiled[c] - expected[c]) <= allowed)) return false;
         }
     }

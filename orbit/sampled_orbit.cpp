@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <new>
 #include <typeinfo>
 
 #include "lib/baselib/errors/error_exception.h"
@@ -145,11 +144,7 @@ void SAMPLED_ORBIT::TakeOver(const STATE_VECTOR_LISTS& lists) {
     const ORBIT_SAMPLES samples = SamplesOf(lists, reference_, traits_.numbers.is_float, Interpolation());
     try {
         axes_ = std::make_shared<const AXES>(MakeAxes(samples));
-    } catch (const std::bad_alloc&) {  // no fault of the entry
-        throw;
-    } catch (const ERROR_NO_MEMORY&) {
-        throw;
-    } catch (...) {
+    } catch (const ERROR_PROCESSING&) {  // memory that is short is no fault of the entry
         Log().Message(
             LOGGING_LEVEL::ALARM,
             "%s: key \"orbit_interpolation\": value \"%s\" does not suit the %zu state vectors at key \"%s\" of %s",

@@ -63,6 +63,19 @@ INSTANTIATE_TEST_SUITE_P(Interpolations, CompiledOrbits,
                              return std::string(c.param.interpolation) + "_" + std::to_string(c.index);
                          });
 
+TEST(CompiledOrbit, LeavesOutPiecesWithoutALength) {
+    ORBIT_SAMPLING sampling{.interpolation = "spline"};
+    std::vector<std::string> times = TimeItems(sampling);
+    times[12] = Digits(std::nextafter(std::stod(times[11]), 1e9), false);  // nothing lies midway between the two
+    POOL_TEXT text = OrbitPool(sampling);
+    text.SetList("times", "FLT_15_V", times);
+    PARAMETER_POOL pool(text.Save());
+    ORBIT_OF_POOL orbit;
+    orbit.ReadFromParameterPool(pool);
+    const COMPILED_ORBIT compiled(orbit, orbit.FirstTime(), orbit.LastTime());
+    for (const ORBIT_PIECE& piece : compiled.Pieces()) EXPECT_LT(piece.first_s, piece.last_s);
+}
+
 TEST(CompiledOrbit, KeepsToTheDataOfTheOrbit) {
     const ORBIT_OF_POOL orbit = OrbitOf({"hermite_0_8", true});
     const COMPILED_ORBIT compiled(orbit, orbit.FirstTime() - 100.0, orbit.FirstTime() + 12.0);

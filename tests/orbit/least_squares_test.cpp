@@ -140,6 +140,11 @@ TEST(NumericsAllocators, AddressTheirRangesAndShareElements) {
     EXPECT_EQ(part[2][2], 41);
     NUMERICS::free_submatrix(part, 1, 2, 1, 2);
     NUMERICS::free_matrix(m, 2, 4, -1, 1);
+    double*** const t = NUMERICS::f3tensor<double>(1, 2, -1, 1, 5, 8);
+    t[2][1][8] = 7.0;
+    EXPECT_EQ(&t[2][1][8] - &t[1][-1][5], 23) << "one block of rows of columns";
+    EXPECT_EQ((&t[1][-1][5])[23], 7.0);
+    NUMERICS::free_f3tensor(t, 1, 2, -1, 1, 5, 8);
 }
 
 }  // namespace

@@ -153,8 +153,9 @@ TEST(InterpolationText, RefusesNamingPoolKeyAndText) {
                                     "\" is refused\n")));
     }
     EXPECT_THAT(RefusalOf(OrbitPool({.interpolation = "everett_3"})),
-                HasSubstr("orbit.pool: key \"orbit_interpolation\": value \"everett_3\" does not suit the 24 "
-                          "state vectors at key \"times\" of "));
+                AllOf(HasSubstr("orbit.pool: key \"orbit_interpolation\": value \"everett_3\" does not suit the 24 "
+                                "state vectors at key \"times\" of "),
+                      testing::EndsWith("\n[wrong argument]")));
 }
 
 TEST(PoolOrbit, RefusesListsThatDoNotFitNamingFileAndKey) {
@@ -267,6 +268,31 @@ TEST(GeneralOrbit, TellsTheKindOfAReferenceTimeByItsForm) {
 TEST(OrbitFactory, RefusesPairsWithoutAnOrbit) {
     EXPECT_THAT(LoggedBy([] { EXPECT_THROW(ORBIT_OF_POOL("orbit_mdb_double_utc", "hermite_0_8"), ERROR_ARGUMENT); }),
                 HasSubstr("ALARM : global : ORBIT: can not determine type of core object\n"));
+}
+
+TEST(OrbitBase, RefusesWhatAnOrbitHasNotTakenOver) {
+    struct : ORBIT_BASE {
+        using ORBIT_BASE::operator=;
+    } bare;
+    PARAMETER_POOL pool;
+    const std::pair<const char*, std::function<void()>> operations[] = {
+        {"Clone()", [&] { (void)bare.Clone(); }},
+        {"State(double)", [&] { (void)bare.State(0.0); }},
+        {"FirstTime()", [&] { (void)bare.FirstTime(); }},
+        {"LastTime()", [&] { (void)bare.LastTime(); }},
+        {"StateVectorCount()", [&] { (void)bare.StateVectorCount(); }},
+        {"PieceBounds()", [&] { (void)bare.PieceBounds(); }},
+        {"SetReferenceTime(const ANY_TIME&)", [&] { bare.SetReferenceTime(0.0); }},
+        {"ReferenceTime()", [&] { (void)bare.ReferenceTime(); }},
+        {"CountFromNearbySecond()", [&] { bare.CountFromNearbySecond(); }},
+        {"Zero()", [&] { (void)bare.Zero(); }},
+        {"ReadFromParameterPool(PARAMETER_POOL&)", [&] { bare.ReadFromParameterPool(pool); }},
+        {"SavePolynomial(const std::string&)", [&] { bare.SavePolynomial("nowhere"); }},
+    };
+    for (const auto& [name, operation] : operations) {
+        EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(operation(), ERROR_NOT_IMPLEMENTED) << name; }),
+                    HasSubstr("ALARM : global : ORBIT_BASE: " + std::string(name) + "\n"));
+    }
 }
 
 TEST(GeneralOrbit, IsAssignedFromItsOwnTypeOnly) {

@@ -1,5 +1,6 @@
 #include "lib/baselib/mdb/mdb.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -148,8 +149,7 @@ void MDB::Write(const MDB_RECORD& record) {
 /// The file must be empty or end with a whole record, whose key is not greater.
 void MDB::CheckCanFollowLast(const MDB_RECORD& record) {
     if (file_.Size() == 0) return;
-    const long long last = LastRecordStart();
-    const MDB_RECORD before = RecordAt(last < 0 ? 0 : last);
+    const MDB_RECORD before = RecordAt(std::max(LastRecordStart(), 0LL));
     if (file_.Position() < file_.Size()) RefuseRecord(file_.Position(), "unexpected lines behind the last record");
     if (std::is_gt(CompareValues(before.KeyItem(), record.KeyItem())))
         throw "MDB::Write(): key lies before the last record";

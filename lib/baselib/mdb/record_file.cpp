@@ -22,7 +22,6 @@ FILE_STATE FileStateOf(const std::string& path) {
 }
 
 bool RECORD_FILE::Open(const std::string& path, bool create_and_write) {
-    Close();
     // O_NONBLOCK: a pipe by that name must not hold the program.
     const int flags = (create_and_write ? O_RDWR | O_CREAT : O_RDONLY) | O_NONBLOCK | O_CLOEXEC;
     descriptor_ = UnlessInterrupted([&] { return open(path.c_str(), flags, 0666); });

@@ -30,6 +30,7 @@ class RECORD_FILE {
     RECORD_FILE& operator=(const RECORD_FILE&) = delete;
     ~RECORD_FILE() { Close(); }
 
+    /// To be called while no file is open.
     /// @param create_and_write  also makes the file when it is missing and allows Append
     /// @return false, with errno, when it can not be opened or is no regular file
     [[nodiscard]] bool Open(const std::string& path, bool create_and_write);
