@@ -222,6 +222,11 @@ def line_of(text, start):
     return text[text.rfind("\n", 0, start) + 1:(text + "\n").find("\n", start)].strip()
 
 
+def change_of(text, fault):
+    after = line_of(text[:fault.start] + fault.new + text[fault.end:], fault.start)
+    return "%s: %s  ->  %s" % (fault.path, line_of(text, fault.start), after)
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("folders", nargs="*")
@@ -231,6 +236,7 @@ def main():
     parser.add_argument("--place", type=pathlib.Path, default=REPOSITORY / "build" / "planted_faults", help="for another run beside")
     parser.add_argument("--unit", action="store_true", help="unit tests only: a header takes minutes to reach the program")
     parser.add_argument("--list", action="store_true", help="only tell the faults")
+    parser.add_argument("--again", type=pathlib.Path, help="only the faults that this earlier output tells")
     options = parser.parse_args()
 
     texts = {}
@@ -250,15 +256,15 @@ def main():
             if workshop.verdict(folder) != "":
                 sys.exit("%s: the tree without faults fails" % folder)
         count = collections.Counter()
+        if options.again:
+            told = set(re.findall(r" line \d+: (.*)", options.again.read_text()))
+            faults = [fault for fault in faults if change_of(texts[fault.path], fault) in told]
         drawn = draw(faults, options.seed + folder)
         chosen = sorted(itertools.islice(drawn, options.count))  # file by file: a build compiles one
         for fault in itertools.chain(chosen, drawn):
             if sum(count.values()) == options.count:
                 break
-            text = texts[fault.path]
-            before = line_of(text, fault.start)
-            after = line_of(text[:fault.start] + fault.new + text[fault.end:], fault.start)
-            change = "%s: %s  ->  %s" % (fault.path, before, after)
+            change = change_of(texts[fault.path], fault)
             tell = "%s line %d: %s" % (fault.kind, fault.line, change)
             if options.list:
                 count["listed"] += 1
