@@ -46,6 +46,32 @@ VELMORA_INLINE EIGHT_DOUBLES operator+(const EIGHT_DOUBLES& a, const EIGHT_DOUBL
     return r;
 }
 
+VELMORA_INLINE EIGHT_DOUBLES Load(const double* from) {
+    EIGHT_DOUBLES r;
+    std::memcpy(&r, from, sizeof r);
+    return r;
+}
+
+VELMORA_INLINE EIGHT_FLOATS Load(const float* from) {
+    EIGHT_FLOATS r;
+    std::memcpy(&r, from, sizeof r);
+    return r;
+}
+
+/// Lane by lane a, where it is less than b, else b.
+VELMORA_INLINE EIGHT_FLOATS Smaller(const EIGHT_FLOATS& a, const EIGHT_FLOATS& b) {
+    EIGHT_FLOATS r;
+    VELMORA_EACH_VECTOR r.part[i] = a.part[i] < b.part[i] ? a.part[i] : b.part[i];
+    return r;
+}
+
+/// Lane by lane a, where it is more than b, else b.
+VELMORA_INLINE EIGHT_FLOATS Larger(const EIGHT_FLOATS& a, const EIGHT_FLOATS& b) {
+    EIGHT_FLOATS r;
+    VELMORA_EACH_VECTOR r.part[i] = a.part[i] > b.part[i] ? a.part[i] : b.part[i];
+    return r;
+}
+
 VELMORA_INLINE EIGHT_DOUBLES operator+(const EIGHT_DOUBLES& a, double b) {
     EIGHT_DOUBLES r;
     VELMORA_EACH_VECTOR r.part[i] = a.part[i] + b;
@@ -73,9 +99,7 @@ VELMORA_INLINE EIGHT_DOUBLES Magnitude(const EIGHT_DOUBLES& a) {
 constexpr double kLaneNumbers[kLanes] = {0, 1, 2, 3, 4, 5, 6, 7};
 
 VELMORA_INLINE EIGHT_DOUBLES LaneNumbers() {
-    EIGHT_DOUBLES r;
-    std::memcpy(&r, kLaneNumbers, sizeof r);
-    return r;
+    return Load(kLaneNumbers);
 }
 
 #if defined(__AVX512F__)
