@@ -148,12 +148,17 @@ VELMORA_INLINE void LoadCorners(const CORNER_ROWS& corners, int i, CELL& cell) {
 struct CELL_PLANES {
     TRIANGLE_PLANES triangles[2];
     PLANE values[kMaxLayers][2];
+    float normals[2][3];
 };
 
 VELMORA_INLINE void SetUpPlanes(const FILLING& filling, const CORNER_ROWS& corners, int i, const CELL& cell,
                                 CELL_PLANES& planes) {
     for (int t = 0; t < 2; ++t) planes.triangles[t] = PlanesOf(cell, kCorners[t]);
-    for (int k = 0; k < filling.layer_count; ++k) {
+    for (int k = filling.plane_count; k < filling.layer_count; ++k) {
+        const int axis = k - filling.plane_count;
+        for (int t = 0; t < 2; ++t) planes.normals[t][axis] = static_cast<float>(corners.normals[t][axis][i]);
+    }
+    for (int k = 0; k < filling.plane_count; ++k) {
         const int quantity = static_cast<int>(filling.layers[k].quantity);
         if (quantity >= kQuantities) {
             for (int t = 0; t < 2; ++t) planes.values[k][t] = {corners.normals[t][quantity - kQuantities][i], 0.0, 0.0};
@@ -176,7 +181,7 @@ VELMORA_INLINE void SetUpStrip(const FILLING& filling, const CELL& cell, const C
     for (int t = 0; t < 2; ++t) {
         strip.u[t] = InLanes(planes.triangles[t].u, dx);
         strip.v[t] = InLanes(planes.triangles[t].v, dx);
-        for (int k = 0; k < filling.layer_count; ++k) strip.values[k][t] = InLanes(planes.values[k][t], dx);
+        for (int k = 0; k < filling.plane_count; ++k) strip.values[k][t] = InLanes(planes.values[k][t], dx);
     }
 }
 
@@ -207,13 +212,28 @@ VELMORA_INLINE void StoreDense(const PIXEL_LAYER& layer, int row, int column, un
     }
 }
 
+/// Stores the normals of the triangles in those lanes that have their place in the sparse layers.
+/// @param in_first  lanes of the first triangle
+VELMORA_INLINE void StoreNormals(const FILLING& filling, const CELL_PLANES& planes, int row, int column,
+                                 unsigned in_first, unsigned lanes) {
+    const PIXEL_LAYER* const layers = filling.layers + filling.plane_count;
+    const int grid_row = layers[0].row_of[row - filling.first_row];
+    if (grid_row < 0) return;
+    for (unsigned left = lanes & layers[0].next_eight[column]; left != 0; left &= left - 1) {
+        const int lane = __builtin_ctz(left);
+        const float(&normal)[3] = planes.normals[(in_first >> lane & 1U) != 0 ? 0 : 1];
+        const int grid_column = layers[0].column_of[column + lane];
+        for (int axis = 0; axis < 3; ++axis) layers[axis].singles[grid_row][grid_column] = normal[axis];
+    }
+}
+
 /// The values of all layers in the lanes of one row that the cell takes.
 /// @param written  of the taken lanes those that the thread may write now; the others are kept
-VELMORA_INLINE void StoreRow(const FILLING& filling, const STRIP& strip, int row, double dy,
+VELMORA_INLINE void StoreRow(const FILLING& filling, const CELL_PLANES& planes, const STRIP& strip, int row, double dy,
                              const EIGHT_TRUTHS (&in)[2], unsigned taken, unsigned written) {
     float values[kMaxLayers][kLanes];
     const bool sparse_too = filling.sparse_row[row - filling.first_row] != 0;
-    const int count = sparse_too ? filling.layer_count : filling.dense_count;
+    const int count = sparse_too ? filling.plane_count : filling.dense_count;
     for (int k = 0; k < count; ++k) {
         const PIXEL_LAYER& layer = filling.layers[k];
         const EIGHT_FLOATS value =
@@ -224,7 +244,16 @@ VELMORA_INLINE void StoreRow(const FILLING& filling, const STRIP& strip, int row
         Store(values[k], value);
         if (k >= filling.dense_count) StorePlaces(layer, row - filling.first_row, strip.column, written, values[k]);
     }
-    if (written != taken) KeepPixels(*filling.contested, row, strip.column, taken & ~written, values, count);
+    const bool normals_too = sparse_too && filling.plane_count < filling.layer_count;
+    const unsigned in_first = BitsOf(in[0]);
+    if (normals_too) StoreNormals(filling, planes, row, strip.column, in_first, written);
+    if (written == taken) return;
+    for (int k = filling.plane_count; normals_too && k < filling.layer_count; ++k) {
+        for (int lane = 0; lane < kLanes; ++lane)
+            values[k][lane] = planes.normals[(in_first >> lane & 1U) != 0 ? 0 : 1][k - filling.plane_count];
+    }
+    KeepPixels(*filling.contested, row, strip.column, taken & ~written, values,
+               sparse_too ? filling.layer_count : count);
 }
 
 /// @return how many pixels were asked of triangles that are only lines
@@ -246,7 +275,7 @@ VELMORA_INLINE long long FillStrip(const FILLING& filling, const CELL& cell, con
         filling.claimed->Claim(row, strip.column, taken);
         const unsigned written =
             owns_all ? taken : filling.ownership->OwnedLanes(filling.block, row, strip.column, taken);
-        StoreRow(filling, strip, row, dy, in, taken, written);
+        StoreRow(filling, planes, strip, row, dy, in, taken, written);
     }
     return asked_of_lines;
 }

@@ -20,6 +20,8 @@ struct CORNER_ROWS {
 struct FILLING {
     const PIXEL_LAYER* layers;  ///< the dense ones first
     int dense_count;
+    int plane_count;  ///< layers before those of the normals, which are the same all over a triangle, if these are
+                      ///< sparse
     int layer_count;
     const unsigned char* sparse_row;  ///< 1: some sparse layer takes pixels of this row; element 0 is first_row
     int first_row;                    ///< pixels to be filled: these rows

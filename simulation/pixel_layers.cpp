@@ -82,6 +82,13 @@ void PIXEL_LAYERS::Add(QUANTITY quantity, const GRID_PLACES& places, const GRID_
     }
 }
 
+int PIXEL_LAYERS::PlaneCount() const {
+    const auto is_normal = [](const PIXEL_LAYER& layer) {
+        return layer.row_of != nullptr && static_cast<int>(layer.quantity) >= kQuantities;
+    };
+    return static_cast<int>(std::find_if(layers_.begin(), layers_.end(), is_normal) - layers_.begin());
+}
+
 void PIXEL_LAYERS::Store(int row, int column, const PIXEL_VALUES& values) const {
     const bool sparse_too = sparse_rows_[row - first_row_] != 0;
     for (std::size_t k = 0; k < layers_.size(); ++k) {

@@ -51,6 +51,8 @@ class PIXEL_LAYERS {
     /// The dense ones, with a place for every pixel, first.
     [[nodiscard]] const std::vector<PIXEL_LAYER>& All() const { return layers_; }
     [[nodiscard]] int DenseCount() const { return dense_count_; }
+    /// Those before the sparse ones of normals, which come last.
+    [[nodiscard]] int PlaneCount() const;
     /// 1: some sparse layer takes pixels of this image row; element 0 is the first row to be simulated.
     [[nodiscard]] const std::vector<unsigned char>& SparseRows() const { return sparse_rows_; }
 

@@ -16,6 +16,7 @@ FILLING FillingOf(PREPARED_SCENE& prepared, int block, CLAIMED_PIXELS& claimed) 
     FILLING filling{};
     filling.layers = layers.All().data();
     filling.dense_count = layers.DenseCount();
+    filling.plane_count = layers.PlaneCount();
     filling.layer_count = static_cast<int>(layers.All().size());
     filling.sparse_row = layers.SparseRows().data();
     filling.first_row = mask.first_row;
