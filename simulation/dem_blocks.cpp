@@ -1,6 +1,6 @@
 #include "simulation/dem_blocks.h"
 
-#include <cmath>
+#include <algorithm>
 
 namespace {
 
@@ -34,21 +34,24 @@ BLOCK_HEIGHTS HeightsOf(const DEM_GRID& dem, const DEM_RANGE& block) {
     return found;
 }
 
+/// Steps of 16-bit samples are whole numbers, which the compiler takes several at a time.
 BLOCK_STEPS StepsOf(const DEM_GRID& dem, const DEM_RANGE& block) {
-    float along_rows_m = 0.0F;
-    float along_columns_m = 0.0F;
-    const auto step = [](float a, float b) { return std::abs(a - b); };
-    const auto larger = [](float a, float b) { return a > b ? a : b; };
+    BLOCK_STEPS found{};
     WithSamples(dem, [&](const auto& heights) {
+        decltype(HeightOf(heights[0][0]) - HeightOf(heights[0][0])) along_rows_m{};
+        decltype(along_rows_m) along_columns_m{};
+        const auto take = [](auto step_m, auto& largest_m) {
+            step_m = step_m < 0 ? -step_m : step_m;
+            largest_m = step_m > largest_m ? step_m : largest_m;
+        };
         const int count = block.last_column - block.first_column;
         for (int row = block.first_row; row <= block.last_row; ++row) {
             const auto* const samples = heights[row] + block.first_column;
             const auto* const below = heights[std::min(row + 1, block.last_row)] + block.first_column;
-            for (int i = 0; i < count; ++i)
-                along_rows_m = larger(along_rows_m, step(HeightOf(samples[i + 1]), HeightOf(samples[i])));
-            for (int i = 0; i <= count; ++i)
-                along_columns_m = larger(along_columns_m, step(HeightOf(below[i]), HeightOf(samples[i])));
+            for (int i = 0; i < count; ++i) take(HeightOf(samples[i + 1]) - HeightOf(samples[i]), along_rows_m);
+            for (int i = 0; i <= count; ++i) take(HeightOf(below[i]) - HeightOf(samples[i]), along_columns_m);
         }
+        found = {static_cast<double>(along_rows_m), static_cast<double>(along_columns_m)};
     });
-    return {along_rows_m, along_columns_m};
+    return found;
 }
