@@ -19,25 +19,29 @@ INLINE double Root(double a) {
 INLINE double One(bool truth) {
     return static_cast<double>(static_cast<int>(truth));
 }
-/// Tangent of half the angle between unit vectors, squared, or its inverse if that is less than 1: a fraction, which
-/// has no bad place.
-struct HALF_ANGLE {
+/// The angle between two directions of any length as a fraction, which has no bad place: the tangent of it, or of what
+/// is left to the next right angle.
+struct ANGLE {
     double less;
     double more;
-    bool is_wide;  ///< above 90 degrees
+    bool is_steep;  ///< nearer to 90 degrees than to 0 or 180
+    bool is_wide;   ///< above 90 degrees
 };
 
-INLINE HALF_ANGLE HalfAngle(const POINT_M& a, const POINT_M& b) {
-    const double apart = DotProduct(a - b, a - b);
-    const double together = DotProduct(a + b, a + b) + 1e-300;
-    const bool is_wide = apart > together;
-    return {is_wide ? together : apart, is_wide ? apart : together, is_wide};
+INLINE ANGLE AngleBetween(const POINT_M& a, const POINT_M& b) {
+    const POINT_M across = CrossProduct(a, b);
+    const double sine = Root(DotProduct(across, across) + 1e-60);
+    const double cosine = DotProduct(a, b);
+    const double along = __builtin_fabs(cosine);
+    const bool is_steep = sine > along;
+    return {is_steep ? along : sine, is_steep ? sine : along, is_steep, cosine < 0.0};
 }
 
 /// The angle in degrees, 0 .. 180.
-/// @param t2  less / more
+/// @param t  less / more
 /// Source: Abramowitz and Stegun (1964), 4.4.49: the arc tangent of 0 .. 1 to 2e-8.
-INLINE double Degrees(bool is_wide, double t2) {
+INLINE double Degrees(const ANGLE& angle, double t) {
+    const double t2 = t * t;
     double sum = 0.0028662257;
     sum = sum * t2 - 0.0161657367;
     sum = sum * t2 + 0.0429096138;
@@ -47,9 +51,11 @@ INLINE double Degrees(bool is_wide, double t2) {
     sum = sum * t2 + 0.1999355085;
     sum = sum * t2 - 0.3333314528;
     sum = sum * t2 + 1.0;
-    const double angle = 2.0 * kDegreesPerRadian * (Root(t2) * sum);
-    const double wide = One(is_wide);
-    return wide * 180.0 + (1.0 - 2.0 * wide) * angle;
+    const double small = kDegreesPerRadian * (t * sum);
+    const double steep = One(angle.is_steep);
+    const double acute = steep * 90.0 + (1.0 - 2.0 * steep) * small;
+    const double wide = One(angle.is_wide);
+    return wide * 180.0 + (1.0 - 2.0 * wide) * acute;
 }
 
 /// (a + h) / (b + h) for semi-axes a, b that differ little, with no division: to 1e-11.
@@ -59,11 +65,11 @@ INLINE double AxesRatio(double flattening, double part) {
     return 1.0 + flattening * (1.0 - part * (1.0 - part * (1.0 - part)));
 }
 
-/// Newton's method on the ellipsoid whose semi-axes are longer by the height, from a sphere's solution. Divisions and
-/// roots are nearly all of the time: the last step takes the slope of the one before, and lengths that differ from 1 by
-/// a square are brought there without a root.
+/// Newton's method on the ellipsoid whose semi-axes are longer by the height, from a sphere's solution, which is wrong
+/// by some 1e-4 rad. Divisions and roots are nearly all of the time: the second step takes the slope of the first, and
+/// lengths that differ from 1 by a square are brought there without a root.
 INLINE void FindGround(const GROUND_FRAME& frame, double first_column, GROUND_BLOCK& block) {
-    constexpr int kSteps = 3;  // the sphere is wrong by some 1e-3 rad, and each step squares that
+    constexpr int kSteps = 2;
     const POINT_M satellite = frame.own_satellite_m;
     const POINT_M down = frame.own_down;
     const POINT_M out = frame.own_out;
@@ -74,28 +80,26 @@ INLINE void FindGround(const GROUND_FRAME& frame, double first_column, GROUND_BL
     const double flattening = frame.a_m / frame.b_m - 1.0;
     const double first_range_m = frame.first_range_m + first_column * frame.range_step_m;
     const double range_step_m = frame.range_step_m;
-    const double radius_m = frame.radius_m;
-    const double* const heights_m = block.height_m;
+    const double radius_m = block.radius_m;
+    const float* const heights_m = block.height_m;
     double* const downs = block.down;
     double* const outs = block.out;
     for (int i = 0; i < kSize; ++i) {
         const double range_m = first_range_m + i * range_step_m;
-        const double axis_m = a_m + heights_m[i];
-        const double ratio = AxesRatio(flattening, heights_m[i] * per_b);
+        const double height_m = heights_m[i];
+        const double axis_m = a_m + height_m;
+        const double ratio = AxesRatio(flattening, height_m * per_b);
         const double polar = ratio * ratio;
-        const double r = radius_m + heights_m[i];
+        const double r = radius_m + height_m;
         double c = (height2 + range_m * range_m - r * r) * half_below / range_m;
         double s = Root(__builtin_fabs(1.0 - c * c));
         double per_slope = 0.0;
-#pragma GCC unroll 3
+#pragma GCC unroll 2
         for (int step = 0; step < kSteps; ++step) {
             const POINT_M p = satellite + range_m * (c * down + s * out);
             const POINT_M normal = {p.x, p.y, polar * p.z};
             const double value = DotProduct(normal, p) - axis_m * axis_m;
-            if (step + 1 < kSteps) {
-                const POINT_M across = c * out - s * down;
-                per_slope = 1.0 / (2.0 * range_m * DotProduct(normal, across) + 1e-9);
-            }
+            if (step == 0) per_slope = 1.0 / (2.0 * range_m * DotProduct(normal, c * out - s * down) + 1e-9);
             const double turn = value * per_slope;
             const double turned = c + turn * s;  // the angle falls by the turn
             s = s - turn * c;
@@ -107,6 +111,11 @@ INLINE void FindGround(const GROUND_FRAME& frame, double first_column, GROUND_BL
         downs[i] = c;
         outs[i] = s;
     }
+}
+
+/// 1 / root(1 + e) for a small e, by its series: to 1e-10 for what the Earth's flattening and heights make of it.
+INLINE double PerRoot(double e) {
+    return 1.0 - e * (0.5 - e * (0.375 - e * (0.3125 - e * (0.2734375 - e * 0.24609375))));
 }
 
 /// Where the slave is when it sees the point at zero Doppler: two steps of Newton's method along its parabola, both
@@ -129,8 +138,9 @@ INLINE void LookBack(const GROUND_FRAME& frame, double first_column, GROUND_BLOC
     const POINT_M slave_velocity = frame.slave_m_s;
     const POINT_M slave_acceleration = frame.slave_m_s2;
     const double flattening = frame.normal_a_m / frame.normal_b_m - 1.0;
+    const double per_a = 1.0 / frame.normal_a_m;
     const double per_b = 1.0 / frame.normal_b_m;
-    const double* const heights_m = block.height_m;
+    const float* const heights_m = block.height_m;
     const double ambiguity_m = frame.ambiguity_m;
     const double first_range_m = frame.first_range_m + first_column * frame.range_step_m;
     const double range_step_m = frame.range_step_m;
@@ -138,7 +148,7 @@ INLINE void LookBack(const GROUND_FRAME& frame, double first_column, GROUND_BLOC
     const double* const outs = block.out;
     float* __restrict const incidence = block.views[static_cast<int>(VIEW::INCIDENCE_DEG)];
     float* __restrict const local = block.views[static_cast<int>(VIEW::LOCAL_INCIDENCE_DEG)];
-    const double(&normals)[3][kSize] = block.normal;
+    const float(&normals)[3][kSize] = block.normal;
     float* __restrict const baseline = block.views[static_cast<int>(VIEW::PERPENDICULAR_BASELINE_M)];
     float* __restrict const ambiguity = block.views[static_cast<int>(VIEW::HEIGHT_OF_AMBIGUITY_M)];
     float* __restrict const east = block.views[static_cast<int>(VIEW::LINE_OF_SIGHT_EAST)];
@@ -149,23 +159,21 @@ INLINE void LookBack(const GROUND_FRAME& frame, double first_column, GROUND_BLOC
         const POINT_M away = downs[i] * down + outs[i] * out;
         const POINT_M point = satellite + range_m * away;
         const POINT_M sight = -1.0 * away;
-        const double ratio = AxesRatio(flattening, heights_m[i] * per_b);
+        const double ratio = AxesRatio(flattening, static_cast<double>(heights_m[i]) * per_b);
         const POINT_M upward_normal = {point.x, point.y, ratio * ratio * point.z};
-        const POINT_M normal = {normals[0][i], normals[1][i], normals[2][i]};
-        const double length = Root(DotProduct(upward_normal, upward_normal));
+        const POINT_M normal = {static_cast<double>(normals[0][i]), static_cast<double>(normals[1][i]),
+                                static_cast<double>(normals[2][i])};
         const double from_axis = Root(point.x * point.x + point.y * point.y + 1e-6);
-        const double normal_length = Root(DotProduct(normal, normal) + 1e-30);
-        const double per_all = 1.0 / (length * from_axis * normal_length);  // one division for three
-        const POINT_M up = (per_all * from_axis * normal_length) * upward_normal;
-        const double to_axis = per_all * length * normal_length;
-        const POINT_M local_up = (per_all * length * from_axis) * normal;
+        const ANGLE to_up = AngleBetween(upward_normal, sight);
+        const ANGLE to_local_up = AngleBetween(normal, sight);
+        const double per_all = 1.0 / (from_axis * to_up.more * to_local_up.more);  // one division for three
+        incidence[i] = static_cast<float>(Degrees(to_up, to_up.less * (per_all * from_axis * to_local_up.more)));
+        local[i] = static_cast<float>(Degrees(to_local_up, to_local_up.less * (per_all * from_axis * to_up.more)));
+        const double per_length = per_a * PerRoot(DotProduct(upward_normal, upward_normal) * (per_a * per_a) - 1.0);
+        const POINT_M up = per_length * upward_normal;
+        const double to_axis = per_all * to_up.more * to_local_up.more;
         const POINT_M eastward = {-to_axis * point.y, to_axis * point.x, 0.0};
         const POINT_M northward = {-up.z * eastward.y, up.z * eastward.x, up.x * eastward.y - up.y * eastward.x};
-        const HALF_ANGLE to_up = HalfAngle(up, sight);
-        const HALF_ANGLE to_local_up = HalfAngle(local_up, sight);
-        const double per_both = 1.0 / (to_up.more * to_local_up.more);
-        incidence[i] = static_cast<float>(Degrees(to_up.is_wide, to_up.less * (per_both * to_local_up.more)));
-        local[i] = static_cast<float>(Degrees(to_local_up.is_wide, to_local_up.less * (per_both * to_up.more)));
         east[i] = static_cast<float>(DotProduct(sight, eastward));
         north[i] = static_cast<float>(DotProduct(sight, northward));
         upward[i] = static_cast<float>(DotProduct(sight, up));

@@ -27,7 +27,6 @@ inline constexpr int kViews = 7;
 struct GROUND_FRAME {
     double a_m;  ///< semi-axes of the DEM's ellipsoid
     double b_m;
-    double radius_m;  ///< of this ellipsoid about where the line is
     VECTOR_3D<double> own_satellite_m;
     VECTOR_3D<double> own_down;  ///< per metre of range
     VECTOR_3D<double> own_out;
@@ -47,9 +46,10 @@ struct GROUND_FRAME {
 /// Pixels in step. Their arrays stay in the first cache.
 struct GROUND_BLOCK {
     static constexpr int kSize = 64;
-    double height_m[kSize];   ///< above the DEM's ellipsoid; to be filled, also behind the last pixel
-    double normal[3][kSize];  ///< of the terrain's triangle, outwards, of any length; to be filled, too
-    double down[kSize];       ///< the way from the satellite to the ground, per metre of range
+    float height_m[kSize];   ///< above the DEM's ellipsoid; to be filled, also behind the last pixel
+    double radius_m;         ///< of the DEM's ellipsoid about where the pixels are, to 100 m; to be filled
+    float normal[3][kSize];  ///< of the terrain's triangle, outwards, of any length; to be filled, too
+    double down[kSize];      ///< the way from the satellite to the ground, per metre of range
     double out[kSize];
     float views[kViews][kSize];
 };

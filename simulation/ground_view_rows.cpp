@@ -13,7 +13,7 @@ namespace {
 using POINT_M = VECTOR_3D<double>;
 
 /// The last one stands for those that are missing.
-void Fill(const float* from, int size, double (&to)[GROUND_BLOCK::kSize]) {
+void Fill(const float* from, int size, float (&to)[GROUND_BLOCK::kSize]) {
     std::copy_n(from, size, to);
     std::fill(to + size, to + GROUND_BLOCK::kSize, to[size - 1]);
 }
@@ -38,6 +38,23 @@ POINT_M OnSphere(const GROUND_FRAME& frame, double range_m, double radius_m) {
         (DotProduct(satellite, satellite) + range_m * range_m - radius_m * radius_m) / (2.0 * range_m * below_m);
     const double c = std::clamp(cosine, -1.0, 1.0);
     return satellite + range_m * (c * frame.own_down + std::sqrt(1.0 - c * c) * frame.own_out);
+}
+
+/// Radius of the ellipsoid where a range meets the ground.
+double RadiusAt(const GROUND_FRAME& frame, double range_m, double height_m) {
+    double radius_m = frame.a_m;
+    for (int i = 0; i < 3; ++i)
+        radius_m = RadiusBelow(OnSphere(frame, range_m, radius_m + height_m), frame.a_m, frame.b_m);
+    return radius_m;
+}
+
+/// About that below the last pixel of a block, for the next one: a few metres do not matter.
+double RadiusBehind(const GROUND_FRAME& frame, int first_column, const GROUND_BLOCK& block) {
+    constexpr int kLast = GROUND_BLOCK::kSize - 1;
+    const double range_m = frame.first_range_m + (first_column + kLast) * frame.range_step_m;
+    const POINT_M point_m =
+        frame.own_satellite_m + range_m * (block.down[kLast] * frame.own_down + block.out[kLast] * frame.own_out);
+    return std::clamp(Length(point_m) - block.height_m[kLast], 0.999 * frame.b_m, 1.001 * frame.a_m);
 }
 
 double PolarAxis(const GEODETIC_PARAMETERS& geodetic) {
@@ -69,6 +86,7 @@ void GROUND_VIEW_ROWS::View(int grid_row, int columns, const ROW& row) const {
     const GROUND_FRAME frame = FrameOf(grid_row, columns);
     const float* const heights_m = scene_.earth.radar_dem[grid_row];
     GROUND_BLOCK block{};
+    block.radius_m = RadiusAt(frame, frame.first_range_m, heights_m[0]);
     for (int first = 0; first < columns; first += GROUND_BLOCK::kSize) {
         const int size = std::min(GROUND_BLOCK::kSize, columns - first);
         Fill(heights_m + first, size, block.height_m);
@@ -77,6 +95,7 @@ void GROUND_VIEW_ROWS::View(int grid_row, int columns, const ROW& row) const {
             if (grid) Fill(grid[grid_row] + first, size, block.normal[axis]);
         }
         view_ground_(frame, first, block);
+        block.radius_m = RadiusBehind(frame, first, block);
         EndAtInfinity(block.views[static_cast<int>(VIEW::HEIGHT_OF_AMBIGUITY_M)]);
         for (int view = 0; view < kViews; ++view) {
             if (row[view] != nullptr) std::copy_n(block.views[view], size, row[view] + first);
@@ -109,14 +128,10 @@ GROUND_FRAME GROUND_VIEW_ROWS::FrameOf(int grid_row, int columns) const {
     const double wavelength_m = kSpeedOfLight / scene_.slave.carrier_frequency_hz;
     frame.ambiguity_m = scene_.bistatic ? wavelength_m : 0.5 * wavelength_m;
 
-    // The middle of the line tells the radius, and about when the slave passes: a few metres do not matter.
+    // The middle of the line tells about when the slave passes: a few metres do not matter.
     const double range_m = frame.first_range_m + 0.5 * columns * frame.range_step_m;
     const double height_m = scene_.earth.radar_dem[grid_row][columns / 2];
-    frame.radius_m = frame.a_m;
-    for (int i = 0; i < 3; ++i) {
-        const POINT_M point_m = OnSphere(frame, range_m, frame.radius_m + height_m);
-        frame.radius_m = RadiusBelow(point_m, frame.a_m, frame.b_m);
-    }
-    PlaceSlave(scene_.slave, DatumForward(geodetic.datum, OnSphere(frame, range_m, frame.radius_m + height_m)), frame);
+    const double radius_m = RadiusAt(frame, range_m, height_m);
+    PlaceSlave(scene_.slave, DatumForward(geodetic.datum, OnSphere(frame, range_m, radius_m + height_m)), frame);
     return frame;
 }
