@@ -1,6 +1,6 @@
 /// \file radar_pixel.h
-/// The pixel of an image that a zero-Doppler time and a range belong to. Pixels count from 0, centres are whole numbers;
-/// times and ranges outside the image give pixels outside it.
+/// The pixel of an image that a zero-Doppler time and a range belong to. Pixels count from 0, centres are whole
+/// numbers; times and ranges outside the image give pixels outside it.
 
 #pragma once
 
