@@ -16,25 +16,24 @@ constexpr int kSteps = 16;
 
 class GROWING_BOX {
   public:
+    /// The place and a margin around it, as wide in the east as in the north.
     void Add(double longitude_deg, double latitude_deg) {
+        constexpr double kRadiansPerDegree = 0.017453292519943295;
         if (empty_) box_ = {longitude_deg, latitude_deg, longitude_deg, latitude_deg};
         empty_ = false;
         const double near_deg =
             longitude_deg - std::round((longitude_deg - box_.west) / kTurn_deg) * kTurn_deg;  // the turn of the others
-        box_.west = std::min(box_.west, near_deg);
-        box_.east = std::max(box_.east, near_deg);
-        box_.south = std::min(box_.south, latitude_deg);
-        box_.north = std::max(box_.north, latitude_deg);
+        const double margin_x_deg = kMargin_deg / std::max(0.05, std::cos(latitude_deg * kRadiansPerDegree));
+        box_.west = std::min(box_.west, near_deg - margin_x_deg);
+        box_.east = std::max(box_.east, near_deg + margin_x_deg);
+        box_.south = std::min(box_.south, std::max(latitude_deg - kMargin_deg, -90.0));
+        box_.north = std::max(box_.north, std::min(latitude_deg + kMargin_deg, 90.0));
     }
 
     /// Longitudes -180..180, west above east across the 180 degree meridian.
-    [[nodiscard]] DEGREE_BOX Extended() const {
-        constexpr double kRadiansPerDegree = 0.017453292519943295;
-        const double steepest_deg = std::max(std::abs(box_.north), std::abs(box_.south));
-        const double margin_x_deg = kMargin_deg / std::max(0.05, std::cos(steepest_deg * kRadiansPerDegree));
+    [[nodiscard]] DEGREE_BOX Box() const {
         const auto normal = [](double deg) { return deg - std::floor((deg + 180.0) / kTurn_deg) * kTurn_deg; };
-        return {normal(box_.west - margin_x_deg), std::max(box_.south - kMargin_deg, -90.0),
-                normal(box_.east + margin_x_deg), std::min(box_.north + kMargin_deg, 90.0)};
+        return {normal(box_.west), box_.south, normal(box_.east), box_.north};
     }
 
   private:
@@ -61,5 +60,5 @@ DEGREE_BOX SceneBox(const std::string& master_pool, const std::string& slave_poo
             }
         }
     }
-    return box.Extended();
+    return box.Box();
 }

@@ -40,10 +40,11 @@ def test_a_part_of_the_image_starts_later_and_the_slave_keeps_its_own_times(fold
     assert "DEM ../dem.ras\n" in control and "DEM_VALID 400..600\n" in control
 
 
-@pytest.mark.parametrize("step_s, count, chosen", [
-    (10.0, 16, "polyfit_7"), (10.0, 50, "localpolynom_0_8"), (20.0, 9, "localpolynom_0_8"), (10.0, 6, "hermite_0_4"),
-    (60.0, 9, "hermite_0_4"), (90.0, 3, "hermite_0_3")])
-def test_the_interpolation_follows_the_spacing_of_the_vectors(folder, step_s, count, chosen):
+@pytest.mark.parametrize("step_s, count, chosen, reason", [
+    (10.0, 16, "polyfit_7", "a short arc"), (10.0, 50, "localpolynom_0_8", "polynomials through 8"),
+    (20.0, 9, "localpolynom_0_8", "polynomials through 8"), (10.0, 6, "hermite_0_4", "too few for 8"),
+    (60.0, 9, "hermite_0_4", "far apart, so"), (70.0, 9, "hermite_0_4", "farther apart than 60 s"), (90.0, 3, "hermite_0_3", "few, so")])
+def test_the_interpolation_follows_the_spacing_of_the_vectors(folder, step_s, count, chosen, reason):
     rows = made_files.vectors(count, step_s, start_s=70.0 - step_s * (count // 2))
     entries = (folder / "slave.pool").read_text().split("\n\n")
     vectors = {"state_vector_times": "STR_V", "state_vector_positions": "FLT_15_V", "state_vector_velocities": "FLT_15_V"}
@@ -54,7 +55,7 @@ def test_the_interpolation_follows_the_spacing_of_the_vectors(folder, step_s, co
     kept += ["%s %s 0 %d\n{\n%s\n}" % (key, tag, len(values[key]), "\n".join(values[key])) for key, tag in vectors.items()]
     (folder / "slave.pool").write_text("\n\n".join(kept).replace("polyfit_7", "polynom") + "\n")
     results = good(*PAIR, folder=folder)
-    assert "slave orbit .. %s (%d vectors every %g s" % (chosen, count, step_s) in results
+    assert "slave orbit .. %s (%d vectors every %g s: %s" % (chosen, count, step_s, reason) in results
     assert pool(folder / "run" / "slave.pool")["orbit_interpolation"] == chosen
     good(*PAIR, "--interpolation", "everett_6", "--force", folder=folder)
     assert pool(folder / "run" / "slave.pool")["orbit_interpolation"] == "everett_6"
