@@ -143,7 +143,7 @@ CASES = [
      ["master.pool: the state vectors from ", 'insar.pool: key "master_first_az_time": value 20000 ']),
     ("more than the memory has", huge_image(MEMORY_LIMIT=2000000000, SIMU_PHASE="/dev/null", RG_COREG=None, AZ_COREG=None,
                                             X_EARTH=None, Y_EARTH=None, Z_EARTH=None, H_EARTH=None),
-     ["the grids of 3000000 samples x 2500000 lines need 3", "not enough memory"]),
+     ["the grids of 3000000 samples x 2500000 lines need 3579", "not enough memory"]),
     ("more than the disk has", huge_image(),
      ['key "SIMU_PHASE": simu_phase.ras: no room for an image of 3000000 x 2500000 pixels: 30000000000032 bytes are needed']),
     ("not one line fits into the memory that may be used", lambda folder: [edit(folder) for edit in (

@@ -132,6 +132,7 @@ BAD_ANNOTATIONS = {
     "huge size": (replaced(ANNOTATION, "<numberOfLines>36", "<numberOfLines>99999999999999999999"), "numberOfLines"),
     "bursts that do not fill the image": (replaced(ANNOTATION, "<linesPerBurst>12", "<linesPerBurst>13"), "linesPerBurst"),
     "valid samples short": (replaced(ANNOTATION, "<firstValidSample>-1 ", "<firstValidSample>"), "12 numbers"),
+    "another mission": (made_files.annotation(ROWS).replace("S1A", "S3A"), "missionId"),
     "a detected product": (made_files.annotation(ROWS, product="GRD"), "productType"),
     "inertial vectors": (replaced(ANNOTATION, "Earth Fixed", "GM2000"), "generalAnnotation/orbitList/orbit[1]/frame"),
     "entities": ('<!DOCTYPE p [<!ENTITY a SYSTEM "file:///etc/passwd">]>' + ANNOTATION, "DOCTYPE"),
