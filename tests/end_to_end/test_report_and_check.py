@@ -69,7 +69,11 @@ ENDS = {
     "product that can not be written": (lambda f: edit_control_file(f, H_EARTH="none/h.ras"), 1, "none/h.ras"),
     "STOP file": (lambda f: (f / "STOP.velmora").touch(), 2, None),
     "text that is no UTF-8": (lambda f: (f / "scene.pcf").write_bytes(
-        (f / "scene.pcf").read_bytes().replace(b"dem.ras", b"d\xff\xc3\xa9.ras")), 1, None),
+        (f / "scene.pcf").read_bytes().replace(b"dem.ras", b"d\xff\xc3\xa9.ras")), 1, "d\ufffd\xe9.ras"),
+    # An overlong form, a surrogate, a number beyond the last; the first and the last of four bytes.
+    "texts that look like UTF-8": (lambda f: (f / "scene.pcf").write_bytes((f / "scene.pcf").read_bytes().replace(
+        b"dem.ras", b"\xf0\x8f\x80\x80\xe0\x9f\x80\xed\xa0\x80\xf4\x90\x80\x80\xf0\x90\x80\x80\xf1\x80\x80\x80\xf4\x8f\xbf\xbf")), 1,
+        14 * "\ufffd" + "\U00010000\U00040000\U0010ffff"),
 }
 
 
