@@ -72,10 +72,3 @@ def test_what_is_no_height_is_a_void(fresh_scene, grid):
     assert told[1] == told[0]
 
 
-def test_a_wrong_type_or_a_short_file_is_refused(fresh_scene):
-    for type_text, says in (("flt_15", 'dem.pool: key "dem_pixel_type": value "flt_15" is not int_16 or flt_6'),
-                            ("flt_6", "dem.ras")):  # 16-bit samples under the larger type
-        _, folder = fresh_scene(type_text, **SMALL)
-        edit_pool(folder / "dem.pool", "dem_pixel_type", 'dem_pixel_type STR "%s"' % type_text)
-        run = velmora(folder)
-        assert run.status == 1 and any(says in line for line in run.lines("ALARM")), run.explanation()
