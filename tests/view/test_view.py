@@ -109,6 +109,14 @@ def test_tables_follow_the_product(tmp_path):
     assert row["h_earth"][10][1] > row["h_earth"][10][0] and (row["h_earth"][599] > 150).all()
 
 
+    # A ridge from top to bottom: at the same height its left side is lit, and by Lambert's law how much more.
+    write(tmp_path / "h_earth.ras", np.tile(300.0 - np.abs(np.arange(601) - 300), (300, 1)))
+    good(tmp_path, "picture", "h_earth.ras", "--force")
+    lit, dark = (png(tmp_path / "h_earth.png")[150, column] for column in (100, 500))
+    wanted = [0.45 + 0.55 * (1 + sign / np.sqrt(2)) / np.sqrt(2) for sign in (1, -1)]
+    assert lit.max() < 255 and np.abs(dark / lit - wanted[1] / wanted[0]).max() < 0.02
+
+
 def test_views_and_flags_have_tables_of_their_own(tmp_path):
     ramp = np.tile(np.linspace(-100.0, 50.0, 601), (300, 1))
     endless = ramp.copy()
