@@ -202,7 +202,7 @@ def test_info_counts_and_measures(tmp_path):
 
 PLACES = {
     "demo-like": dict(shift_factors=(4, 3), earth_factors=(2, 2)),
-    "date line, left looking": dict(longitude_deg=179.999, latitude_deg=-17.0, side="left", longitudes="signed",
+    "date line, left looking": dict(longitude_deg=179.999, latitude_deg=-17.0, side="left", longitudes="signed", earth_factors=(2, 6),
                                     pass_direction="ascending"),
     "far north, geocoding factors": dict(latitude_deg=78.0, earth_factors=(3, 2), geocoding_factors=(2, 2)),
 }
