@@ -60,9 +60,8 @@ std::string TIME_SCANNER::TakeRun(const char* set) {
     const size_t start = position_;
     while (position_ < text_.size() && IsOneOf(text_[position_], set)) ++position_;
     const size_t length = position_ - start;
-    if (length <= kMostTokenCharacters) return text_.substr(start, length);
-    if (set != kWhite) throw "TIME: scanner: token too long";
-    return text_.substr(start, kMostTokenCharacters);  // of blanks nobody wants more
+    if (length > kMostTokenCharacters && set != kWhite) throw "TIME: scanner: token too long";
+    return text_.substr(start, length);
 }
 
 TIME_TOKEN TIME_SCANNER::NextToken() {

@@ -31,8 +31,8 @@ enum class AVERAGE {
                                      std::optional<double> invalid);
 
 struct VALUE_RANGE {
-    double low = 0.0;
-    double high = 0.0;
+    double low;
+    double high;
 };
 
 /// Smallest and largest value, or nothing when there is none.

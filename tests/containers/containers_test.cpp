@@ -211,6 +211,8 @@ TEST(Matrix, RowsLinkIntoOneBlock) {
     const MATRIX<int>& same = matrix;
     matrix = same;
     EXPECT_EQ(matrix[2][1], 9);
+    copy = same;
+    EXPECT_EQ(copy[2][1], 9);
     for (const auto& [rows, columns] : {std::pair{-1, 2}, {2, -1}}) EXPECT_EQ(matrix.Resize(rows, columns), 3);
     for (const auto& [rows, columns] : {std::pair{3, 1}, {2, 1}, {2, 4}, {0, 4}, {2, 0}}) {
         ASSERT_EQ(matrix.Resize(rows, columns), 0);

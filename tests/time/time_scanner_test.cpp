@@ -101,6 +101,7 @@ TEST(MetScanner, ReadsAndRefuses) {
 
     const BAD kBad[] = {
         {"", "MET_SCANNER: TIME: scanner: unexpected end of string: \n"},
+        {"0001", "MET_SCANNER: TIME: scanner: unexpected end of string: 0001\n"},
         {"10000/00:00:00", "MET_SCANNER: can not represent MET value: 10000/00:00:00\n"},
         {"0001/24:00:00", "MET_SCANNER: hours are outside 0..23"},
         {"0001/00:00:60", "MET_SCANNER: seconds are outside 0..59"},

@@ -68,6 +68,9 @@ TEST(UniversalTime, DifferencesCountLeapSecondsInBothDirections) {
         EXPECT_DOUBLE_EQ(TIME_AXIS<UNIVERSAL_TIME>::SecondsSince(Utc(c.later), Utc(c.earlier)), -c.seconds);
         EXPECT_EQ(LeapSecondCount(Utc(c.earlier), Utc(c.later)), c.leap_seconds);
         EXPECT_EQ(LeapSecondCount(Utc(c.later), Utc(c.earlier)), -c.leap_seconds);
+        const auto count = [&] { (void)LeapSecondCount(Utc(c.earlier), Utc(c.later)); };
+        EXPECT_EQ(
+            CountOf("leap secs = " + std::to_string(c.leap_seconds) + "\n", LoggedBy(count, LOGGING_LEVEL::TRACE)), 1);
     }
 }
 
@@ -160,6 +163,8 @@ TEST(MissionElapsedTime, EndsWithDay9999) {
     }
     EXPECT_EQ(TextThrownBy([&] { last.Subtract(MET_UNIT::DAYS, std::numeric_limits<int>::min()); }),
               "can not represent MET value");
+    EXPECT_EQ(TextThrownBy([&] { last.Add(MET_UNIT::DAYS, 213503982); }), "can not represent MET value")
+        << "2^64 microseconds, but for some hours";
     EXPECT_EQ(Met("-0000/00:00:00"), Met("+0000/00:00:00"));
     EXPECT_LT(Met("-0001/00:00:00"), Met("-0000/23:59:59"));
     const std::tuple<const char*, const char*, double> differences[] = {
