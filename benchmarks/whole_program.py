@@ -90,8 +90,10 @@ def main(arguments):
         print("%7s %12s %14s %14s %12s %12s %12s %12s" % ("threads", "stage B [s]", "DEM points/s", "pixels/s", "whole [s]",
                                                           "CPU [s]", "system [s]", "peak [MiB]"))
         series = [(threads, keys) for keys in ([], OPTIONAL)[:1 + options.optional] for threads in options.threads.split(",")]
-        for threads, keys in series:
-            runs = [timed_run(options.binary, folder, threads, options.memory_limit, keys) for _ in range(options.repeat)]
+        # In turns: the speed of a shared machine changes from minute to minute.
+        rounds = [[timed_run(options.binary, folder, threads, options.memory_limit, keys) for threads, keys in series]
+                  for _ in range(options.repeat)]
+        for (threads, keys), runs in zip(series, zip(*rounds)):
             stage_s, whole_s, cpu_s, system_s, memory = (min(run[i] for run in runs) for i in range(5))
             points, extended = counts(runs[0][5])
             simulated = int(extended[0][1]) * int(extended[1][1]) if all(extended) else pixels

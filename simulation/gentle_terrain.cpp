@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "geometry/vector_arithmetic.h"
 #include "simulation/neighbour_solver.h"
@@ -10,8 +11,6 @@
 namespace {
 
 constexpr double kPartOfBound = 0.95;
-constexpr double kAbove_m = 1000.0;   ///< tells the vertical
-constexpr double kSteep = 1e6;        ///< a slope that is never gentle
 constexpr double kClosest_m2 = 1e-4;  ///< at a pole columns meet
 constexpr double kAnywhere = std::numeric_limits<double>::max();
 
@@ -35,26 +34,66 @@ bool IsGentleTowards(const VECTOR_3D<double>& satellite_m, const GROUND& ground,
            Keeps(DotProduct(across, ground.outwards), DotProduct(across, ground.up), slope);
 }
 
+/// A cell of the DEM at height 0, from its first corner.
+struct LEVEL_CELL {
+    VECTOR_3D<double> first_m;
+    VECTOR_3D<double> right_m;
+    VECTOR_3D<double> below_m;
+
+    /// Whether its corners lie apart: at a pole they do not.
+    [[nodiscard]] bool IsWide() const {
+        return DotProduct(right_m, right_m) > kClosest_m2 && DotProduct(below_m, below_m) > kClosest_m2 &&
+               Length(CrossProduct(right_m, below_m)) > kClosest_m2;
+    }
+
+    [[nodiscard]] VECTOR_3D<double> Up() const {
+        const VECTOR_3D<double> up = Unit(CrossProduct(right_m, below_m));
+        return DotProduct(up, first_m) < 0.0 ? -1.0 * up : up;
+    }
+
+    /// The greatest slope along a level direction that steps of this size make.
+    [[nodiscard]] double Slope(const BLOCK_STEPS& steps, const VECTOR_3D<double>& direction) const {
+        return steps.along_rows_m * std::abs(DotProduct(direction, right_m)) / DotProduct(right_m, right_m) +
+               steps.along_columns_m * std::abs(DotProduct(direction, below_m)) / DotProduct(below_m, below_m);
+    }
+};
+
+LEVEL_CELL LevelCell(const DEM_GRID& dem, int column, int row) {
+    const VECTOR_3D<double> first_m = PlaceAtHeight(dem, column, row, 0.0);
+    return {first_m, PlaceAtHeight(dem, column + 1, row, 0.0) - first_m,
+            PlaceAtHeight(dem, column, row + 1, 0.0) - first_m};
+}
+
+/// Those at the first columns of a row's blocks; for the last row of all the cells above it.
+std::vector<LEVEL_CELL> LevelCells(const DEM_GRID& dem, const DEM_BLOCKS& blocks, int row) {
+    row = std::min(row, blocks.Range().last_row - 1);
+    std::vector<LEVEL_CELL> cells;
+    for (int j = 0; j < blocks.Columns(); ++j) cells.push_back(LevelCell(dem, blocks.Samples(0, j).first_column, row));
+    return cells;
+}
+
 /// Looks at blocks, one beside the other.
 class BLOCK_INSPECTION {
   public:
     BLOCK_INSPECTION(const SCENE& scene, const TERRAIN_BOUNDS& bounds)
         : dem_(scene.dem), bounds_(bounds), master_(scene.master), slave_(scene.slave) {}
 
-    [[nodiscard]] bool IsGentle(const DEM_RANGE& block) {
+    /// @param upper, lower  cells at the first row of the block and of the one below
+    [[nodiscard]] bool IsGentle(const DEM_RANGE& block, const LEVEL_CELL& upper, const LEVEL_CELL& lower) {
         const BLOCK_HEIGHTS heights = HeightsOf(dem_, block);
         if (!bounds_.Hold(heights.lowest_m) || !bounds_.Hold(heights.highest_m)) return false;
-        const VECTOR_3D<double> point_m = PlaceAtHeight(dem_, block.first_column, block.first_row, heights.highest_m);
-        const auto seen = master_.Solve(point_m);
-        const auto seen_by_slave = slave_.Solve(point_m);
+        if (!upper.IsWide() || !lower.IsWide()) return false;
+        GROUND ground{upper.first_m, upper.Up(), {}};
+        ground.point_m = upper.first_m + heights.highest_m * ground.up;
+        const auto seen = master_.Solve(ground.point_m);
+        const auto seen_by_slave = slave_.Solve(ground.point_m);
         if (!seen || !seen_by_slave) return false;
         const ORBIT_STATE master = master_.State(seen->time_s);
-        const VECTOR_3D<double> above_m =
-            PlaceAtHeight(dem_, block.first_column, block.first_row, heights.highest_m + kAbove_m);
-        GROUND ground{point_m, Unit(above_m - point_m), {}};
         ground.outwards = Unit(CrossProduct(ground.up, master.velocity_m_s));
-        if (DotProduct(ground.outwards, point_m - master.position_m) < 0.0) ground.outwards = -1.0 * ground.outwards;
-        const double slope = GreatestSlope(block, ground.outwards);
+        if (DotProduct(ground.outwards, ground.point_m - master.position_m) < 0.0)
+            ground.outwards = -1.0 * ground.outwards;
+        const BLOCK_STEPS steps = StepsOf(dem_, block);
+        const double slope = std::max(upper.Slope(steps, ground.outwards), lower.Slope(steps, ground.outwards));
         return IsGentleTowards(master.position_m, ground, slope) &&
                IsGentleTowards(slave_.State(seen_by_slave->time_s).position_m, ground, slope);
     }
@@ -90,23 +129,6 @@ class BLOCK_INSPECTION {
         last += margin;
     }
 
-    /// Along the profiles.
-    [[nodiscard]] double GreatestSlope(const DEM_RANGE& block, const VECTOR_3D<double>& outwards) const {
-        const BLOCK_STEPS steps = StepsOf(dem_, block);
-        double slope = 0.0;
-        for (const int row : {block.first_row, block.last_row - 1}) {
-            const VECTOR_3D<double> here = PlaceAtHeight(dem_, block.first_column, row, 0.0);
-            const VECTOR_3D<double> right = PlaceAtHeight(dem_, block.first_column + 1, row, 0.0) - here;
-            const VECTOR_3D<double> below = PlaceAtHeight(dem_, block.first_column, row + 1, 0.0) - here;
-            const double right2 = DotProduct(right, right);
-            const double below2 = DotProduct(below, below);
-            if (!(right2 > kClosest_m2) || !(below2 > kClosest_m2)) return kSteep;
-            slope = std::max(slope, steps.along_rows_m * std::abs(DotProduct(outwards, right)) / right2 +
-                                        steps.along_columns_m * std::abs(DotProduct(outwards, below)) / below2);
-        }
-        return slope;
-    }
-
     const DEM_GRID& dem_;
     TERRAIN_BOUNDS bounds_;
     NEIGHBOUR_SOLVER master_;
@@ -132,10 +154,14 @@ std::vector<DEM_RANGE> RimsOf(const DEM_RANGE& block, const DEM_RANGE& all) {
 GENTLE_TERRAIN::GENTLE_TERRAIN(const SCENE& scene, const TERRAIN_BOUNDS& bounds, int samples)
     : blocks_(scene.simulated), samples_(samples) {
     BLOCK_INSPECTION inspection(scene, bounds);
+    std::vector<LEVEL_CELL> lower;
     for (int i = 0; i < blocks_.Rows(); ++i) {
+        const std::vector<LEVEL_CELL> upper =
+            i == 0 ? LevelCells(scene.dem, blocks_, blocks_.Range().first_row) : std::move(lower);
+        lower = LevelCells(scene.dem, blocks_, blocks_.Samples(i, 0).last_row);
         for (int j = 0; j < blocks_.Columns(); ++j) {
             const DEM_RANGE block = blocks_.Samples(i, j);
-            gentle_.push_back(inspection.IsGentle(block) ? 1 : 0);
+            gentle_.push_back(inspection.IsGentle(block, upper[j], lower[j]) ? 1 : 0);
             if (gentle_.back() == 0) continue;  // lines over it are looked at anyway
             for (const DEM_RANGE& rim : RimsOf(block, blocks_.Range()))
                 ends_.push_back(inspection.ReachOf(rim, HeightsOf(scene.dem, block)));

@@ -118,15 +118,13 @@ INLINE double PerRoot(double e) {
     return 1.0 - e * (0.5 - e * (0.375 - e * (0.3125 - e * (0.2734375 - e * 0.24609375))));
 }
 
-/// Where the slave is when it sees the point at zero Doppler: two steps of Newton's method along its parabola, both
-/// with the slope of the first, which changes by less than 1e-3 in a second.
+/// Where the slave is when it sees the point at zero Doppler: one step of Newton's method along its parabola, whose
+/// slope changes by less than 1e-3 in a second.
 INLINE POINT_M SlaveAt(const POINT_M& place, const POINT_M& velocity, const POINT_M& acceleration,
                        const POINT_M& point) {
-    const POINT_M first_sight = place - point;
-    const double per_slope = 1.0 / (DotProduct(acceleration, first_sight) + DotProduct(velocity, velocity) + 1.0);
-    const double first = -per_slope * DotProduct(velocity, first_sight);
-    const POINT_M sight = first_sight + first * velocity + (0.5 * first * first) * acceleration;
-    const double t = first - per_slope * DotProduct(velocity + first * acceleration, sight);
+    const POINT_M sight = place - point;
+    const double t =
+        -DotProduct(velocity, sight) / (DotProduct(acceleration, sight) + DotProduct(velocity, velocity) + 1.0);
     return place + t * velocity + (0.5 * t * t) * acceleration;
 }
 

@@ -4,7 +4,8 @@
 /// rest, at the angle from the downward direction at which the height above the DEM's ellipsoid is the pixel's. Frame:
 /// Earth-fixed, that of the orbits, metres and seconds, but for what is called own: there the DEM's ellipsoid has its
 /// centre and axes (see DATUM). Threads: no shared state. Accuracy: ground to 1e-3 m; angles to 3e-6 degrees; the
-/// slave's place to 1e-3 m where its zero-Doppler time differs by at most 1 s within the line.
+/// slave's place to 2e-2 m along its track, 1e-3 m across, where its zero-Doppler time differs by at most 1 s within
+/// the line.
 
 #pragma once
 
