@@ -123,19 +123,23 @@ void SaveViews(SIMULATION_STATE& state, const SCENE& in_memory) {
     state.products.Views().Write(in_memory);
 }
 
-/// Of the whole image, slabs or not.
-void SaveFlags(SIMULATION_STATE& state) {
+void PrepareFlags(SIMULATION_STATE& state) {
+    const auto terrain = [](double height_m) { return std::clamp(height_m, kLowestTerrain_m, kHighestTerrain_m); };
+    state.products.Flags().Prepare(state.scene, {kLowestTerrain_m, kHighestTerrain_m},
+                                   terrain(state.survey.highest_m) - terrain(state.survey.lowest_m));
+}
+
+void SaveFlags(SIMULATION_STATE& state, const GRID_VIEW<unsigned char>& in_memory) {
     if (!state.request.WantsLayoverShadow()) return;
     Say(" 6. Output of layover and shadow");
     Say("    save: %s", state.request.layover_shadow_file.Text());
-    const auto terrain = [](double height_m) { return std::clamp(height_m, kLowestTerrain_m, kHighestTerrain_m); };
-    state.products.Flags().Write(state.scene, {kLowestTerrain_m, kHighestTerrain_m},
-                                 terrain(state.survey.highest_m) - terrain(state.survey.lowest_m));
+    state.products.Flags().WriteRest(in_memory.first_row);
 }
 
 }  // namespace
 
 SIMULATED_IMAGE SimulateImage(SIMULATION_STATE& state) {
+    PrepareFlags(state);
     if (!state.slabs.IsWholeImage()) return SimulateSlabs(state);
     SimulateScene(state.scene);
     SIMULATED_IMAGE image{{}, state.scene};
@@ -150,6 +154,6 @@ void SaveProducts(SIMULATION_STATE& state, const SIMULATED_IMAGE& image, PARAMET
     SaveHeight(state, image.in_memory.earth);
     SaveEarth(state, image.in_memory.earth, insar_pool);
     SaveViews(state, image.in_memory);
-    SaveFlags(state);
+    SaveFlags(state, image.in_memory.image.mask);
     state.products.Place();
 }

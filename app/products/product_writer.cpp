@@ -131,6 +131,7 @@ void PRODUCT_WRITER::WriteShare(const SCENE& share, bool backward) {
             if (height_ != nullptr) WriteHeight(share.earth);
         },
         [&] { views_.WriteShare(share); },
+        [&] { flags_.WriteShare(share.image.mask.first_row, share.image.mask.EndRow()); },
     };
     if (backward)
         std::for_each(std::rbegin(steps), std::rend(steps), [](const auto& step) { step(); });

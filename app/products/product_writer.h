@@ -45,7 +45,7 @@ class PRODUCT_WRITER {
     void WriteEarth(const EARTH_GRIDS& grids, int axis);
 
     [[nodiscard]] const VIEW_PRODUCTS& Views() const { return views_; }
-    [[nodiscard]] const FLAG_PRODUCT& Flags() const { return flags_; }
+    [[nodiscard]] FLAG_PRODUCT& Flags() { return flags_; }
 
     /// All products that are wanted, silently, on ThreadCount() threads.
     void WriteSlab(const SCENE& scene);
