@@ -29,7 +29,7 @@ SWAPPED = {"<": "<=", "<=": "<", ">": ">=", ">=": ">", "==": "!=", "!=": "==", "
            "false": "true", "min": "max", "max": "min", "sin": "cos", "cos": "sin", "floor": "ceil", "ceil": "floor"}
 # Folders of tests/ that judge a folder, where that is not the one of its name.
 TESTED_WITH = {"lib/baselib/mem_allocation": ("containers",), "lib/baselib/mdb": ("mdb", "orbit"), "lib/baselib/vectors": ("vectors", "simulation"),
-               "companions": ("import",)}
+               "companions": ("import",), "geometry": ("geometry", "simulation")}
 
 JUDGE = collections.namedtuple("JUDGE", "programs tests")  # what is built, and the files of tests/ that run it
 MAIN_JOB = JUDGE(("velmora",), ("end_to_end/test_main_job.py", "end_to_end/test_failures.py"))

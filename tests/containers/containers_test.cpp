@@ -71,8 +71,8 @@ struct ALMOST_ONE_GIGABYTE {
 };
 
 TEST(AlignedBlock, HoldsCountZerosAndElements) {
-    void* const used = std::malloc(3 * sizeof(double) + 32);  // what the next block may find in its memory
-    std::memset(used, 0xff, 3 * sizeof(double) + 32);
+    void* const used = std::malloc(60000);  // what the next block may find in its memory
+    std::memset(used, 0xff, 60000);
     std::free(used);
     double* const elements = MEM_ALLOCATION::Allocate<double>(3);
     ASSERT_NE(elements, nullptr);
@@ -100,6 +100,9 @@ TEST(NoMemory, IsRefusedInsteadOfABlockTooSmall) {
     EXPECT_EQ(MEM_ALLOCATION::Allocate<double>(wraps_to_32_bytes), nullptr);
     EXPECT_EQ(MEM_ALLOCATION::Allocate<char>(std::numeric_limits<long long>::max() - 16), nullptr) << "header included";
     EXPECT_EQ(MEM_ALLOCATION::Allocate<double>(-1), nullptr);
+    double* const none = MEM_ALLOCATION::Allocate<double>(0);
+    EXPECT_NE(none, nullptr) << "a block without elements is no failure";
+    MEM_ALLOCATION::Free(none);
     ARRAY<ALMOST_ONE_GIGABYTE> array;
     EXPECT_EQ(array.Resize({0, Huge()}), 2);
     EXPECT_EQ(array.Count(), 0);
@@ -214,6 +217,12 @@ TEST(Matrix, RowsLinkIntoOneBlock) {
     copy = same;
     EXPECT_EQ(copy[2][1], 9);
     for (const auto& [rows, columns] : {std::pair{-1, 2}, {2, -1}}) EXPECT_EQ(matrix.Resize(rows, columns), 3);
+    struct GIANT {
+        char bytes[1L << 31];
+    };
+    MATRIX<GIANT> none;
+    EXPECT_EQ(none.Resize(2, std::numeric_limits<int>::max()), ARRAY<GIANT>::kNoMemory);
+    EXPECT_EQ(none.Size(), 0);
     for (const auto& [rows, columns] : {std::pair{3, 1}, {2, 1}, {2, 4}, {0, 4}, {2, 0}}) {
         ASSERT_EQ(matrix.Resize(rows, columns), 0);
         EXPECT_EQ(matrix.Rows(), rows);

@@ -43,6 +43,7 @@ void Check(const std::string& key, const std::vector<std::string>& texts,
            const std::vector<std::pair<std::string, int>>& others = {}) {
     ENUM value;
     CheckTexts(value, ENUM::END, key, texts, others);
+    EXPECT_THROW(ENUM(ENUM::END + 1), ERROR_EXCEPTION);
 }
 
 TEST(SarEnumerations, ReadTheirTextsAndThoseOfOtherProducers) {

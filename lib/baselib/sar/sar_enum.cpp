@@ -5,13 +5,10 @@
 namespace SAR {
 
 void SAR_ENUM::FromText(const std::string& text) {
-    for (const ROW& row : Table().rows) {
-        if (text == row.text) return AssignId(row.id, true);
-    }
     for (const ALTERNATIVE_TEXT& alternative : Table().alternative_texts) {
         if (text == alternative.text) return AssignId(alternative.id, true);
     }
-    AssignText(text, true);  // no text matches: fails with the value and the valid ones
+    AssignText(text, true);
 }
 
 void SAR_ENUM::FromFirstList(const std::string& text) {
