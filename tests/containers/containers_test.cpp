@@ -71,9 +71,9 @@ struct ALMOST_ONE_GIGABYTE {
 };
 
 TEST(AlignedBlock, HoldsCountZerosAndElements) {
-    void* const used = std::malloc(60000);  // what the next block may find in its memory
-    std::memset(used, 0xff, 60000);
-    std::free(used);
+    auto* const used = static_cast<volatile char*>(std::malloc(60000));  // what the next block may find in its memory
+    for (int i = 0; i < 60000; ++i) used[i] = '\xff';
+    std::free(const_cast<char*>(used));
     double* const elements = MEM_ALLOCATION::Allocate<double>(3);
     ASSERT_NE(elements, nullptr);
     EXPECT_EQ(reinterpret_cast<std::uintptr_t>(elements) % 32, 0u);

@@ -45,6 +45,7 @@ TEST(PoolReader, FailuresKeepTheirTexts) {
         {Failure<double>, "FLT_15 1e400\n", bounds + "1e400 (value is out of range) FLT_15 expected"},
         {Failure<STRING>, "STR \"a\"b\"\n", value + "\"a\"b\" but a string in double quotes is expected"},
         {Failure<TUPLE<int>>, "INT_32_INT_32 5 6z\n", value + "6z INT_32 (no additional character) value expected"},
+        {Failure<STRING>, "STR xa\"\n", value + "xa\" but a string in double quotes is expected"},
         {Failure<TUPLE<STRING>>, "STR_STR \"a\" b\n",
          invalid + " << no correct string tuple format (missing >>\"<< ?)"},
         {Failure<int>, "INT_16 5\n", type + "INT_32 expected"},
@@ -125,7 +126,8 @@ TEST(PoolOpening, RefusesARasterEarlyAndTakesOddPools) {
         const TEMPORARY_FOLDER folder;
         const std::string path = folder.Make(content);
         EXPECT_THAT(ErrorAndLogOf([&] { PARAMETER_POOL pool(path); }),
-                    HasSubstr(path + " is no parameter pool: no entry in its first "));
+                    HasSubstr(path + " is no parameter pool: no entry in its first " +
+                              std::to_string(std::min(content.size(), std::size_t{65536})) + " bytes\n"));
     }
     for (const std::string& content :
          {std::string(), std::string("one\ntwo\n"), "#\n#\n" + std::string(70'000, '\n') + "k INT_32 1\n",
