@@ -51,9 +51,9 @@ class ControllerTest : public testing::Test {
     /// The value found among arguments, control file "pcf.prog" and environment; "none" when not found.
     static std::string Found(const std::vector<std::string>& arguments, const std::string& name) {
         RunController(arguments, [&name](CONTROLLER_IFC& controller) {
-            std::string value = "none";
-            controller.get_optional_parameter(name, value);
-            Write("value", value);
+            std::string value;
+            const bool found = controller.get_optional_parameter(name, value);
+            Write("value", found ? value : "none");
         });
         return Content("value");
     }
