@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/file.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -148,6 +149,23 @@ TEST(PoolUpdate, AnUnwritableFolderOrFileLosesNothing) {
                                HasSubstr("takes no new file, an update needs one: Permission denied"),
                                HasSubstr("can not open pool file for update " + path)));
     EXPECT_EQ(Content(path), "k INT_32 2\n\n");
+}
+
+TEST(PoolUpdate, TellsWhyItCanNotBeWritten) {
+    const TEMPORARY_FOLDER folder;
+    const std::string content = "k INT_32 1\n" + std::string(100'000, '\n');
+    const std::string path = folder.Make(content);
+    const auto limited = [&path] {
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit less{50'000, RLIM_INFINITY};
+        setrlimit(RLIMIT_FSIZE, &less);
+        PARAMETER_POOL_READ_WRITE_CHANGE pool(path);
+        pool.Change("k", 2);
+        std::fputs(ErrorAndLogOf([&] { pool.Update(); }).c_str(), stderr);
+        _exit(0);
+    };
+    EXPECT_EXIT(limited(), testing::ExitedWithCode(0), "File too large");
+    EXPECT_EQ(Content(path), content);
 }
 
 TEST(PoolUpdate, OfTwoObjectsOnOneFileIsOne) {
