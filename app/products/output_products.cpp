@@ -48,7 +48,7 @@ SIMULATED_IMAGE SimulateSlabs(SIMULATION_STATE& state) {
         } else {
             image.gap.Add(scene.image.mask);
             if (i + 1 == scenes.size()) return;
-            if (image.gap.IsEmpty()) state.products.WriteSlab(scene);
+            if (image.gap.IsEmpty()) state.products.WriteSlab(scene, state.slabs.exceeds_limit);
         }
         ClearMask(scene.image.mask);
     });

@@ -139,7 +139,7 @@ void PRODUCT_WRITER::WriteShare(const SCENE& share, bool backward) {
         std::for_each(std::begin(steps), std::end(steps), [](const auto& step) { step(); });
 }
 
-void PRODUCT_WRITER::WriteSlab(const SCENE& scene) {
+void PRODUCT_WRITER::WriteSlab(const SCENE& scene, bool leave_cache) {
     const GRID_VIEW<unsigned char>& mask = scene.image.mask;
     std::vector<std::exception_ptr> failures(static_cast<std::size_t>(ThreadCount()));
     const auto write = [&](THREAD_ARG* part) {
@@ -155,6 +155,7 @@ void PRODUCT_WRITER::WriteSlab(const SCENE& scene) {
     THREADS<THREAD_ARG, unsigned>(0, static_cast<unsigned>(mask.rows), write, THREADS_LOG::SILENT).Run();
     for (const std::exception_ptr& failure : failures)
         if (failure) std::rethrow_exception(failure);
+    if (leave_cache) files_.LeaveCache();
     files_.BeginSynchronising();
 }
 

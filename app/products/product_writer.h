@@ -48,7 +48,8 @@ class PRODUCT_WRITER {
     [[nodiscard]] FLAG_PRODUCT& Flags() { return flags_; }
 
     /// All products that are wanted, silently, on ThreadCount() threads.
-    void WriteSlab(const SCENE& scene);
+    /// @param leave_cache  the system shall not fill the memory with the slabs before
+    void WriteSlab(const SCENE& scene, bool leave_cache);
 
     [[nodiscard]] const PRODUCT_FILE& RangeShifts() const { return *range_shifts_; }
     [[nodiscard]] const PRODUCT_FILE& AzimuthShifts() const { return *azimuth_shifts_; }

@@ -249,6 +249,10 @@ void PRODUCT_FILE::BeginSynchronising() const {
     if (way_ != WAY::DIRECT) sync_file_range(file_.Get(), 0, 0, SYNC_FILE_RANGE_WRITE);
 }
 
+void PRODUCT_FILE::LeaveCache() const {
+    if (way_ != WAY::DIRECT) posix_fadvise(file_.Get(), 0, 0, POSIX_FADV_DONTNEED);
+}
+
 void PRODUCT_FILE::Synchronise() {
     WriteHeader();  // an image of no rows
     int error = 0;

@@ -88,6 +88,8 @@ class PRODUCT_FILE {
 
     /// What is written starts its way to the disk.
     void BeginSynchronising() const;
+    /// What has reached the disk leaves the system's file cache.
+    void LeaveCache() const;
     /// Waits until the file is on the disk, and closes it.
     /// @throws ERROR_CAN_NOT_WRITE_FILE
     void Synchronise();

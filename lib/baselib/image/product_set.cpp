@@ -36,6 +36,10 @@ void PRODUCT_SET::BeginSynchronising() const {
     for (const auto& file : files_) file->BeginSynchronising();
 }
 
+void PRODUCT_SET::LeaveCache() const {
+    for (const auto& file : files_) file->LeaveCache();
+}
+
 void PRODUCT_SET::Abandon() {
     for (const auto& file : files_) file->Abandon();
 }

@@ -34,6 +34,7 @@ class PRODUCT_SET {
 
     /// What is written starts its way to the disk, while the run goes on.
     void BeginSynchronising() const;
+    void LeaveCache() const;
     /// As PRODUCT_FILE's, for all.
     void Abandon();
 
