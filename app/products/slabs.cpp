@@ -55,21 +55,23 @@ SLAB_PLAN CutInto(int all_lines, double lines) {
     return plan;
 }
 
+/// Slabs that stay in the processor's last cache. Cells at the border of two slabs are walked twice: slabs of fewer
+/// lines would cost more than they save.
+double LinesForSpeed(double bytes_per_line) {
+    constexpr double kBytesOfSlab = 64.0 * kBytesPerMebibyte;
+    constexpr double kFewestLines = 512.0;
+    return std::max(std::floor(kBytesOfSlab / bytes_per_line), kFewestLines);
+}
+
 SLAB_PLAN CutByLimit(int all_lines, double bytes_per_line, double limit) {
     const double fitting = std::floor(limit / bytes_per_line);
     if (fitting < 1.0)
         LogAndThrow<ERROR_NO_MEMORY>("MEMORY_LIMIT: one line of the grids needs %.0f MiB",
                                      std::ceil(bytes_per_line / kBytesPerMebibyte));
-    SLAB_PLAN plan = CutInto(all_lines, fitting);
-    plan.exceeds_limit = !plan.IsWholeImage();
+    if (fitting >= all_lines) return {all_lines, 1};
+    SLAB_PLAN plan = CutInto(all_lines, std::min(fitting, LinesForSpeed(bytes_per_line)));
+    plan.exceeds_limit = true;
     return plan;
-}
-
-/// Cells at the border of two slabs are walked twice: slabs of fewer lines would cost more than they save.
-SLAB_PLAN CutForSpeed(int all_lines, double bytes_per_line) {
-    constexpr double kBytesOfSlab = 64.0 * kBytesPerMebibyte;
-    constexpr double kFewestLines = 512.0;
-    return CutInto(all_lines, std::max(std::floor(kBytesOfSlab / bytes_per_line), kFewestLines));
 }
 
 }  // namespace
@@ -80,7 +82,7 @@ SLAB_PLAN PlanSlabs(const REQUEST& request, const OUTPUT_SIZES& sizes, double by
         request.memory_limit_mib ? *request.memory_limit_mib * kBytesPerMebibyte : 0.75 * MachineBytes();
     const int all_lines = sizes.simulated.lines;
     SLAB_PLAN plan = CutByLimit(all_lines, bytes_per_line, limit);
-    if (plan.IsWholeImage() && early) plan = CutForSpeed(all_lines, bytes_per_line);
+    if (plan.IsWholeImage() && early) plan = CutInto(all_lines, LinesForSpeed(bytes_per_line));
     RequireMemory(sizes.simulated, plan, bytes_per_line, bytes_beside + kBytesOfProgram);
     if (plan.exceeds_limit)
         Say(" - The image is simulated in %d slabs of %d lines: its grids exceed %.0f MiB", plan.count, plan.lines,
