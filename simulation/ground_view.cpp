@@ -28,13 +28,16 @@ struct ANGLE {
     bool is_wide;   ///< above 90 degrees
 };
 
-INLINE ANGLE AngleBetween(const POINT_M& a, const POINT_M& b) {
-    const POINT_M across = CrossProduct(a, b);
-    const double sine = Root(DotProduct(across, across) + 1e-60);
-    const double cosine = DotProduct(a, b);
+/// @param sine, cosine  both of any common length
+INLINE ANGLE AngleOf(double sine, double cosine) {
     const double along = __builtin_fabs(cosine);
     const bool is_steep = sine > along;
     return {is_steep ? along : sine, is_steep ? sine : along, is_steep, cosine < 0.0};
+}
+
+INLINE ANGLE AngleBetween(const POINT_M& a, const POINT_M& b) {
+    const POINT_M across = CrossProduct(a, b);
+    return AngleOf(Root(DotProduct(across, across) + 1e-60), DotProduct(a, b));
 }
 
 /// The angle in degrees, 0 .. 180.
@@ -104,18 +107,16 @@ INLINE void FindGround(const GROUND_FRAME& frame, double first_column, GROUND_BL
             const double turned = c + turn * s;  // the angle falls by the turn
             s = s - turn * c;
             c = turned;
-            const double stretch = 1.5 - 0.5 * (c * c + s * s);
-            c = c * stretch;
-            s = s * stretch;
         }
-        downs[i] = c;
-        outs[i] = s;
+        const double stretch = 1.5 - 0.5 * (c * c + s * s);
+        downs[i] = c * stretch;
+        outs[i] = s * stretch;
     }
 }
 
-/// 1 / root(1 + e) for a small e, by its series: to 1e-10 for what the Earth's flattening and heights make of it.
+/// 1 / root(1 + e) for a small e, by its series: to 1e-12 for what the Earth's flattening and heights make of it.
 INLINE double PerRoot(double e) {
-    return 1.0 - e * (0.5 - e * (0.375 - e * (0.3125 - e * (0.2734375 - e * 0.24609375))));
+    return 1.0 - e * (0.5 - e * (0.375 - e * (0.3125 - e * (0.2734375 - e * (0.24609375 - e * 0.2255859375)))));
 }
 
 /// Where the slave is when it sees the point at zero Doppler: one step of Newton's method along its parabola, whose
@@ -162,19 +163,20 @@ INLINE void LookBack(const GROUND_FRAME& frame, double first_column, GROUND_BLOC
         const POINT_M normal = {static_cast<double>(normals[0][i]), static_cast<double>(normals[1][i]),
                                 static_cast<double>(normals[2][i])};
         const double from_axis = Root(point.x * point.x + point.y * point.y + 1e-6);
-        const ANGLE to_up = AngleBetween(upward_normal, sight);
+        const double per_length = per_a * PerRoot(DotProduct(upward_normal, upward_normal) * (per_a * per_a) - 1.0);
+        const POINT_M up = per_length * upward_normal;
+        const double up_sight = DotProduct(sight, up);
+        const ANGLE to_up = AngleOf(Root(__builtin_fabs(1.0 - up_sight * up_sight)), up_sight);
         const ANGLE to_local_up = AngleBetween(normal, sight);
         const double per_all = 1.0 / (from_axis * to_up.more * to_local_up.more);  // one division for three
         incidence[i] = static_cast<float>(Degrees(to_up, to_up.less * (per_all * from_axis * to_local_up.more)));
         local[i] = static_cast<float>(Degrees(to_local_up, to_local_up.less * (per_all * from_axis * to_up.more)));
-        const double per_length = per_a * PerRoot(DotProduct(upward_normal, upward_normal) * (per_a * per_a) - 1.0);
-        const POINT_M up = per_length * upward_normal;
         const double to_axis = per_all * to_up.more * to_local_up.more;
         const POINT_M eastward = {-to_axis * point.y, to_axis * point.x, 0.0};
         const POINT_M northward = {-up.z * eastward.y, up.z * eastward.x, up.x * eastward.y - up.y * eastward.x};
         east[i] = static_cast<float>(DotProduct(sight, eastward));
         north[i] = static_cast<float>(DotProduct(sight, northward));
-        upward[i] = static_cast<float>(DotProduct(sight, up));
+        upward[i] = static_cast<float>(up_sight);
 
         const POINT_M across = downs[i] * out - outs[i] * down;  // outwards and upwards
         const POINT_M slave_place = SlaveAt(slave, slave_velocity, slave_acceleration, point);
