@@ -1,6 +1,7 @@
 #include "lib/baselib/image/value_statistics.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "lib/baselib/image/value_block.h"
 
@@ -59,12 +60,15 @@ void VALUE_STATISTICS::Add(const unsigned char* values, long long count) {
     for (long long first = 0; first < count; first += kAtOnce) {
         const unsigned char* const block = values + first;
         const int size = static_cast<int>(std::min(kAtOnce, count - first));
-        unsigned char minimum = 255;
-        unsigned char maximum = 0;
-        unsigned sum = 0;
-        for (int i = 0; i < size; ++i) minimum = std::min(minimum, block[i]);
-        for (int i = 0; i < size; ++i) maximum = std::max(maximum, block[i]);
-        for (int i = 0; i < size; ++i) sum += block[i];
+        unsigned char minimum = block[0];
+        unsigned char maximum = block[0];
+        auto sum = static_cast<unsigned>(size) * block[0];
+        if (std::memcmp(block, block + 1, static_cast<std::size_t>(size) - 1) != 0) {  // most have one value only
+            sum = 0;
+            for (int i = 0; i < size; ++i) minimum = std::min(minimum, block[i]);
+            for (int i = 0; i < size; ++i) maximum = std::max(maximum, block[i]);
+            for (int i = 0; i < size; ++i) sum += block[i];
+        }
         minimum_ = Smaller(minimum_, minimum);
         maximum_ = Larger(maximum_, maximum);
         sum_ += sum;
