@@ -121,17 +121,20 @@ void DEM_REACH::Limit(REACHES reaches, SCENE& scene) const {
         const auto end = begin + blocks_.Columns();
         const auto first = std::find_if(begin, end, reaches);
         const DEM_RANGE rows = blocks_.Samples(i, 0);
-        if (first == end && scene.cells.empty()) {
-            scene.simulated.first_row = rows.last_row;
+        const auto row_count = static_cast<std::size_t>(rows.last_row - rows.first_row);
+        if (first == end) {  // between others where mountains are seen far beside their place
+            if (scene.cells.empty())
+                scene.simulated.first_row = rows.last_row;
+            else
+                scene.cells.insert(scene.cells.end(), row_count, {range.first_column, range.first_column});
             continue;
         }
         const auto last = std::find_if(std::make_reverse_iterator(end), std::make_reverse_iterator(first), reaches);
         const int first_column = range.first_column + static_cast<int>(first - begin) * DEM_BLOCKS::kSize;
         const int end_column =
             std::min(range.first_column + static_cast<int>(last.base() - begin) * DEM_BLOCKS::kSize, range.last_column);
-        scene.cells.insert(scene.cells.end(), static_cast<std::size_t>(rows.last_row - rows.first_row),
-                           {first_column, std::max(first_column, end_column)});
-        if (first != end) scene.simulated.last_row = rows.last_row;
+        scene.cells.insert(scene.cells.end(), row_count, {first_column, end_column});
+        scene.simulated.last_row = rows.last_row;
     }
     if (scene.cells.empty())
         scene.simulated = {range.first_row, range.first_row, range.first_column, range.last_column};

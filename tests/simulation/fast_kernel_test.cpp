@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
 #include <memory>
 #include <random>
 
@@ -11,9 +12,11 @@
 #include "geometry/calc_slave_time.h"
 #include "geometry/zero_doppler_rows.h"
 #include "simulation/area_rows.h"
+#include "simulation/dem_reach.h"
 #include "simulation/dem_row.h"
 #include "simulation/prepared_scene.h"
 #include "simulation/radar_solution.h"
+#include "simulation/scene_lines.h"
 #include "simulation/triangle_filler.h"
 #include "tests/kit/environment_setting.h"
 #include "tests/kit/log_capture.h"
@@ -143,6 +146,33 @@ TEST(FastKernel, GivesTheSameBytesAtEveryVectorLevelOnAnyNumberOfThreads) {
                         EXPECT_TRUE(scene->HasGridsOf(*first))
                             << request.name << ", " << threads << " threads, " << TextOf(level);
                 }
+            }
+        }
+    }
+}
+
+TEST(FastKernel, FillsByCellsThatReachTheLinesWhatItFillsByAll) {
+    const auto make_plateau = [](TEST_SCENE& s) {  // seen far beside the image: no cell of some rows reaches it
+        for (int row = 28; row < 70; ++row) std::fill_n(s.heights.View()[row], s.request.dem_size + 1, short{8000});
+    };
+    const std::function<void(TEST_SCENE&)> terrains[] = {[](TEST_SCENE& s) { MakeSteep(s, true); }, make_plateau};
+    for (const SCENE_REQUEST& request : kScenes) {
+        for (const auto& make_terrain : terrains) {
+            TEST_SCENE whole(request);
+            make_terrain(whole);
+            whole.Run();
+            for (const char* threads : {"1", "3"}) {
+                const ENVIRONMENT_SETTING parallel("PARALLEL", threads);
+                TEST_SCENE slabs(request);
+                make_terrain(slabs);
+                const DEM_REACH reach(slabs.scene);
+                for (int first = 0; first < request.image_rows; first += 13) {
+                    const int end = std::min(first + 13, request.image_rows);
+                    SCENE slab = LinesOf(slabs.scene, first, end);
+                    reach.LimitTo(first, end, request.image_columns, slab);
+                    SimulateScene(slab);
+                }
+                EXPECT_TRUE(slabs.HasGridsOf(whole)) << request.name << ", " << threads << " threads";
             }
         }
     }
