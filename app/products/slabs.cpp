@@ -55,8 +55,8 @@ SLAB_PLAN CutInto(int all_lines, double lines) {
     return plan;
 }
 
-/// Slabs that stay in the processor's last cache. Cells at the border of two slabs are walked twice: slabs of fewer
-/// lines would cost more than they save.
+/// Slabs whose pages are few and used again, instead of fresh ones from the system for a whole image. Cells at the
+/// border of two slabs are walked twice: slabs of fewer lines would cost more than they save.
 double LinesForSpeed(double bytes_per_line) {
     constexpr double kBytesOfSlab = 64.0 * kBytesPerMebibyte;
     constexpr double kFewestLines = 512.0;

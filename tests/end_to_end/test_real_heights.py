@@ -70,5 +70,3 @@ def test_what_is_no_height_is_a_void(fresh_scene, grid):
         told.append((run.status, [line for line in run.lines("WARN") if "voids" in line], products(folder)))
     assert "%d of the simulated samples are voids" % len(NO_HEIGHTS) in told[0][1][0]
     assert told[1] == told[0]
-
-

@@ -108,7 +108,6 @@ def test_tables_follow_the_product(tmp_path):
     assert np.abs(row["dem"][325] - row["h_earth"][300]).max() <= 3  # half way up, in the same light in spite of the voids
     assert row["h_earth"][10][1] > row["h_earth"][10][0] and (row["h_earth"][599] > 150).all()
 
-
     # A ridge from top to bottom: at the same height its left side is lit, and by Lambert's law how much more.
     write(tmp_path / "h_earth.ras", np.tile(300.0 - np.abs(np.arange(601) - 300), (300, 1)))
     good(tmp_path, "picture", "h_earth.ras", "--force")

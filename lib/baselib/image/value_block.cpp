@@ -2,6 +2,12 @@
 
 #include "lib/baselib/vectors/eight_lanes.h"
 
+namespace {
+
+constexpr int kGroups = VALUE_LANES::kLanes / kLanes;
+
+}  // namespace
+
 bool VELMORA_VECTOR_LEVEL::AllAreFinite(const float* values, int count) {
     constexpr unsigned kExponent = 0x7f800000;
     unsigned others = 0;
@@ -9,12 +15,6 @@ bool VELMORA_VECTOR_LEVEL::AllAreFinite(const float* values, int count) {
         others |= (__builtin_bit_cast(unsigned, values[i]) & kExponent) == kExponent ? 1U : 0U;
     return others == 0;
 }
-
-namespace {
-
-constexpr int kGroups = VALUE_LANES::kLanes / kLanes;
-
-}  // namespace
 
 /// In eights by hand: left to itself the compiler takes the values one by one.
 void VELMORA_VECTOR_LEVEL::AddValues(const float* values, int count, VALUE_LANES& lanes) {
