@@ -2,7 +2,7 @@
 
 namespace {
 
-constexpr int kSize = TRAVEL_TIME_BLOCK::kSize;
+constexpr int kPlaces = TRAVEL_TIME_BLOCK::kSize;
 constexpr int kComponents = ORBIT_PIECE::kComponents;
 constexpr double kSecondsPerMetre = 3.3356409519815204e-09;  ///< 1 / speed of light
 
@@ -16,7 +16,7 @@ template <int DEGREE>
     double* __restrict z_m = block.place_z_m;
     double* __restrict placed = block.placed;
     int left = 0;
-    for (int i = 0; i < kSize; ++i) {
+    for (int i = 0; i < kPlaces; ++i) {
         const double at_s = asked_s[i] + offset_s;
         // Held on the piece, so that the powers of a time that lies elsewhere can not overflow.
         const double from_first_s = at_s > first_s ? at_s : first_s;
@@ -61,7 +61,7 @@ int VELMORA_VECTOR_LEVEL::PlaceOnPiece(const ORBIT_PIECE& piece, double offset_s
 }
 
 void VELMORA_VECTOR_LEVEL::StartTravel(TRAVEL_TIME_BLOCK& block) {
-    for (int i = 0; i < kSize; ++i) {
+    for (int i = 0; i < kPlaces; ++i) {
         const double path_s = Delay(block, i);
         block.receive_path_s[i] = path_s;
         block.travel_s[i] = 2.0 * path_s + block.travel_s[i];
@@ -72,7 +72,7 @@ void VELMORA_VECTOR_LEVEL::StartTravel(TRAVEL_TIME_BLOCK& block) {
 
 int VELMORA_VECTOR_LEVEL::StepTravel(double tolerance, TRAVEL_TIME_BLOCK& block) {
     int moving = 0;
-    for (int i = 0; i < kSize; ++i) {
+    for (int i = 0; i < kPlaces; ++i) {
         const double before_s = block.travel_s[i];
         const double after_s = Delay(block, i) + block.receive_path_s[i];
         const double changes = __builtin_fabs(after_s / before_s - 1.0) < tolerance ? 0.0 : 1.0;
@@ -88,13 +88,13 @@ int VELMORA_VECTOR_LEVEL::StepTravel(double tolerance, TRAVEL_TIME_BLOCK& block)
 void VELMORA_VECTOR_LEVEL::AddSample(const SAMPLE_WEIGHTS& weights, bool first, TRAVEL_TIME_BLOCK& block) {
     const SAMPLE_WEIGHTS w = weights;
     if (first) {
-        for (int i = 0; i < kSize; ++i) {
+        for (int i = 0; i < kPlaces; ++i) {
             block.first_travel_s[i] = block.travel_s[i];
             block.c0[i] = block.c1[i] = block.c2[i] = 0.0;
         }
         return;
     }
-    for (int i = 0; i < kSize; ++i) {
+    for (int i = 0; i < kPlaces; ++i) {
         // The squares differ in their last digits only: their difference, not they, goes into the sums.
         const double travel_s = block.travel_s[i];
         const double first_s = block.first_travel_s[i];
@@ -106,7 +106,7 @@ void VELMORA_VECTOR_LEVEL::AddSample(const SAMPLE_WEIGHTS& weights, bool first, 
 }
 
 void VELMORA_VECTOR_LEVEL::FindShortest(TRAVEL_TIME_BLOCK& block) {
-    for (int i = 0; i < kSize; ++i) {
+    for (int i = 0; i < kPlaces; ++i) {
         const double c0 = block.c0[i] + block.first_travel_s[i] * block.first_travel_s[i];
         const double c1 = block.c1[i];
         // A parabola that opens downwards has a longest path; taken for the shortest it would be a silent wrong result.
