@@ -30,10 +30,9 @@ struct ARGUMENTS {
 struct WORKSPACE {
     double distance_m = 0.0;              ///< |S|
     double satellite_latitude_rad = 0.0;  ///< geocentric
-    double satellite_longitude_deg = 0.0;
-    VECTOR_3D<double> e1;  ///< towards the Earth's centre
-    VECTOR_3D<double> e2;  ///< along track
-    VECTOR_3D<double> e3;  ///< across track
+    VECTOR_3D<double> e1;                 ///< towards the Earth's centre
+    VECTOR_3D<double> e2;                 ///< along track
+    VECTOR_3D<double> e3;                 ///< across track
     double range_m = 0.0;
     VECTOR_3D<double> line_of_sight_m{};  ///< P - S of the last step
     double radius_m = 0.0;
@@ -65,16 +64,9 @@ double Bounded(double sine_or_cosine) {
     return std::clamp(sine_or_cosine, -1.0, 1.0);
 }
 
-/// Degrees in 0..360 by the arc tangent and the quadrant.
-double SatelliteLongitude(const VECTOR_3D<double>& position_m) {
-    if (position_m.x != 0.0) {
-        double longitude_deg = std::atan(position_m.y / position_m.x) * kDegreesPerRadian;
-        if (position_m.x < 0.0) longitude_deg += 180.0;
-        if (position_m.x > 0.0 && position_m.y < 0.0) longitude_deg += 360.0;
-        return longitude_deg;
-    }
-    if (position_m.y > 0.0) return 90.0;
-    if (position_m.y < 0.0) return 270.0;
+/// A satellite above a pole has no longitude.
+void RequireLongitude(const VECTOR_3D<double>& position_m) {
+    if (position_m.x != 0.0 || position_m.y != 0.0) return;
     Log() << LOGGING_LEVEL::ALARM << "geolocation_fast: determination of angle theta failed!\n";
     throw ERROR_DATA();
 }
@@ -89,7 +81,7 @@ WORKSPACE LocalFrame(const ARGUMENTS& arguments) {
         throw ERROR_DATA();
     }
     work.satellite_latitude_rad = std::asin(Bounded(arguments.position_m.z / work.distance_m));
-    work.satellite_longitude_deg = SatelliteLongitude(arguments.position_m);
+    RequireLongitude(arguments.position_m);
 
     work.e1 = (-1.0 / work.distance_m) * arguments.position_m;
     const VECTOR_3D<double> across = CrossProduct(work.e1, arguments.velocity_m_s);

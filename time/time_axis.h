@@ -1,7 +1,6 @@
 /// \file time_axis.h
 /// The four operations that every time type of an orbit offers, under one name each: from text, to text, difference in
-/// seconds, shift by seconds. Types: double (plain seconds), UNIVERSAL_TIME, MISSION_ELAPSED_TIME. Ordering is the
-/// type's own <.
+/// seconds, shift by seconds. Types: double (plain seconds), UNIVERSAL_TIME, MISSION_ELAPSED_TIME.
 /// Resolution: a microsecond for the calendar types; differences of those are exact to the nearest double.
 /// Threads: no state.
 
@@ -24,7 +23,6 @@ struct TIME_AXIS<double> {
     [[nodiscard]] static std::string ToText(const double& t);
     [[nodiscard]] static double SecondsSince(const double& reference, const double& t) { return t - reference; }
     [[nodiscard]] static double Plus(const double& t, double seconds) { return t + seconds; }
-    [[nodiscard]] static bool Less(const double& a, const double& b) { return a < b; }
 };
 
 template <>
@@ -39,7 +37,6 @@ struct TIME_AXIS<UNIVERSAL_TIME> {
     }
     /// Rounded to the microsecond. @throws const char* "can not represent UTC value", after logging
     [[nodiscard]] static UNIVERSAL_TIME Plus(const UNIVERSAL_TIME& t, double seconds);
-    [[nodiscard]] static bool Less(const UNIVERSAL_TIME& a, const UNIVERSAL_TIME& b) { return a < b; }
 };
 
 template <>
@@ -55,7 +52,6 @@ struct TIME_AXIS<MISSION_ELAPSED_TIME> {
     }
     /// Rounded to the microsecond. @throws const char* "can not represent MET value", after logging
     [[nodiscard]] static MISSION_ELAPSED_TIME Plus(const MISSION_ELAPSED_TIME& t, double seconds);
-    [[nodiscard]] static bool Less(const MISSION_ELAPSED_TIME& a, const MISSION_ELAPSED_TIME& b) { return a < b; }
 };
 
 /// A time of one type as another. Only a type itself converts: no origin ties MET or plain seconds to UTC.

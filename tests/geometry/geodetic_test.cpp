@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "geometry/constants.h"
+#include "geometry/pair_geometry.h"
 #include "geometry/vector_arithmetic.h"
+#include "orbit/orbit_state.h"
 
 namespace {
 
@@ -96,6 +98,41 @@ TEST(Datum, RefusesMatricesThatAreNoRotation) {
     for (const auto& matrix : cases) EXPECT_FALSE(IsRotation(matrix, 1e-6)) << &matrix - cases;
     const double cycle[3][3] = {{0, 0, 1}, {1, 0, 0}, {0, 1, 0}};
     EXPECT_TRUE(IsRotation(cycle, 1e-15));
+}
+
+TEST(UpAt, IsTheNormalOfTheEllipsoid) {
+    for (const GEOGRAPHIC& at : {GEOGRAPHIC{0.3, 0.8, 0.0}, {-2.5, -1.2, 0.0}, {1.9, 0.0, 0.0}, {0.0, kPi / 2, 0.0}}) {
+        const double c = std::cos(at.latitude_rad);
+        const VECTOR_3D<double> normal = {c * std::cos(at.longitude_rad), c * std::sin(at.longitude_rad),
+                                          std::sin(at.latitude_rad)};
+        EXPECT_LE(Length(UpAt(GeographicToCartesian(at, kA, kE2), kA, kB) - normal), 1e-15) << at.latitude_rad;
+    }
+}
+
+TEST(PairGeometry, AgreesWithTheRightAngledTriangle) {
+    // The slave stands off the master's line of sight at a right angle; flights north and south, looks east and west.
+    const VECTOR_3D<double> point_m = {6.4e6, 0.0, 0.0};
+    const VECTOR_3D<double> up = {1.0, 0.0, 0.0};
+    constexpr double kRange_m = 8e5;
+    constexpr double kTurn_m = 0.0155;
+    for (const double speed_m_s : {7500.0, -7500.0}) {
+        for (const double look_rad : {0.6, -0.6}) {
+            const VECTOR_3D<double> sight = {std::cos(look_rad), std::sin(look_rad), 0.0};
+            const VECTOR_3D<double> across = {std::abs(sight.y), look_rad > 0.0 ? -sight.x : sight.x, 0.0};
+            const ORBIT_STATE master = {point_m + kRange_m * sight, {0.0, 0.0, speed_m_s}, {}};
+            for (const double baseline_m : {250.0, -250.0}) {
+                const PAIR_GEOMETRY pair =
+                    PairGeometryAt(point_m, up, master, master.position_m + baseline_m * across, kTurn_m);
+                EXPECT_NEAR(pair.perpendicular_baseline_m, baseline_m, 1e-8);
+                const double slave_range_m = std::hypot(kRange_m, baseline_m);
+                EXPECT_NEAR(pair.height_of_ambiguity_m, kTurn_m * across.x * slave_range_m / 250.0, 1e-9);
+            }
+            const PAIR_GEOMETRY farther = PairGeometryAt(point_m, up, master, master.position_m + 9.0 * sight, kTurn_m);
+            EXPECT_NEAR(farther.perpendicular_baseline_m, 0.0, 1e-8);
+            EXPECT_TRUE(
+                std::isinf(PairGeometryAt(point_m, up, master, master.position_m, kTurn_m).height_of_ambiguity_m));
+        }
+    }
 }
 
 }  // namespace

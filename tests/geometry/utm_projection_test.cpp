@@ -40,6 +40,8 @@ struct ERRORS {
     double inverse_m = 0.0;  ///< against the higher-order series
     double forward_m = 0.0;
     double closure_m = 0.0;  ///< Forward(Inverse(p)) - p
+    double east_m = 0.0;     ///< of the inverse alone
+    double north_m = 0.0;    ///< of the inverse alone, beside the first term that the rectifying radius leaves out
 };
 
 ERRORS LargestErrors(const ELLIPSOID& ellipsoid, int zone, bool south, double longitude_limit_deg) {
@@ -47,8 +49,9 @@ ERRORS LargestErrors(const ELLIPSOID& ellipsoid, int zone, bool south, double lo
     const double meridian_rad = (6.0 * zone - 183.0) * kRadiansPerDegree;
     ERRORS errors;
     for (double latitude_deg = -80.0; latitude_deg <= 84.0; latitude_deg += 2.0) {
+        const double latitude_rad = latitude_deg * kRadiansPerDegree;
+        const double left_out_rad = 175.0 / 16384.0 * std::pow(ellipsoid.e2, 4) * latitude_rad;
         for (double delta_deg = -longitude_limit_deg; delta_deg <= longitude_limit_deg; delta_deg += 0.5) {
-            const double latitude_rad = latitude_deg * kRadiansPerDegree;
             const double delta_rad = delta_deg * kRadiansPerDegree;
             const KRUEGER_POSITION truth = KruegerForward(ellipsoid.a_m, ellipsoid.e2, delta_rad, latitude_rad);
             const MAP_POSITION map = {500000.0 + kUtmScale * truth.easting_m,
@@ -58,6 +61,10 @@ ERRORS LargestErrors(const ELLIPSOID& ellipsoid, int zone, bool south, double lo
             errors.inverse_m = std::max(
                 errors.inverse_m,
                 std::hypot(turned * std::cos(latitude_rad), reached.latitude_rad - latitude_rad) * ellipsoid.a_m);
+            const double east_m = turned * std::cos(latitude_rad) * ellipsoid.a_m;
+            const double north_m = (reached.latitude_rad - latitude_rad + left_out_rad) * ellipsoid.a_m;
+            errors.east_m = std::max(errors.east_m, std::abs(east_m));
+            errors.north_m = std::max(errors.north_m, std::abs(north_m));
             const MAP_POSITION forward = utm.Forward({meridian_rad + delta_rad, latitude_rad});
             errors.forward_m = std::max(
                 errors.forward_m, std::hypot(forward.easting_m - map.easting_m, forward.northing_m - map.northing_m));
@@ -76,6 +83,22 @@ TEST(UtmProjection, HoldsItsErrorBoundWithinThreeDegreesAndClosesToSix) {
         EXPECT_LE(errors.inverse_m, kUtmErrorMetres);
         EXPECT_LE(errors.forward_m, kUtmErrorMetres);
         EXPECT_LE(LargestErrors(ellipsoid, zone, south, 6.0).closure_m, 1e-6);
+        // Near the meridian even the smallest terms are larger than what the series leaves out.
+        const ERRORS near = LargestErrors(ellipsoid, zone, south, 1.5);
+        EXPECT_LE(near.east_m, 5e-6);
+        EXPECT_LE(near.north_m, 1e-6);
+    }
+}
+
+TEST(UtmProjection, TheForwardSeriesAloneIsGoodToCentimetresBesideTheZones) {
+    const UTM_PROJECTION utm(kWgs84.a_m, kWgs84.e2, 31, false);
+    const double delta_rad = 7.5 * kRadiansPerDegree;
+    for (double latitude_deg = -80.0; latitude_deg <= 80.0; latitude_deg += 10.0) {
+        const double latitude_rad = latitude_deg * kRadiansPerDegree;
+        const KRUEGER_POSITION truth = KruegerForward(kWgs84.a_m, kWgs84.e2, delta_rad, latitude_rad);
+        const MAP_POSITION map = utm.Forward({utm.CentralMeridian() + delta_rad, latitude_rad});
+        EXPECT_NEAR(map.easting_m - 500000.0, kUtmScale * truth.easting_m, 0.06) << latitude_deg;
+        EXPECT_NEAR(map.northing_m, kUtmScale * truth.northing_m, 0.004) << latitude_deg;
     }
 }
 

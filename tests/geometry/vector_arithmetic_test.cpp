@@ -10,6 +10,12 @@
 
 namespace {
 
+/// A number that takes memory, of which there is none.
+struct LARGE_NUMBER {
+    LARGE_NUMBER operator*(const LARGE_NUMBER&) const { throw ERROR_NO_MEMORY(); }
+    LARGE_NUMBER operator-(const LARGE_NUMBER&) const { return {}; }
+};
+
 TEST(Vector, RefusesWithItsTexts) {
     VECTOR<double> two = {1.0, 2.0};
     const VECTOR<double> three = {1.0, 2.0, 3.0};
@@ -24,6 +30,8 @@ TEST(Vector, RefusesWithItsTexts) {
         {"VECTOR operator /= : division by 0.0", [&] { two /= 0.0; }},
         {"CrossProduct: vector a has not dimension of 3", [&] { (void)CrossProduct(two, two); }},
         {"CrossProduct: vector b has not dimension of 3", [&] { (void)CrossProduct(three, two); }},
+        {"CrossProduct: can not allocate vector memory",
+         [] { (void)CrossProduct(VECTOR<LARGE_NUMBER>(3), VECTOR<LARGE_NUMBER>(3)); }},
         {"DotProduct: vectors have different dimensions", [&] { (void)DotProduct(two, three); }},
     };
     for (const auto& c : cases) EXPECT_EQ(TextThrownBy(c.operation), c.text);

@@ -55,6 +55,8 @@ constexpr DIFFERENCE kDifferences[] = {
     {"31-DEC-2016/23:59:60", "01-JAN-2017/00:00:00", 0.0, 0},
     {"01-JAN-1971/00:00:00", "01-JAN-2020/00:00:00", 17897 * 86400.0 + 27, 27},  // every item of the table
     {"01-JAN-2017/00:00:00", "01-JAN-2030/00:00:00", 4748 * 86400.0, 0},
+    {"01-JAN-1972/00:00:00", "31-DEC-1972/00:00:00", 365 * 86400.0 + 1, 1},
+    {"01-JAN-0000/00:00:00", "31-DEC-9999/23:59:59.999999", 3652425 * 86400.0 + 27 - 1e-6, 27},
     // The two items of 31 June count when 1 July ends, not when it begins.
     {"30-JUN-2012/23:59:59", "01-JUL-2012/00:00:00", 1.0, 0},
     {"01-JUL-2012/23:59:59", "02-JUL-2012/00:00:00", 2.0, 1},
@@ -72,6 +74,19 @@ TEST(UniversalTime, DifferencesCountLeapSecondsInBothDirections) {
         EXPECT_EQ(
             CountOf("leap secs = " + std::to_string(c.leap_seconds) + "\n", LoggedBy(count, LOGGING_LEVEL::TRACE)), 1);
     }
+}
+
+TEST(LeapSeconds, AreThoseThatWerePublished) {
+    // IERS Bulletin C; those of 2012 and 2015 are below.
+    const int days[] = {19720630, 19721231, 19731231, 19741231, 19751231, 19761231, 19771231, 19781231, 19791231,
+                        19810630, 19820630, 19830630, 19850630, 19871231, 19891231, 19901231, 19920630, 19930630,
+                        19940630, 19951231, 19970630, 19981231, 20051231, 20081231, 20161231};
+    for (const int day : days) {
+        const UNIVERSAL_TIME time = {day / 10000, day / 100 % 100, day % 100, 23, 59, 60, 0, 0};
+        EXPECT_TRUE(IsLeapSecond(time)) << day;
+    }
+    EXPECT_TRUE(IsLeapSecond(UNIVERSAL_TIME{2015, 6, 31, 23, 59, 60, 0, 0}));
+    EXPECT_EQ(LeapSecondTable()[27].year, 0) << "the end";
 }
 
 TEST(LeapSeconds, AreKnownByAllEightFields) {
