@@ -84,10 +84,11 @@ void STACK_FOLDER::Open() {
 void STACK_FOLDER::RequireSettings(const std::string& settings) const {
     const std::string file = path_ + "/stack.txt";
     if (!fs::exists(file)) {
-        if (fs::exists(path_ + "/pairs")) return;  // of a first call that was killed between two renames
         for (const auto& entry : fs::directory_iterator(path_)) {
-            if (entry.path().filename().string().rfind(kTemporary, 0) == 0) continue;
-            if (entry.path().filename() == "images") continue;
+            const std::string name = entry.path().filename().string();
+            if (name.rfind(kTemporary, 0) == 0) continue;
+            // Of a first call that was killed before it had put stack.txt in place.
+            if ((name == "images" || name == "pairs") && fs::is_empty(entry.path())) continue;
             throw COMPANION_ERROR(path_ + ": is no stack (it has no stack.txt) and is not empty");
         }
         return;

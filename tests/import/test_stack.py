@@ -200,7 +200,12 @@ def test_images_that_do_not_fit_are_told_with_their_line(folder):
         (folder / "pairs.csv").write_text("master,slave\nimage001,image003\nimage001,image002\n")
         refused(*STACK, says=says, folder=folder)
     (folder / "image002.pool").write_text(text)
-    (folder / "mine").mkdir()
-    (folder / "mine" / "thesis.txt").write_text("x")
-    refused(*STACK[:-1], "mine", says=["mine", "no stack"], folder=folder)
-    assert set(content(folder / "mine")) == {str(folder / "mine" / "thesis.txt")}
+    for mine in ("mine", "theirs/pairs"):
+        (folder / mine).mkdir(parents=True)
+        (folder / mine / "thesis.txt").write_text("x")
+        stack = mine.split("/")[0]
+        refused(*STACK[:-1], stack, says=[stack, "no stack"], folder=folder)
+        assert [path.name for path in (folder / stack).rglob("*.txt")] == ["thesis.txt"]
+    for part in ("images", "pairs"):  # of a first call that was killed
+        (folder / "begun" / part).mkdir(parents=True)
+    good(*STACK[:-1], "begun", folder=folder)
