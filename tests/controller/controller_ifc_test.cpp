@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <functional>
 #include <tuple>
 
@@ -22,8 +23,11 @@ struct OUTCOME {
     std::string log;  ///< content of the file "log"
 };
 
+using USE = std::function<void(CONTROLLER_IFC&)>;
+
 /// @param arguments  without the program's name, which is "/some/where/prog"
-OUTCOME RunController(std::vector<std::string> arguments, const std::function<void(CONTROLLER_IFC&)>& use) {
+OUTCOME RunController(
+    std::vector<std::string> arguments, const USE& use, const USE& prepare = [](CONTROLLER_IFC&) {}) {
     arguments.insert(arguments.begin(), "/some/where/prog");
     std::vector<char*> argv;
     for (std::string& argument : arguments) argv.push_back(argument.data());
@@ -33,6 +37,7 @@ OUTCOME RunController(std::vector<std::string> arguments, const std::function<vo
         Log().SetFileThreshold(1);
         CONTROLLER_IFC controller;
         controller.SetKnownKeys({"MASTER_POOL", "DEM", "LOOKS_RG", "pcf", "pid"});
+        prepare(controller);
         controller.init(static_cast<int>(arguments.size()), argv.data(), true);
         use(controller);
         _exit(7);
@@ -147,6 +152,55 @@ TEST_F(ControllerTest, WhatCanNotBeRightAtTheEndStopsTheRunAtTheBeginning) {
         EXPECT_THAT(log, HasSubstr(c.text));
         EXPECT_EQ(std::filesystem::exists(c.error_file), std::string(c.error_file) != "ERROR.none");
         std::filesystem::remove("log");
+    }
+}
+
+TEST_F(ControllerTest, ProblemsOfFilesEndTheRunAndSpareWhatIsNoStatusFile) {
+    struct CASE {
+        const char* name;
+        std::string before;  ///< content of OK.prog and ERROR.prog
+        bool ok_is_other, error_is_other, log_is_other;
+        std::string ok, error;  ///< contents afterwards
+    };
+    const CASE cases[] = {
+        {"log and report", "0", false, false, true, "", "1"},  // as long as the first log is there
+        {"other files", "long", false, false, false, "", "1"},
+        {"in both places", "long", true, true, false, "long", "long"},
+        {"in that of OK", "long", true, false, false, "long", "1"},
+        {"in that of ERROR", "long", false, true, false, "", "long"},
+        {"status files", "0", true, true, false, "", "1"},
+    };
+    for (const CASE& c : cases) {
+        for (const bool signal : {false, true}) {  // while the reasons are told
+            SCOPED_TRACE(c.name);
+            Write("log", "older");
+            for (const char* path : {"OK.prog", "ERROR.prog"}) Write(path, c.before);
+            Write("started", "no");
+            const auto prepare = [&](CONTROLLER_IFC& controller) {
+                controller.SetCheckFiles([&] {
+                    return FILE_PROBLEMS{
+                        {"first", "last"}, c.log_is_other, c.ok_is_other, c.error_is_other, c.log_is_other};
+                });
+                controller.SetBeforeStart([signal] {
+                    Write("started", "yes");
+                    if (signal) raise(SIGTERM);
+                });
+            };
+            EXPECT_EQ(RunController(
+                          {"-lfn", "log"}, [](CONTROLLER_IFC&) {}, prepare)
+                          .status,
+                      1);
+            EXPECT_EQ(Content("OK.prog"), c.ok);
+            EXPECT_EQ(Content("ERROR.prog"), c.error);
+            EXPECT_EQ(Content("started"), c.log_is_other ? "no" : "yes");
+            EXPECT_EQ(Content("log") == "older", c.log_is_other);
+            const std::string stays =
+                c.log_is_other ? "ALARM : global : the log stays in " + temporary_log_ + "\n" : "";
+            const std::string reasons = "ALARM : global : first\nALARM : global : last\n";
+            if (signal && !c.log_is_other) continue;
+            EXPECT_THAT(Content(c.log_is_other ? temporary_log_ : "log"),
+                        EndsWith(stays + reasons + "ALARM : global : ORQ_MSG|ERROR|prog terminated with error!\n"));
+        }
     }
 }
 

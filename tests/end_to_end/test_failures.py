@@ -276,6 +276,18 @@ def test_coverage_gap_tells_first_point_number_box_and_cause(fresh_scene, cause,
     assert_failed(run, before)
 
 
+@pytest.mark.parametrize("ground_m, column, height_m", [(100.0, -1, 3000), (3000.0, 0, 100)])
+def test_a_lone_void_is_found_at_either_end_of_its_pixels_places(fresh_scene, ground_m, column, height_m):
+    """One sample at the DEM's edge makes the heights of the scene a wide range, and so the places that a pixel may have: a
+    hundred samples of the DEM. The void lies at one end of them."""
+    made, folder = fresh_scene(samples=200, lines=160, terrain="flat", low_m=ground_m, cover_low_m=ground_m - 1, cover_high_m=ground_m + 1)
+    heights = made.heights.copy()
+    rows, columns = heights.shape
+    heights[rows // 2, columns // 2], heights[rows // 2, column] = -32768, height_m
+    raster.write_int16(folder / "dem.ras", heights)
+    assert "a void of the DEM lies there" in velmora(folder).lines("WARN")[-1]
+
+
 def test_image_just_outside_the_orbits_data(fresh_scene):
     """The interpolator's hard stop ends the process, without the last line of other failures."""
     _, folder = fresh_scene(**SMALL)

@@ -181,6 +181,50 @@ TEST(PoolUpdate, OfTwoObjectsOnOneFileIsOne) {
     EXPECT_EQ(first.Get<int>("b"), 3);
 }
 
+TEST(PoolUpdate, ThatWaitsForOneOfTwoPoolsTooLongLeavesBothUnlocked) {
+    const TEMPORARY_FOLDER folder;
+    const POOL_FILE others[] = {POOL_FILE(folder.Make("k INT_32 1\n", "a")),
+                                POOL_FILE(folder.Make("k INT_32 1\n", "b"))};
+    PARAMETER_POOL_READ_WRITE_CHANGE first(folder.Path("a"));
+    PARAMETER_POOL_READ_WRITE_CHANGE second(folder.Path("b"));
+    for (const POOL_FILE& locked : others) {
+        locked.Lock(POOL_FILE::LOCK::EXCLUSIVE);
+        EXPECT_THROW(POOL_TRANSACTION({&first, &second}, 0), ERROR_PARAMETER_POOL);
+        for (const POOL_FILE& other : others) other.Lock(POOL_FILE::LOCK::EXCLUSIVE, 0);
+        for (const POOL_FILE& other : others) other.Unlock();
+    }
+}
+
+TEST(PoolUpdate, OfTwoPoolsOfWhichOneCanNotBeWrittenChangesNeither) {
+    for (const bool room_for_copies : {false, true}) {
+        const TEMPORARY_FOLDER folder;
+        const std::string old = "k INT_32 1\n";
+        folder.Make(old);
+        std::filesystem::create_directory(folder.Path("disk"));
+        const int status = InProcess([&] {
+            if (!MountSmallDisk(folder.Path("disk"), "size=8k")) _exit(77);
+            std::string path = folder.Make(old, "disk/pool");
+            folder.Make("fills", "disk/other");  // two blocks, two files
+            if (room_for_copies && mount(path.c_str(), folder.Make("", "pool").c_str(), "", MS_BIND, nullptr) != 0)
+                _exit(77);
+            if (room_for_copies) path = folder.Path("pool");
+            PARAMETER_POOL_READ_WRITE_CHANGE first(folder.Path());
+            PARAMETER_POOL_READ_WRITE_CHANGE second(path);
+            first.Change("k", 2);
+            second.Change("v", ARRAY<int>(0, 2000));
+            const std::string log = ErrorAndLogOf([&] { POOL_TRANSACTION({&first, &second}).Commit(); });
+            EXPECT_THAT(log,
+                        testing::StartsWith(room_for_copies ? "parameter pool error\n" : "pool error - corrupted"));
+            EXPECT_THAT(log, HasSubstr(room_for_copies ? "No space left on device (writing)\n" : "is NOT CHANGED !!"));
+            for (const std::string& pool : {folder.Path(), path}) EXPECT_EQ(Content(pool), old);
+            EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path("")), {}), room_for_copies ? 3 : 2);
+            _exit(testing::Test::HasFailure() ? 1 : 0);
+        });
+        if (status == 77) GTEST_SKIP() << "no right to mount a small disk";
+        EXPECT_EQ(status, 0);
+    }
+}
+
 TEST(PoolUpdate, ASignalThatWaitsPutsTheOldContentBack) {
     const TEMPORARY_FOLDER folder;
     const std::string path = folder.Make("k INT_32 1\n");
@@ -195,7 +239,9 @@ TEST(PoolUpdate, ASignalThatWaitsPutsTheOldContentBack) {
         std::fputs(ErrorAndLogOf([&] { pool.Update(); }).c_str(), stderr);
         sigprocmask(SIG_UNBLOCK, &termination, nullptr);
     };
-    EXPECT_EXIT(interrupted(), testing::KilledBySignal(SIGTERM), "a signal came during the update of the pools");
+    EXPECT_EXIT(interrupted(), testing::KilledBySignal(SIGTERM),
+                testing::AllOf(testing::StartsWith("parameter pool error\n"),
+                               HasSubstr("a signal came during the update of the pools")));
     EXPECT_EQ(Content(path), "k INT_32 1\n");
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path(".")), {}), 1);
 }

@@ -3,6 +3,7 @@
 import collections
 import os
 import pathlib
+import re
 import shutil
 import struct
 import subprocess
@@ -108,50 +109,98 @@ def test_tables_follow_the_product(tmp_path):
     assert np.abs(row["dem"][325] - row["h_earth"][300]).max() <= 3  # half way up, in the same light in spite of the voids
     assert row["h_earth"][10][1] > row["h_earth"][10][0] and (row["h_earth"][599] > 150).all()
 
-    # A ridge from top to bottom: at the same height its left side is lit, and by Lambert's law how much more.
-    write(tmp_path / "h_earth.ras", np.tile(300.0 - np.abs(np.arange(601) - 300), (300, 1)))
-    good(tmp_path, "picture", "h_earth.ras", "--force")
-    lit, dark = (png(tmp_path / "h_earth.png")[150, column] for column in (100, 500))
-    wanted = [0.45 + 0.55 * (1 + sign / np.sqrt(2)) / np.sqrt(2) for sign in (1, -1)]
-    assert lit.max() < 255 and np.abs(dark / lit - wanted[1] / wanted[0]).max() < 0.02
+
+def slope(image, axis):
+    """Half of what the neighbours differ; what is known of it at the edges and beside missing values."""
+    pad = [(1, 1) if i == axis else (0, 0) for i in (0, 1)]
+    steps = np.diff(np.pad(image, pad, constant_values=np.nan), axis=axis)
+    before, behind = np.delete(steps, -1, axis), np.delete(steps, 0, axis)
+    return np.nan_to_num(np.where(np.isnan(before), behind, np.where(np.isnan(behind), before, 0.5 * (before + behind))))
 
 
-def test_views_and_flags_have_tables_of_their_own(tmp_path):
-    ramp = np.tile(np.linspace(-100.0, 50.0, 601), (300, 1))
-    endless = ramp.copy()
-    endless[:, :50] = np.inf
-    for kind, values in (("PERPENDICULAR_BASELINE", ramp), ("INCIDENCE", ramp), ("LOCAL_INCIDENCE", ramp),
-                         ("LINE_OF_SIGHT_E", ramp), ("HEIGHT_OF_AMBIGUITY", endless)):
-        write(tmp_path / "x.ras", values)
-        good(tmp_path, "picture", "x.ras", "--kind", kind, "--force")
-        row = png(tmp_path / "x.png")[150]
-        if kind == "PERPENDICULAR_BASELINE":  # white at 0
-            assert row[400].min() > 235 and row[5][2] > row[5][0] + 60 and row[595][0] > row[595][2]
-            continue
-        assert (tuple(row[20]) == (128, 128, 128)) == (kind == "HEIGHT_OF_AMBIGUITY")
-        light = row[50:].sum(axis=1)
-        assert (np.diff(light) >= -6).all() and light[-1] > light[0] + 250, kind
-    colours = {0: (235, 235, 230), 1: (230, 130, 40), 2: (40, 70, 140), 3: (140, 60, 130), 4: (120, 190, 120), 8: (120, 190, 120),
-               5: (230, 130, 40), 14: (40, 70, 140), 128: (0, 0, 0)}
-    for repeat in (1, 3):  # 3 x 3 pixels become one, which has the bits of all
-        flags = np.repeat(np.repeat(np.uint8([list(colours)]), 170 * repeat, axis=1), 60 * repeat, axis=0)
-        flags[:, 170 * 3 * repeat:170 * 4 * repeat:3] = 2 if repeat == 3 else 3
-        flags[:, 170 * 3 * repeat + 1:170 * 4 * repeat:3] = 1 if repeat == 3 else 3
-        write(tmp_path / "layover_shadow.ras", flags, "u1")
-        good(tmp_path, "picture", "layover_shadow.ras", "--force")
-        row = png(tmp_path / "layover_shadow.png")[30]
-        assert [tuple(row[170 * i + 85]) for i in range(len(colours))] == list(colours.values())
+def test_heights_are_lit_by_lamberts_law(tmp_path):
+    heights = np.random.default_rng(8).integers(-3, 4, (40, 60)).astype(float)
+    heights[5:7, 5:9], heights[20, ::3], heights[::2, 30:40:2], heights[-3:, -3:] = (np.nan,) * 4
+    write(tmp_path / "dem.ras", np.nan_to_num(heights, nan=-32768), "<i2")
+    good(tmp_path, "picture", "dem.ras")
+    picture = png(tmp_path / "dem.png")[:40, :60]
+    down, right = slope(heights, 0), slope(heights, 1)
+    down, right = np.array([down, right]) / np.sqrt(np.mean(down**2 + right**2))
+    light = np.maximum(1 / np.sqrt(2) + (right + down) / 2, 0) / np.sqrt(1 + right**2 + down**2) * np.sqrt(2)
+    assert (picture[np.isnan(heights)] == 128).all() and light.min() == 0 and light.max() > 1.3
+    for height in range(-3, 4):  # of one height are of one colour but for the light
+        at = heights == height
+        level = (picture[at] + 0.5) / (0.45 + 0.55 * light[at])[:, None]
+        spread = np.where(picture[at] == 255, np.nan, level)  # cut off
+        assert np.nanmax(np.nanmax(spread, axis=0) - np.nanmin(spread, axis=0)) < 1.02 / 0.45, height
 
 
-@pytest.mark.parametrize("kind, pixel", [("X_EARTH", "<f4"), ("LAYOVER_SHADOW", "u1")])
-def test_the_narrowest_picture_shows_its_whole_legend(tmp_path, kind, pixel):
-    write(tmp_path / "small.ras", np.array([[1, 2, 4], [3, 128, 0]], dtype=float), pixel)
-    good(tmp_path, "picture", "small.ras", "--kind", kind, "--invalid", "99")
-    legend = png(tmp_path / "small.png")[2:]
-    assert legend.shape[1] == 480 and (legend[:, -9:] == 255).all()  # nothing runs out of the picture
-    if kind == "LAYOVER_SHADOW":
-        swatches = collections.Counter(map(tuple, legend.reshape(-1, 3)))
-        assert all(swatches[colour] >= 256 for colour in ((235, 235, 230), (230, 130, 40), (40, 70, 140), (140, 60, 130), (120, 190, 120)))
+FONT = {letter: [int(row, 16) for row in rows.split(", ")] for rows, letter in re.findall(
+    r"\{((?:0x\w\w, ){8}0x\w\w)\},  // (\S)", (REPOSITORY / "view" / "canvas.cpp").read_text())}
+
+
+def draw(black, left, top, text):
+    for place, letter in enumerate(text.lower()):
+        for y, bits in enumerate(FONT.get(letter, ())):
+            for x in range(5):
+                black[top + 2 * y:top + 2 * y + 2, left + 12 * place + 2 * x:left + 12 * place + 2 * x + 2] |= bits >> (4 - x) & 1 == 1
+
+
+def check_legend(folder, kind, values, pixel, title, black):
+    """All that is black, and the grey of the missing value. @return the picture"""
+    columns = values.shape[1]
+    for missing in (False, True):
+        values[1, 7] = 99 if missing else values[0, 7]
+        write(folder / "a.ras", values, pixel)
+        good(folder, "picture", "a.ras", "--invalid", "99", "--force", *(("--kind", kind) if kind else ()))
+        picture = png(folder / "a.png")
+        grey = np.zeros_like(black)
+        grey[10:24, columns - 138:columns - 116] = missing
+        draw(black, 10, 10, title)
+        draw(black, columns - 106, 10, "no value" if missing else "")
+        assert ((picture[3:] == 0).all(axis=2) == black).all() and ((picture[3:] == 128).all(axis=2) == grey).all()
+    return picture
+
+
+@pytest.mark.parametrize("kind, title, least, greatest, columns, numbers", [
+    ("", "values", 0.0, 100.0, 481, "0 33 67 100"),
+    ("", "values", 0.0, 99.5, 619, "0.0 33.2 66.3 99.5"),
+    ("", "values", -5.0, 5.0, 620, "-5.0 -2.5 0.0 2.5 5.0"),
+    ("", "values", 1.0, 10.75, 1600, "1.00 3.44 5.88 8.31 10.75"),
+    ("H_EARTH", "terrain height", 1.0, 1.5, 480, "1.000 1.167 1.333 1.500_m"),
+    ("H_EARTH", "terrain height", 7.0, 7.0, 480, "7.000000 7.000000 7.000000 7.000000_m"),
+    ("X_EARTH", "Earth-fixed x, less offset", -1e6, 2e5, 480, "-1000000 -333333 333333 1000000_m"),
+    ("SIMU_PHASE", "simulated phase, wrapped", 2.0, 3.0, 480, "0.00 2.09 4.19 6.28_rad")])
+def test_legends_have_a_bar_with_numbers(tmp_path, kind, title, least, greatest, columns, numbers):
+    black = np.zeros((92, columns), bool)
+    texts = [text.replace("_", " ") for text in numbers.split()]
+    for tick, text in enumerate(texts):
+        place = 10 + tick * (columns - 21) // (len(texts) - 1)
+        black[56:60, place:place + 2] = True
+        draw(black, int(np.clip(place - 6 * len(text), 10, columns - 10 - 12 * len(text))), 64, text)
+    picture = check_legend(tmp_path, kind, np.tile(np.linspace(least, greatest, columns), (3, 1)), "<f4", title, black)
+    if not kind:  # the bar has the picture's colours, from end to end
+        bar, along = picture[41:59], np.linspace(0, columns - 1, columns - 20).round().astype(int)
+        assert np.abs(bar[:, 10:-10] - picture[0, along]).max() <= 6 and (bar[:, [9, -10]] == 255).all()
+
+
+LINE = [("seen", 10, (235, 235, 230)), ("layover", 96, (230, 130, 40)), ("shadow", 218, (40, 70, 140)), ("both", 328, (140, 60, 130)),
+        ("for the slave only", 414, (120, 190, 120)), ("no terrain", 668, (0, 0, 0))]
+SHORT = [LINE[:4], [(*LINE[4][:1], 10, LINE[4][2]), ("no terrain", 264, (0, 0, 0))]]
+
+
+@pytest.mark.parametrize("columns, lines", [(820, [LINE]), (819, [LINE[:5], [("no terrain", 10, (0, 0, 0))]]),
+                                            (662, [LINE[:5], [("no terrain", 10, (0, 0, 0))]]), (661, SHORT), (480, SHORT)])
+def test_legends_of_flags_name_every_class(tmp_path, columns, lines):
+    black = np.zeros((92, columns), bool)
+    swatches = [(row, *entry) for row, entries in zip((38, 64), lines) for entry in entries]
+    for row, text, left, colour in swatches:
+        black[row:row + 18, left:left + 18] = True
+        black[row + 1:row + 17, left + 1:left + 17] = colour == (0, 0, 0)
+        draw(black, left + 22, row, text)
+    picture = check_legend(tmp_path, "LAYOVER_SHADOW", np.full((3, columns), 3.0), "u1", "layover and shadow", black)
+    for row, _, left, colour in swatches:
+        assert (picture[row + 4:row + 20, left + 1:left + 17] == colour).all()
 
 
 def test_sidecars_open_bit_equal_and_move_along(tmp_path):
@@ -196,7 +245,18 @@ def test_info_counts_and_measures(tmp_path):
     assert found["size"] == "90 columns x 70 rows" and found["pixels"] == "6297 with a value, 3 without"
     for key, value in (("minimum", there.min()), ("maximum", there.max()), ("mean", there.mean()), ("deviation", there.std())):
         assert abs(float(found[key].split()[0]) - value) <= 1e-8 * abs(value), key
-    assert found["offset"].startswith("-123456 m")
+    assert found["offset"] == "-123456 m, to be added to every pixel"
+    assert lines[0] == "y_earth.ras" and found["content"] == "Earth-fixed y, less offset (Y_EARTH)"
+    types = {"<f4": "32-bit real (flt_6)", "<f8": "64-bit real (flt_15)", "<i2": "16-bit integer (int_16)",
+             "<i4": "32-bit integer (int_32)", "u1": "8-bit unsigned integer (u_int_8)"}
+    for pixel, text in types.items():
+        write(tmp_path / "a.ras", np.array([[7, 2, 3, 3]]), pixel)
+        some, none = (good(tmp_path, "info", "a.ras", "--pool", "insar.pool", *words) for words in ((), ("--invalid", "3", "--kind", "H_EARTH")))
+        head = "  content    not known\n  size       4 columns x 1 rows\n  type       %s\n" % text
+        assert some.startswith("a.ras\n" + head + "  pixels     4 with a value, 0 without\n  minimum    2 \n  maximum    7 \n  mean       3.75 \n")
+        assert "offset" not in some and "terrain height (H_EARTH)" in none and "maximum    7 m\n  mean       4.5 m\n  deviation  2.5 m\n" in none
+    write(tmp_path / "a.ras", np.full((2, 1), np.nan))
+    assert good(tmp_path, "info", "a.ras").endswith("  pixels     0 with a value, 2 without\n")
 
 
 PLACES = {
@@ -235,6 +295,12 @@ def test_geocoded_corners_lie_where_the_orbits_see_them(tmp_path, place):
     finer = min(np.linalg.norm(np.diff(places, axis=axis), axis=-1).mean() for axis in (0, 1))
     least = np.sqrt(np.ptp(places[..., 0]) * np.ptp(places[..., 1]) / (4 * x.size))
     assert abs(np.radians(-dy) / max(finer, least) - 1) < 1e-3
+    # A map pixel beyond the positions on each side, and at most one more where the extent is no whole number of them.
+    longitude, latitude = np.degrees(np.unwrap(longitude)), np.degrees(latitude)
+    west = longitude.min() + 360.0 * np.round((left - longitude.min()) / 360.0)
+    right, bottom = left + dx * mapped.RasterXSize, top + dy * mapped.RasterYSize
+    assert np.abs([(west - left) / dx - 1, (latitude.max() - top) / dy - 1]).max() < 1e-3
+    assert np.abs([(right - west - np.ptp(longitude)) / dx - 1, (bottom - latitude.min()) / dy - 1]).max() < 0.51
 
 
 def run_with_earth_files(folder):

@@ -41,8 +41,8 @@ void PrepareReasonLines() {
 constexpr unsigned kLongestHandlingSeconds = 2;
 
 void LeaveErrorStatus(const FATAL_SIGNAL_REACTION& reaction) noexcept {
-    if (reaction.error_path.empty()) return;
     RemoveStatusFile(reaction.ok_path.c_str());
+    if (reaction.error_path.empty()) return;
     if (!WriteStatusFile(reaction.error_path.c_str(), '1'))
         LOGGING::EmergencyLine(LOGGING_LEVEL::WARNING, reaction.can_not_create_line.c_str());
 }

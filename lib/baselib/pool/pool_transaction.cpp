@@ -6,7 +6,8 @@
 #include "lib/baselib/logging/logging.h"
 #include "lib/baselib/pool/updated_content.h"
 
-POOL_TRANSACTION::POOL_TRANSACTION(std::vector<PARAMETER_POOL_READ_WRITE_CHANGE*> pools) : pools_(std::move(pools)) {
+POOL_TRANSACTION::POOL_TRANSACTION(std::vector<PARAMETER_POOL_READ_WRITE_CHANGE*> pools, int longest_wait_s)
+    : pools_(std::move(pools)) {
     for (PARAMETER_POOL_READ_WRITE_CHANGE* pool : pools_) pool->RequirePermission();
     for (PARAMETER_POOL_READ_WRITE_CHANGE* pool : pools_) {
         const bool is_known = std::any_of(files_.begin(), files_.end(), [pool](const auto& other) {
@@ -17,7 +18,7 @@ POOL_TRANSACTION::POOL_TRANSACTION(std::vector<PARAMETER_POOL_READ_WRITE_CHANGE*
     std::sort(files_.begin(), files_.end(),
               [](auto* a, auto* b) { return a->File().Identity() < b->File().Identity(); });
     try {
-        LockAll();
+        LockAll(longest_wait_s);
     } catch (...) {
         for (PARAMETER_POOL_READ_WRITE_CHANGE* pool : pools_) pool->ReleaseLock();
         throw;
@@ -28,8 +29,8 @@ POOL_TRANSACTION::~POOL_TRANSACTION() {
     for (PARAMETER_POOL_READ_WRITE_CHANGE* pool : pools_) pool->ReleaseLock();
 }
 
-void POOL_TRANSACTION::LockAll() {
-    for (PARAMETER_POOL_READ_WRITE_CHANGE* pool : files_) pool->File().Lock(POOL_FILE::LOCK::EXCLUSIVE);
+void POOL_TRANSACTION::LockAll(int longest_wait_s) {
+    for (PARAMETER_POOL_READ_WRITE_CHANGE* pool : files_) pool->File().Lock(POOL_FILE::LOCK::EXCLUSIVE, longest_wait_s);
     for (PARAMETER_POOL_READ_WRITE_CHANGE* pool : pools_) {
         pool->HoldLock();
         (void)pool->Text();
@@ -100,12 +101,11 @@ void POOL_TRANSACTION::CopyAll() {
         }
         if (!SIGNALS_HELD_BACK::EndIsNear()) return;
         Log().Message(LOGGING_LEVEL::WARNING, "a signal came during the update of the pools: they are put back");
+        throw ERROR_PARAMETER_POOL();
     } catch (...) {
         PutBackAll();
         throw;
     }
-    PutBackAll();
-    throw ERROR_PARAMETER_POOL();
 }
 
 void POOL_TRANSACTION::PutBackAll() {

@@ -26,7 +26,8 @@ class POOL_TRANSACTION {
     /// Two objects on one file count as one pool. The locks are taken in the files' order, so that two runs on the same
     /// pools do not wait for each other.
     /// @throws NO_UPDATE_PERMISSION_FOR_POOL, ERROR_PARAMETER_POOL for a pool that stays locked, what reading throws
-    explicit POOL_TRANSACTION(std::vector<PARAMETER_POOL_READ_WRITE_CHANGE*> pools);
+    explicit POOL_TRANSACTION(std::vector<PARAMETER_POOL_READ_WRITE_CHANGE*> pools,
+                              int longest_wait_s = POOL_FILE::kLongestWaitSeconds);
     ~POOL_TRANSACTION();
     POOL_TRANSACTION(const POOL_TRANSACTION&) = delete;
     POOL_TRANSACTION& operator=(const POOL_TRANSACTION&) = delete;
@@ -45,7 +46,7 @@ class POOL_TRANSACTION {
         POOL_REPLACEMENT back;
     };
 
-    void LockAll();
+    void LockAll(int longest_wait_s);
     void PrepareAll();
     void AnnounceAll();
     void CopyAll();
