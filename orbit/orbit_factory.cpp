@@ -1,7 +1,5 @@
 #include "orbit/orbit_factory.h"
 
-#include <new>
-
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/logging/logging.h"
 #include "orbit/interpolation/everett.h"
@@ -90,11 +88,7 @@ template <class STEP>
 auto NamingEntry(const ORBIT_CONFIGURATION& configuration, const char* key, const std::string& value, STEP step) {
     try {
         return step();
-    } catch (const std::bad_alloc&) {  // no fault of the entry
-        throw;
-    } catch (const ERROR_NO_MEMORY&) {
-        throw;
-    } catch (...) {
+    } catch (const ERROR_EXCEPTION&) {  // not std::bad_alloc, which is no fault of the entry
         Log().Message(LOGGING_LEVEL::ALARM, "%s: key \"%s\": value \"%s\" is refused", configuration.pool_file.c_str(),
                       key, value.c_str());
         throw;

@@ -57,9 +57,10 @@ void FreeVector(T* v, long nl) {
     if (v != nullptr) std::free(Block(v, nl));
 }
 
+/// @param a  not negative
 long ProductOrFail(long a, long b) {
     long product = 0;
-    return a < 0 || b < 0 || __builtin_mul_overflow(a, b, &product) ? -1 : product;
+    return b < 0 || __builtin_mul_overflow(a, b, &product) ? -1 : product;
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <functional>
 #include <limits>
+#include <new>
 #include <numeric>
 #include <string>
 #include <utility>
@@ -81,8 +82,24 @@ TEST(AlignedBlock, HoldsCountZerosAndElements) {
     std::memcpy(header, reinterpret_cast<const char*>(elements) - 32, 32);
     EXPECT_THAT(header, ElementsAre(3, 0, 0, 0));
     EXPECT_THAT(std::vector<double>(elements, elements + 3), testing::Each(0.0));
+    EXPECT_EQ(MEM_ALLOCATION::BlockCount(elements), 3);
     MEM_ALLOCATION::Free(elements);
     MEM_ALLOCATION::Free<double>(nullptr);
+}
+
+TEST(NoMemory, TellsTheNewHandlerOnce) {
+    static int calls;
+    for (const std::new_handler handler : {+[] { ++calls; },
+                                           +[] {
+                                               ++calls;
+                                               throw std::bad_alloc();
+                                           }}) {
+        calls = 0;
+        const std::new_handler before = std::set_new_handler(handler);
+        EXPECT_EQ(MEM_ALLOCATION::Allocate<char>(1LL << 60), nullptr);
+        std::set_new_handler(before);
+        EXPECT_EQ(calls, 1);
+    }
 }
 
 TEST(AlignedBlock, MakesAndEndsEachElementOnce) {
@@ -239,7 +256,12 @@ TEST(SubArray, IsAViewAndNeverAssigned) {
     EXPECT_EQ(array[7], 42);
     EXPECT_EQ(std::as_const(view)[2], 42);
     EXPECT_THAT(ElementsOf(view), ElementsAre(1, 42));
+    for (int& element : view) element += 10;
+    EXPECT_THAT(array, ElementsAre(0, 11, 52, 3));
+    for (int& element : view) element -= 10;
     EXPECT_EQ(view.Range(), (RANGE<int>{1, 2}));
+    EXPECT_EQ(view.First(), 1);
+    EXPECT_EQ(view.Count(), 2);
     EXPECT_THAT(ElementsOf(SUB_ARRAY<int>(array, {5, 4})), ElementsAre(0, 1, 42, 3));
     EXPECT_THROW(view = SUB_ARRAY<int>(view), ERROR_NOT_IMPLEMENTED);
     for (const RANGE<int> beyond : {RANGE<int>{4, 2}, {8, 2}, {6, -1}}) {

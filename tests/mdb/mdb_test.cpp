@@ -173,21 +173,30 @@ TEST_F(MdbTest, SearchesInHundredThousandRecordsTouchAFewPages) {
 }
 
 TEST_F(MdbTest, DefinitionsAreReadLenientlyAndRefusedWhenBad) {
-    const std::pair<std::string, const char*> cases[] = {
-        {"time : UTC\n", "MDB: unknown type in record type definition"},
-        {": utc\n", "MDB: invalid key name in record type definition"},
-        {"a b : utc\n", "MDB: invalid key name in record type definition"},
-        {std::string(5000, 'x'), "MDB: line too long in mdb-file"},
-        {"t : utc\nt : int\n", "MDB: key name appears twice in record type definition"},
+    std::string many;
+    for (int i = 0; i < MDB_RECORD::kMaxItemCount + 5; ++i) many += "i" + std::to_string(i) + " : int\n";
+    const std::tuple<std::string, const char*, std::string> cases[] = {
+        {"time : UTC\n", "MDB: unknown type in record type definition", "time : UTC"},
+        {"time utc\n", "MDB: unknown type in record type definition", "time utc"},
+        {": utc\n", "MDB: invalid key name in record type definition", ""},
+        {"a b : utc\n", "MDB: invalid key name in record type definition", ""},
+        {std::string(5000, 'x'), "MDB: line too long in mdb-file", std::string(80, 'x')},
+        {std::string(4097, ' '), "MDB: line too long in mdb-file", std::string(80, ' ')},
+        {"t : utc\nt : int\n", "MDB: key name appears twice in record type definition", ""},
+        {many, "MDB: too many items in record type definition", "i1001 : int"},
     };
-    for (const auto& [text, expected] : cases) {
-        SCOPED_TRACE(text);
+    for (const auto& [text, expected, last] : cases) {
+        SCOPED_TRACE(text.substr(0, 80));
         WriteFile("format.dat", text);
         MDB db;
-        EXPECT_EQ(TextThrownBy([&] { db.Open(root_, "data", MDB_OPEN_MODE::READ_WRITE); }), expected);
+        std::string thrown;
+        const auto open = [&] { db.Open(root_, "data", MDB_OPEN_MODE::READ_WRITE); };
+        EXPECT_THAT(LoggedBy([&] { thrown = TextThrownBy(open); }),
+                    HasSubstr(expected + (": " + root_ + "/format.dat: last line read: " + last + "\n")));
+        EXPECT_EQ(thrown, expected);
         EXPECT_FALSE(db.IsOpen());
     }
-    WriteFile("format.dat", "time : u t c\n\n  x:double\r\n\tn\t:\tint\n");
+    WriteFile("format.dat", "time : u t c\n\n" + std::string(4096, ' ') + "\n  x:double\r\n\tn\t:\tint\n");
     MDB db;
     db.Open(root_, "data", MDB_OPEN_MODE::READ_WRITE);
     EXPECT_TRUE(db.GetRecordType().SameType(
@@ -213,8 +222,14 @@ TEST_F(MdbTest, AFileCutWithinARecordIsRefusedAndNotExtended) {
 }
 
 TEST_F(MdbTest, DamagedRecordsNameFileAndPlace) {
-    const std::pair<const char*, const char*> cases[] = {
+    const std::pair<std::string, std::string> cases[] = {
         {"t : 1\n  t : 1\n  x : 1.5\n", ": byte 14: expected item n"},
+        {"t : 1\n  t : 1\nn : 1\n", ": byte 14: expected item n"},
+        {"t : 1\n  t : 1\n  n 1\n", ": byte 14: expected item n"},
+        {"  t : 1\n  t : 1\n  n : 1\n", ": byte 0: expected a record of key t"},
+        {"t : 1\n  t : 1\n  n : 2147483648\n", "n: MDB: RECORD_ITEM: can not read value:  2147483648"},
+        {"t : 1\n  t : 1\n  n : -2147483649\n", "can not read value"},
+        {"t : 1\n  t : 1\n  n : " + std::string(90, '9') + "\n", "value:  " + std::string(79, '9') + "\n"},
         {"t : 1\n  t : 2\n  n : 1\n", ": byte 0: the key and the key item differ"},
         {"t : 1\n  t : 1\n  n : 1e400\n", "n: MDB: RECORD_ITEM: can not read value:  1e400"},
         {"t : 2\n  t : 2\n  n : 1\nt : 1\n  t : 1\n  n : 1\n",

@@ -76,6 +76,25 @@ TEST(CompiledOrbit, LeavesOutPiecesWithoutALength) {
     EXPECT_EQ(compiled.Pieces().size(), 2u * 23u - 1u);
 }
 
+/// Rounding to float moves coordinates of 0.05 m by up to 1.9e-9 m, more than a compiled one may differ, and those of
+/// a quarter of the size by up to 0.5e-9 m.
+TEST(CompiledOrbit, AgreesInEveryCoordinateOrNotAtAll) {
+    for (VECTOR_3D<double> size_m : {VECTOR_3D<double>{1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}}) {
+        const auto pieces = [&](double metres) {
+            const auto orbit = OrbitFrom(
+                [&](double t) {
+                    return ORBIT_STATE{(metres + 0.25 * metres * std::sin(0.01 * t)) * size_m,
+                                       0.0025 * metres * std::cos(0.01 * t) * size_m,
+                                       {}};
+                },
+                "hermite_0_4", "orbit_pool_float_double");
+            return COMPILED_ORBIT(*orbit, orbit->FirstTime(), orbit->LastTime()).Pieces().size();
+        };
+        EXPECT_EQ(pieces(0.012), 32u);
+        EXPECT_LT(pieces(0.048), 32u);
+    }
+}
+
 TEST(CompiledOrbit, KeepsToTheDataOfTheOrbit) {
     const ORBIT_OF_POOL orbit = OrbitOf({"hermite_0_8", true});
     const COMPILED_ORBIT compiled(orbit, orbit.FirstTime() - 100.0, orbit.FirstTime() + 12.0);

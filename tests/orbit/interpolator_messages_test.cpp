@@ -137,6 +137,10 @@ TEST(Everett, RefusesWhatItCanNotInterpolate) {
         EXPECT_THAT(LogOfRefusal([&] { EVERETT<double>().Create(Points(one.x), one.order, -1); }), HasSubstr(one.text));
     }
     EVERETT<double>().Create(Points(nearly), 2, -1);
+    const std::pair<X, bool> grids[] = {{{}, true}, {{1}, true}, {{1, 5}, true}, {{1, 5, 9}, true}, {{1, 5, 8}, false}};
+    for (const auto& [x, is_equidistant] : grids) {
+        EXPECT_EQ(EVERETT<double>().IsEquidistant(Points(x)), is_equidistant) << x.size();
+    }
 }
 
 TEST(Everett, ForcesTheOuterCellsInwardsAndSaysSoALimitedNumberOfTimes) {
@@ -191,8 +195,46 @@ TEST(Interpolators, RefuseBadSupportPointsAndParameters) {
     EXPECT_THAT(LogOfRefusal([] { POLYNOM<double>().Create(Points({0, 1e-9, 10})); }), HasSubstr("too close"));
     EXPECT_THAT(LogOfRefusal([] { POLYNOM_FIT<double>().SetOrder(-2); }),
                 HasSubstr("the fit order -2 is outside 0..128"));
-    EXPECT_THROW(HERMITE_POLY<double>().SetSupportPointCount(0), ERROR_ARGUMENT);
-    EXPECT_THROW(LOCAL_POLYNOM().SetSupportPointCount(-7), ERROR_ARGUMENT);
+    for (const int count : {0, -2, 129}) {
+        EXPECT_THAT(LogOfRefusal([&] { HERMITE_POLY<double>().SetSupportPointCount(count); }),
+                    HasSubstr("HERMITE_POLY: the node count " + std::to_string(count) + " is outside 1..128"));
+    }
+    for (const int count : {0, -7}) {
+        EXPECT_THAT(LogOfRefusal([&] { LOCAL_POLYNOM().SetSupportPointCount(count); }),
+                    HasSubstr("the support point count " + std::to_string(count) + " is below 1"));
+    }
+    HERMITE_POLY<double> as_usual, with_eight;
+    as_usual.Create(Slopes(kGrid), -1, -1);
+    with_eight.Create(Slopes(kGrid), -1, 8);
+    EXPECT_EQ(as_usual.Value(104), with_eight.Value(104));
+}
+
+/// How many powers of ten a query may reach.
+int ReachOf(const INTERPOLATION<double, POINT<double>>& interpolation) {
+    int power = 0;
+    while (ErrorAndLogOf([&] { interpolation.Value(std::pow(10.0, power)); }).find("so far") == std::string::npos)
+        ++power;
+    return power;
+}
+
+TEST(Interpolators, ReachLessFarTheLargerTheirOrdinatesAre) {
+    POLYNOM<double> polynom;
+    POLYNOM_FIT<double> fit;
+    CHEBY_POLY<double> chebyshev;
+    SPLINE<double> spline;
+    EVERETT<double> everett;
+    using ANY = INTERPOLATION<double, POINT<double>>;
+    for (ANY* one : std::initializer_list<ANY*>{&polynom, &fit, &chebyshev, &spline, &everett}) {
+        one->Create(SamplesOf<POINT<double>>(SineOf(1, 0.05L), kGrid), 6, -1);
+        const int reach = ReachOf(*one);
+        for (const int large : {0, 11}) {
+            ARRAY<POINT<double>> points = Points(kGrid);
+            points[large].y = 1e59;
+            one->Create(points, 6, -1);
+            EXPECT_LT(ReachOf(*one), reach);
+            EXPECT_GT(ReachOf(*one), 12);
+        }
+    }
 }
 
 /// Queries that would overflow, or have no support points to stand on, end in a message, never in a trap.

@@ -2,16 +2,90 @@
 
 #include <gmock/gmock.h>
 
+#include <functional>
+#include <limits>
 #include <numeric>
+#include <random>
 
 #include "orbit/fit/gaussj.h"
 #include "orbit/fit/nr_allocators.h"
+#include "orbit/fit/svdcmp.h"
 #include "orbit/fit/svdfit.h"
 #include "orbit/interpolation/cheby_poly.h"
 #include "orbit/interpolation/polynom_fit.h"
 #include "tests/orbit/closed_forms.h"
 
 namespace {
+
+/// a = U diag(w) V^T with orthonormal columns in V, and in U where w is not zero; a's column `zero` is made 0, its
+/// column `twice` another one doubled (0: none).
+template <class T>
+void CheckDecomposition(int m, int n, int zero, int twice) {
+    SCOPED_TRACE(testing::Message() << m << " x " << n << ", " << zero << ", " << twice << ", " << sizeof(T));
+    std::mt19937 random(static_cast<unsigned>(100 * m + 10 * n + zero));
+    std::uniform_real_distribution<T> element(-1, 1);
+    T** const a = NUMERICS::matrix<T>(1, m, 1, n);
+    T** const u = NUMERICS::matrix<T>(1, m, 1, n);
+    T** const v = NUMERICS::matrix<T>(1, n, 1, n);
+    std::vector<T> w(static_cast<size_t>(n) + 1), work(w), x(w), b(static_cast<size_t>(m) + 1);
+    for (int i = 1; i <= m; ++i) {
+        for (int j = 1; j <= n; ++j) {
+            a[i][j] = j == zero ? T{0} : j == twice ? 2 * a[i][1] : element(random);
+            u[i][j] = a[i][j];
+        }
+    }
+    NUMERICS::svdcmp(u, m, n, w.data(), v, work.data());
+    const T epsilon = 30 * std::numeric_limits<T>::epsilon();
+    for (int j = 1; j <= n; ++j) {
+        EXPECT_GE(w[j], 0);
+        if (w[j] < epsilon) w[j] = 0;
+    }
+    const int rank = static_cast<int>(std::count_if(w.begin(), w.end(), [](T value) { return value > 0; }));
+    EXPECT_EQ(rank, std::min(m, n - (zero > 0 ? 1 : 0) - (twice > 0 ? 1 : 0)));
+    const auto product = [](int count, const auto& term) {
+        T sum = 0;
+        for (int k = 1; k <= count; ++k) sum += term(k);
+        return sum;
+    };
+    for (int i = 1; i <= m; ++i) {
+        for (int j = 1; j <= n; ++j)
+            EXPECT_LE(std::fabs(product(n, [&](int k) { return u[i][k] * w[k] * v[j][k]; }) - a[i][j]), epsilon) << i;
+    }
+    for (int i = 1; i <= n; ++i) {
+        for (int j = 1; j <= n; ++j) {
+            EXPECT_LE(std::fabs(product(n, [&](int k) { return v[k][i] * v[k][j]; }) - (i == j)), epsilon);
+            if (w[i] == 0 || w[j] == 0) continue;
+            EXPECT_LE(std::fabs(product(m, [&](int k) { return u[k][i] * u[k][j]; }) - (i == j)), epsilon);
+        }
+    }
+    // Least squares: what is left of b stands at a right angle to every column.
+    for (int i = 1; i <= m; ++i) b[i] = element(random);
+    NUMERICS::svbksb(u, w.data(), v, m, n, b.data(), x.data(), work.data());
+    for (int i = 1; i <= m; ++i) b[i] -= product(n, [&](int j) { return a[i][j] * x[j]; });
+    for (int j = 1; j <= n; ++j) EXPECT_LE(std::fabs(product(m, [&](int i) { return a[i][j] * b[i]; })), 100 * epsilon);
+    NUMERICS::free_matrix(a, 1, m, 1, n);
+    NUMERICS::free_matrix(u, 1, m, 1, n);
+    NUMERICS::free_matrix(v, 1, n, 1, n);
+}
+
+TEST(Svdcmp, DecomposesAndSolvesForAnyShapeAndRank) {
+    for (const auto& [m, n, zero, twice] : {std::array{8, 5, 0, 0},
+                                            {5, 5, 0, 0},
+                                            {3, 5, 0, 0},
+                                            {1, 1, 0, 0},
+                                            {4, 1, 0, 0},
+                                            {1, 3, 0, 0},
+                                            {7, 4, 1, 0},
+                                            {7, 4, 4, 0},
+                                            {7, 4, 2, 0},
+                                            {7, 5, 0, 3},
+                                            {9, 6, 3, 6},
+                                            {12, 10, 0, 0}}) {
+        CheckDecomposition<float>(m, n, zero, twice);
+        CheckDecomposition<double>(m, n, zero, twice);
+        CheckDecomposition<long double>(m, n, zero, twice);
+    }
+}
 
 template <class T, template <class> class F>
 void CheckSvdFit(std::vector<double> expected_of_quadratic) {
@@ -126,11 +200,50 @@ TEST(NumericsHardStop, NamesTheReasonAndExitsWithOne) {
     expect([&] { eliminate(1, 0); }, "gaussj: Singular Matrix-2");
     expect([&] { eliminate(std::nan(""), std::nan("")); }, "gaussj: Singular Matrix-1");
     constexpr long kHuge = 1L << 62;  // refused before the allocator, which a sanitizer would end the run for
-    expect([] { NUMERICS::vector<float>(1, kHuge); }, "allocation failure in vector()");
-    expect([] { NUMERICS::matrix<double>(1, 10, 1, kHuge); }, "allocation failure 2 in matrix()");
+    double** const none = nullptr;
+    const std::pair<const char*, std::function<void()>> too_large[] = {
+        {"vector()", [] { NUMERICS::vector<float>(1, kHuge); }},
+        {"vector()", [] { NUMERICS::vector<double>(2, 0); }},  // less than no elements
+        {"vector()", [] { NUMERICS::vector<double>(-kHuge, 2 * (kHuge - 1)); }},
+        {"ivector()", [] { NUMERICS::ivector(1, kHuge); }},
+        {"cvector()", [] { NUMERICS::cvector(-kHuge, kHuge - 2); }},
+        {"lvector()", [] { NUMERICS::lvector(1, kHuge); }},
+        {"dvector()", [] { NUMERICS::dvector(1, kHuge); }},
+        {"submatrix()", [=] { NUMERICS::submatrix(none, 1, kHuge, 1, 1, 1, 1); }},
+        {"convert_matrix()", [] { NUMERICS::convert_matrix(static_cast<double*>(nullptr), 1, kHuge, 1, 1); }},
+    };
+    for (const auto& [name, call] : too_large) expect(call, std::string("allocation failure in ") + name);
+    const std::pair<const char*, std::function<void()>> too_large_parts[] = {
+        {"1 in matrix()", [] { NUMERICS::matrix<double>(1, kHuge, 1, 1); }},
+        {"2 in matrix()", [] { NUMERICS::matrix<double>(1, 10, 1, kHuge); }},
+        {"2 in matrix()", [] { NUMERICS::matrix<double>(1, 10, 2, 0); }},
+        {"2 in matrix()", [] { NUMERICS::matrix<double>(1, 0, 2, 0); }},
+        {"1 in f3tensor()", [] { NUMERICS::f3tensor<double>(1, kHuge, 1, 1, 1, 1); }},
+        {"2 in f3tensor()", [] { NUMERICS::f3tensor<double>(1, 10, 1, kHuge, 1, 1); }},
+        {"3 in f3tensor()", [] { NUMERICS::f3tensor<double>(1, 10, 1, 10, 1, kHuge); }},
+    };
+    for (const auto& [name, call] : too_large_parts) expect(call, std::string("allocation failure ") + name);
+}
+
+template <class T>
+void CheckVector(T* (*allocate)(long, long), void (*release)(T*, long, long)) {
+    T* const v = allocate(-2, 3);
+    for (int i = -2; i <= 3; ++i) EXPECT_EQ(v[i], T{0}) << i;
+    v[-2] = v[3] = T{7};
+    release(v, -2, 3);
+    release(allocate(5, 4), 5, 4);  // no elements
+    release(nullptr, 1, 2);
 }
 
 TEST(NumericsAllocators, AddressTheirRangesAndShareElements) {
+    CheckVector(NUMERICS::vector<float>, NUMERICS::free_vector<float>);
+    CheckVector(NUMERICS::ivector, NUMERICS::free_ivector);
+    CheckVector(NUMERICS::cvector, NUMERICS::free_cvector);
+    CheckVector(NUMERICS::lvector, NUMERICS::free_lvector);
+    CheckVector(NUMERICS::dvector, NUMERICS::free_dvector);
+    NUMERICS::free_matrix(NUMERICS::matrix<double>(1, 0, 1, 3), 1, 0, 1, 3);
+    NUMERICS::free_matrix<double>(nullptr, 1, 2, 1, 2);
+    NUMERICS::free_f3tensor<double>(nullptr, 1, 2, 1, 2, 1, 2);
     double** const m = NUMERICS::matrix<double>(2, 4, -1, 1);
     for (int row = 2; row <= 4; ++row)
         for (int column = -1; column <= 1; ++column) m[row][column] = 10 * row + column;

@@ -123,7 +123,19 @@ TEST(InterpolationText, GivesNameOrderAndCount) {
         {"localpolynom__4", LOCALPOLYNOM, -1, 8},
         {"chebyshev_012", CHEBYSHEV, 12, -1},
         {"everett", EVERETT, 6, -1},
+        {"everett_0", EVERETT, 0, -1},
+        {"polynom", POLYNOM, -1, -1},
+        {"polyfit", POLYFIT, 9, -1},
+        {"polyfit_100", POLYFIT, 100, -1},
+        {"spline_4_5", SPLINE, -1, -1},
+        {"localpolyfit", LOCALPOLYFIT, 7, 9},
+        {"chebyshev", CHEBYSHEV, 9, -1},
         {"localchebyshev_3", LOCALCHEBYSHEV, 3, 9},
+        {"localpolynom_0_2", LOCALPOLYNOM, -1, 2},
+        {"localpolynom_0_100", LOCALPOLYNOM, -1, 100},
+        {"hermite", HERMITE, -1, 4},
+        {"hermite_0_1", HERMITE, -1, 1},
+        {"localhermite", LOCALHERMITE, -1, 4},
     };
     for (const CASE& c : kCases) {
         const INTERPOLATION_REQUEST request = ParseInterpolationText(c.text);
@@ -144,6 +156,10 @@ TEST(InterpolationText, RefusesNamingPoolKeyAndText) {
         {"polyfit_9.5", "the poly fit order \"9.5\" is no number"},
         {"polyfit_99999999999999999999", "is no number from 0 to 100\n"},
         {"localpolynom_0_1", "the support point count \"1\" is no number from 2 to 100\n"},
+        {"localpolynom_0_101", "the support point count \"101\" is no number from 2 to 100\n"},
+        {"localpolyfit_7_1", "the support point count \"1\" is no number from 2 to 100\n"},
+        {"localchebyshev_7_1", "the support point count \"1\" is no number from 2 to 100\n"},
+        {"localhermite_0_1", "the support point count \"1\" is no number from 2 to 100\n"},
         {"hermite_0_0", "the support point count \"0\" is no number from 1 to 100\n"},
     };
     for (const auto& [text, logged] : bad) {
@@ -192,6 +208,8 @@ TEST(PoolOrbit, RefusesListsThatDoNotFitNamingFileAndKey) {
          "key \"times\": state vector 1 (1003.5) is not later than the one before (1003.5)"},
         {"a time far away", changed("times", "1003.5", "-1e300"),
          "key \"times\": state vector 0: -1e+300 s is outside"},
+        {"a time far from the reference", changed("times", "1003.5", "-1e10"),
+         "key \"times\": state vector 0: -1.0000001e+10 s from the reference time are more than 1e+10 s"},
         {"a time that is none", changed("times", "1003.5", "nan"), "key \"times\""},
         {"a position in the wrong unit", vectors("positions", 72, "7e12"),
          "key \"positions\": state vector 23: 7e+12 is no coordinate of an Earth satellite"},
@@ -209,6 +227,14 @@ TEST(PoolOrbit, RefusesListsThatDoNotFitNamingFileAndKey) {
         c.spoil(pool);
         EXPECT_THAT(RefusalOf(pool), AllOf(HasSubstr(c.logged), HasSubstr("orbit.pool"), HasSubstr("]")));
     }
+}
+
+TEST(PoolOrbit, TakesWhatASatelliteCouldJustHave) {
+    POOL_TEXT pool = OrbitPool({.interpolation = "polynom", .reference = "0", .count = 2});
+    pool.SetList("times", "FLT_15_V", {"-1e10", "1e10"});
+    pool.SetList("positions", "FLT_15_V", std::vector<std::string>(6, "1e9"));
+    pool.SetList("velocities", "FLT_15_V", std::vector<std::string>(6, "-1e6"));
+    EXPECT_EQ(RefusalOf(pool), "read");
 }
 
 TEST(PoolOrbit, TellsEveryBadMetTextAndEndsAfterTheList) {
@@ -266,8 +292,28 @@ TEST(GeneralOrbit, TellsTheKindOfAReferenceTimeByItsForm) {
 }
 
 TEST(OrbitFactory, RefusesPairsWithoutAnOrbit) {
-    EXPECT_THAT(LoggedBy([] { EXPECT_THROW(ORBIT_OF_POOL("orbit_mdb_double_utc", "hermite_0_8"), ERROR_ARGUMENT); }),
-                HasSubstr("ALARM : global : ORBIT: can not determine type of core object\n"));
+    for (const char* name : {"chebyshev", "localchebyshev", "hermite", "localhermite"}) {
+        for (const char* type : {"orbit_mdb_double_double", "orbit_mdb_double_utc", "orbit_mdb_double_met"}) {
+            EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(ORBIT_OF_POOL(type, name), ERROR_ARGUMENT); }),
+                        HasSubstr("ORBIT: there is no orbit \"" + std::string(type) + "\" with the interpolation \"" +
+                                  name + "\"\nALARM : global : ORBIT: can not determine type of core object\n"));
+        }
+    }
+}
+
+TEST(GeneralOrbit, AnswersInVectorsOfEitherKind) {
+    PARAMETER_POOL pool(OrbitPool({}).Save());
+    GENERAL_ORBIT<double, VECTOR<double>> orbit;
+    orbit.ReadFromParameterPool(pool);
+    const ORBIT_STATE state = orbit.State(100.0);
+    const std::pair<VECTOR<double>, VECTOR_3D<double>> pairs[] = {
+        {orbit.Position(100.0), state.position_m},
+        {orbit.Velocity(ANY_TIME(1100.0)), state.velocity_m_s},
+        {orbit.Acceleration(ANY_TIME(1100.0)), state.acceleration_m_s2}};
+    for (const auto& [v, expected] : pairs) {
+        ASSERT_EQ(v.Dimension(), 3);
+        EXPECT_EQ((VECTOR_3D<double>{v[0], v[1], v[2]}), expected);
+    }
 }
 
 TEST(OrbitBase, RefusesWhatAnOrbitHasNotTakenOver) {

@@ -215,6 +215,9 @@ TEST(Duration, CarriesAndCountsForwardFromNegativeDays) {
     };
     EXPECT_THAT(LoggedBy(overflow), HasSubstr("DURATION: exceeding representable range (d=2147483648 ms="));
     EXPECT_EQ(text, "duration range error");
+    EXPECT_EQ(DURATION::Normalised(most, 0, 0).Seconds(), most * 86400.0);
+    EXPECT_EQ(DURATION::Normalised(-most - 1LL, 0, 0).days, -most - 1);
+    EXPECT_EQ(TextThrownBy([&] { (void)DURATION::Normalised(-most - 1LL, -1, 0); }), "duration range error");
     const long long least = std::numeric_limits<long long>::min();
     EXPECT_EQ(TextThrownBy([&] { (void)DURATION::Normalised(least, least, least); }), "duration range error");
 }
