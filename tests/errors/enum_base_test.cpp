@@ -16,7 +16,7 @@ class COLOUR : public ENUM_BASE {
 
   private:
     std::span<const ROW> Rows() const override {
-        static const ROW rows[] = {{FIRST, "red"}, {FIRST + 1, "RED"}, {FIRST + 2, "blue"}, {FIRST + 3, "green"}};
+        static const ROW rows[] = {{FIRST, "red"}, {FIRST + 1, "RED"}, {FIRST + 2, "blue"}, {FIRST + 3, "azure"}};
         return rows;
     }
     void RowAssigned() override { wavelength_nm = Id() == FIRST + 2 ? 450 : 700; }
@@ -36,6 +36,8 @@ TEST(EnumBase, TakesTheFirstMatchingTextOrTellsTheValidOnes) {
     COLOUR<0> colour(3);
     colour.AssignText("RED", false);
     EXPECT_EQ(colour.Id(), 0);
+    colour.AssignText("AZURE", false);
+    EXPECT_EQ(colour.Id(), 3);
     colour.AssignText("RED", true);
     EXPECT_EQ(colour.Id(), 1);
     try {
@@ -63,9 +65,13 @@ TEST(EnumBase, StepsAndFailsDifferentlyAtItsTwoEnds) {
 }
 
 TEST(EnumBase, ComparesWithinOneTypeOnly) {
-    EXPECT_TRUE(COLOUR<0>(2) != COLOUR<0>(3));
+    for (const int id : {2, 3}) {
+        EXPECT_EQ(COLOUR<0>(2) == COLOUR<0>(id), id == 2);
+        EXPECT_EQ(COLOUR<0>(2) != COLOUR<0>(id), id == 3);
+    }
     const ENUM_BASE& other = COLOUR<20>(20);
     EXPECT_THROW((void)(COLOUR<0>(2) == other), ERROR_ENUM_BASE_TYPE_MISMATCH);
+    EXPECT_THROW((void)(COLOUR<0>(2) != other), ERROR_ENUM_BASE_TYPE_MISMATCH);
 }
 
 }  // namespace

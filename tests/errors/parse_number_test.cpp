@@ -50,15 +50,29 @@ TEST(ParseFloat, EndsWhereNarrowingWouldRoundToInfinity) {
     EXPECT_EQ(ParseFloat("3.4028235677973361e38", value), PARSE_RESULT::OK) << "just below half a unit more";
     EXPECT_EQ(value, std::numeric_limits<float>::max());
     EXPECT_EQ(ParseFloat("1.5 m", value), PARSE_RESULT::TRAILING_CHARACTERS);
+    EXPECT_EQ(ParseFloat("-3.4028235677973367e38", value), PARSE_RESULT::OUT_OF_RANGE);
+    EXPECT_EQ(ParseFloat("", value), PARSE_RESULT::NOT_A_NUMBER);
     EXPECT_EQ(value, std::numeric_limits<float>::max());
+    EXPECT_EQ(ParseFloat("-inf", value), PARSE_RESULT::OK);
+    EXPECT_EQ(value, -std::numeric_limits<float>::infinity());
 }
 
 TEST(ParseInteger, TakesTheWholeTextInBaseTen) {
-    long long value = 77;
-    EXPECT_EQ(ParseInteger("-9223372036854775808", value), PARSE_RESULT::OK);
-    EXPECT_EQ(value, std::numeric_limits<long long>::min());
-    EXPECT_EQ(ParseInteger("9223372036854775808", value), PARSE_RESULT::OUT_OF_RANGE);
-    EXPECT_EQ(ParseInteger("3.0", value), PARSE_RESULT::TRAILING_CHARACTERS);
+    constexpr long long kLeast = std::numeric_limits<long long>::min();
+    const std::tuple<const char*, PARSE_RESULT, long long> cases[] = {
+        {"-9223372036854775808", PARSE_RESULT::OK, kLeast},
+        {"-9223372036854775809", PARSE_RESULT::OUT_OF_RANGE, 77},
+        {"9223372036854775808", PARSE_RESULT::OUT_OF_RANGE, 77},
+        {"3.0", PARSE_RESULT::TRAILING_CHARACTERS, 77},
+        {"0x10", PARSE_RESULT::TRAILING_CHARACTERS, 77},
+        {"", PARSE_RESULT::NOT_A_NUMBER, 77},
+        {"x", PARSE_RESULT::NOT_A_NUMBER, 77},
+        {" +012", PARSE_RESULT::OK, 12}};
+    for (const auto& [text, result, expected] : cases) {
+        long long value = 77;
+        EXPECT_EQ(ParseInteger(text, value), result) << text;
+        EXPECT_EQ(value, expected) << text;
+    }
 }
 
 TEST(LeadingReal, StopsAtTheFirstOtherCharacter) {

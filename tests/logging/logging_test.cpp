@@ -74,6 +74,10 @@ TEST_F(LoggingTest, ThresholdsFilterScreenAndFileApart) {
         Log() << LOGGING_LEVEL::ALARM << "both\n";
     });
     EXPECT_EQ(screen, "ALARM : global : both\n");
+    EXPECT_FALSE(Log().Takes(LOGGING_LEVEL::QA_WARNING));
+    EXPECT_TRUE(Log().Takes(LOGGING_LEVEL::WARNING)) << "the file does";
+    Log().SetScreenThreshold(static_cast<int>(LOGGING_LEVEL::INFO));
+    EXPECT_TRUE(Log().Takes(LOGGING_LEVEL::INFO)) << "the screen does";
     EXPECT_EQ(Content(path), "EXCEP : global : loud\nWARN  : global : streamed\nALARM : global : both\n");
 }
 
@@ -82,9 +86,11 @@ TEST_F(LoggingTest, StreamFormWritesValuesWithoutEmphasis) {
     const std::string screen = ScreenOf([] {
         Log() << LOGGING_LEVEL::ALARM << std::string("a\nb") << ' ' << -3 << ' ' << 18'446'744'073'709'551'615ULL
               << "\n";
+        Log() << LOGGING_LEVEL::INFO << 4U << -5L << 6UL << -7LL << "\n";
         Log() << LOGGING_LEVEL::INFO << 0.25 << static_cast<const char*>(nullptr) << "a null text ends the screen's\n";
     });
-    EXPECT_EQ(screen, "ALARM : global : a\\x0Ab -3 18446744073709551615\nINFO  : global : 0.25");
+    EXPECT_EQ(screen,
+              "ALARM : global : a\\x0Ab -3 18446744073709551615\nINFO  : global : 4-56-7\nINFO  : global : 0.25");
     EXPECT_EQ(Content(path), screen + "a null text ends the screen's\n");
 }
 

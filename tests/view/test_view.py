@@ -8,6 +8,7 @@ import shutil
 import struct
 import subprocess
 import sys
+from xml.etree import ElementTree
 
 import numpy as np
 import pytest
@@ -214,6 +215,8 @@ def test_sidecars_open_bit_equal_and_move_along(tmp_path):
     shutil.copytree(tmp_path, tmp_path / "moved")
     for name, image in zip(names, values.values()):
         assert gdal.Open(str(tmp_path / "moved" / (name + ".vrt"))).ReadAsArray().tobytes() == image.tobytes()
+        band = ElementTree.parse(tmp_path / (name + ".vrt")).find("VRTRasterBand")  # nothing is left to a reader's habits
+        assert [band.findtext(key) for key in ("PixelOffset", "ByteOrder")] == [str(image.itemsize), "LSB"]
     assert "Metadata" not in (tmp_path / (names[0] + ".vrt")).read_text()  # nothing tells which product it is
     file = gdal.Open(str(tmp_path / "scene7_RG_COREG.ras.vrt"))  # a band does not keep its file
     band = file.GetRasterBand(1)
