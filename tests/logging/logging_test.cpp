@@ -4,13 +4,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdlib>
+#include <regex>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
+#include "lib/baselib/logging/progress_line.h"
 #include "tests/kit/log_capture.h"
 #include "tests/kit/temporary_folder.h"
 
@@ -124,6 +129,23 @@ TEST_F(LoggingTest, TheTemporaryFileMovesIntoTheFinalOneBehindItsOldContent) {
     EXPECT_EQ(access(path.c_str(), F_OK), 0) << "a file that somebody chose is never removed";
 }
 
+TEST_F(LoggingTest, TellsThatTheTemporaryFileCouldNotBeTakenOver) {
+    unlink(temporary_.c_str());
+    const std::string path = folder_.Path("log.x");
+    EXPECT_EQ(ScreenOf([&] { Log().SetLogFile(path); }),
+              "INFO  : global :  can not reopen tmp logging file: " + temporary_ + "\n");
+    LOGGING::Release();
+    temporary_ = LOGGING::Request().LogFileName();
+    unlink(temporary_.c_str());
+    ASSERT_EQ(mkdir(temporary_.c_str(), 0700), 0);
+    EXPECT_EQ(ScreenOf([&] { Log().SetLogFile(path); }),
+              "INFO  : global :  can not copy tmp logging file: " + temporary_ + "\n");
+    rmdir(temporary_.c_str());
+    EXPECT_FALSE(Log().HasTemporaryFile());
+    Log().Message(LOGGING_LEVEL::INFO, "late");
+    EXPECT_THAT(Content(path), EndsWith("INFO  : global : late\n"));
+}
+
 TEST_F(LoggingTest, WithoutALogFileTheScreenStays) {
     const std::string path = folder_.Path("no such folder/log");
     EXPECT_EQ(ScreenOf([&path] { Log().SetLogFile(path); }),
@@ -175,15 +197,60 @@ TEST(LogOutput, TellsWhetherAllWentOut) {
     EXPECT_FALSE(full.Write("x"));
 }
 
-TEST_F(LoggingTest, HeaderEndsWithItsStarter) {
+TEST_F(LoggingTest, HeaderAndFooterTellTheProgramAndItsTimes) {
     const std::string path = UseFile();
-    setenv("PROC_NAME", "CHAIN", 1);
-    setenv("CHAIN_VERSION", "4.2", 1);
-    Log().Header({"full.text", "date", "1.2", "what it does", "prog", "2026-01-02", "me"}, "pcf.x");
+    const std::tuple<const char*, const char*, const char*> starters[] = {
+        {nullptr, "4.2", ""}, {"CHAIN", nullptr, "CHAIN"}, {"CHAIN", "4.2", "CHAIN4.2"}};
+    for (const auto& [process, version, starter] : starters) {
+        process == nullptr ? unsetenv("PROC_NAME") : setenv("PROC_NAME", process, 1);
+        version == nullptr ? unsetenv("CHAIN_VERSION") : setenv("CHAIN_VERSION", version, 1);
+        Write(path, "");
+        Log().Header({"full.text", "date", "1.2", "what it does", "prog\n", "2026-01-02", "me"}, "pcf.x");
+        Log().Footer();
+        const std::string rule = "\\*{59}\n";
+        const auto lines = [](const std::string& text) {
+            return std::regex_replace(text, std::regex("\\|"), "INFO  : global : ");
+        };
+        const std::string expected =
+            lines("|\n|" + rule + "|prog\\\\x0A 1.2 - what it does\n|\n|" + rule +
+                  "|compile date: 2026-01-02  compiled by: me\n|start time: .{24}  hostname: .+\n|started by: " +
+                  starter + "\n|using configuration file pcf.x\n") +
+            "DEBUG : global : full version: full.text\n" +
+            lines("|execution time: .+ seconds?.*\n|end time: .{24}\n|" + rule);
+        EXPECT_TRUE(std::regex_match(Content(path), std::regex(expected))) << Content(path);
+    }
     unsetenv("PROC_NAME");
-    EXPECT_THAT(Content(path), EndsWith("INFO  : global : started by: CHAIN4.2\n"
-                                        "INFO  : global : using configuration file pcf.x\n"
-                                        "DEBUG : global : full version: full.text\n"));
+    unsetenv("CHAIN_VERSION");
+}
+
+/// What a progress line of 200 steps writes to a terminal, or to a pipe, until that many are done.
+std::string ShownAfter(int steps, bool to_terminal) {
+    int ends[2] = {posix_openpt(O_RDWR | O_NOCTTY), -1};
+    grantpt(ends[0]);
+    unlockpt(ends[0]);
+    ends[1] = open(ptsname(ends[0]), O_RDWR | O_NOCTTY);
+    if (!to_terminal && pipe(ends) != 0) return "no pipe";
+    const int usual = dup(STDERR_FILENO);
+    dup2(ends[1], STDERR_FILENO);
+    {
+        PROGRESS_LINE line(200);
+        for (int i = 0; i < steps; ++i) line.Done();
+    }
+    dup2(usual, STDERR_FILENO);
+    EXPECT_EQ(write(ends[1], "|", 1), 1);
+    std::string shown;
+    for (char c = 0; read(ends[0], &c, 1) == 1 && c != '|';) shown += c;
+    for (const int descriptor : {ends[0], ends[1], usual}) close(descriptor);
+    return shown;
+}
+
+TEST(ProgressLine, ShowsEachPercentOnceToATerminalOnly) {
+    const std::string clear = "                \r";
+    EXPECT_EQ(ShownAfter(0, true), "");
+    EXPECT_EQ(ShownAfter(1, true), "  0 % simulated\r" + clear);
+    EXPECT_EQ(ShownAfter(5, true), "  0 % simulated\r  1 % simulated\r  2 % simulated\r" + clear);
+    EXPECT_THAT(ShownAfter(200, true), EndsWith(" 99 % simulated\r100 % simulated\r" + clear));
+    EXPECT_EQ(ShownAfter(5, false), "");
 }
 
 TEST_F(LoggingTest, PrefixCaptureAndQaFlag) {
@@ -218,6 +285,58 @@ TEST_F(LoggingTest, ThreadsLogWholeMessages) {
     int count = 0;
     for (std::string line; std::getline(file, line); ++count) EXPECT_THAT(line, EndsWith(" end"));
     EXPECT_EQ(count, 8 * 200);
+}
+
+/// How often this thread goes to sleep meanwhile.
+template <class FUNCTION>
+long SleepsDuring(FUNCTION function) {
+    rusage before = {};
+    rusage after = {};
+    getrusage(RUSAGE_THREAD, &before);
+    function();
+    getrusage(RUSAGE_THREAD, &after);
+    return after.ru_nvcsw - before.ru_nvcsw;
+}
+
+TEST_F(LoggingTest, AnEmergencyWaitsForOtherThreadsWritesForABoundedTime) {
+    EXPECT_EXIT(
+        {
+            Log().Message(LOGGING_LEVEL::INFO, "done");
+            _exit(SleepsDuring(LOGGING::BeginEmergency) < 50 ? 3 : 4);  // nobody writes
+        },
+        testing::ExitedWithCode(3), "");
+    EXPECT_EXIT(
+        {
+            int ends[2];
+            Log().Message(LOGGING_LEVEL::INFO, "done");
+            if (pipe(ends) != 0) _exit(5);
+            dup2(ends[1], STDOUT_FILENO);
+            std::thread writer([] { Log().Message(LOGGING_LEVEL::INFO, "%s", std::string(1 << 20, 'x').c_str()); });
+            char byte = 0;
+            if (read(ends[0], &byte, 1) != 1) _exit(6);  // it writes, and is held by the full pipe
+            _exit(SleepsDuring(LOGGING::BeginEmergency) > 150 ? 3 : 4);
+        },
+        testing::ExitedWithCode(3), "");
+}
+
+TEST_F(LoggingTest, ALogIntoAPipeWaitsForItsReader) {
+    const std::string path = folder_.Path("pipe");
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    const int reader = open(path.c_str(), O_RDONLY | O_NONBLOCK);
+    Log().SetLogFile(path);
+    Log().SetScreenThreshold(10);
+    const std::string text(1 << 20, 'x');  // a pipe holds 64 KiB
+    std::thread writer([&] { Log().Message(LOGGING_LEVEL::INFO, "%s", text.c_str()); });
+    std::string received;
+    char block[4096];
+    pollfd input = {reader, POLLIN, 0};
+    while (!received.ends_with("\n") && poll(&input, 1, -1) > 0) {
+        const ssize_t count = read(reader, block, sizeof block);
+        if (count > 0) received.append(block, static_cast<size_t>(count));
+    }
+    writer.join();
+    close(reader);
+    EXPECT_EQ(received, "INFO  : global : " + text + "\n");
 }
 
 TEST_F(LoggingTest, AnEmergencyLineBeginsAfreshAndSilencesTheRest) {

@@ -62,13 +62,11 @@ std::string Formatted(const char* format, std::va_list arguments) {
     return formatted;
 }
 
-/// A named pipe that nobody reads is refused instead of waited for; with a reader it is written as any file.
+/// A named pipe that nobody reads is refused instead of waited for; with a reader it is written as any file: the output
+/// waits for room.
 int OpenForAppending(const std::string& path) {
     constexpr int kToItsEnd = O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_CLOEXEC;
-    const int descriptor = UnlessInterrupted([&] { return open(path.c_str(), kToItsEnd, 0666); });
-    const int flags = descriptor < 0 ? -1 : fcntl(descriptor, F_GETFL);
-    if (flags >= 0) fcntl(descriptor, F_SETFL, flags & ~O_NONBLOCK);
-    return descriptor;
+    return UnlessInterrupted([&] { return open(path.c_str(), kToItsEnd, 0666); });
 }
 
 /// The customary ways to say that codes for emphasis are not wanted (no-color.org), or not understood.
