@@ -41,13 +41,15 @@ END_TO_END = {
         "end_to_end/test_process_frame.py", "end_to_end/test_products.py", "end_to_end/test_report_and_check.py",
         "end_to_end/test_orbit_corners.py", "end_to_end/test_collisions.py", "end_to_end/test_views.py")),
     "companions": JUDGE((*IMPORT.programs, "velmora-view"), ("view/test_view.py", *IMPORT.tests)),
+    "geometry": JUDGE(("velmora",), MAIN_JOB.tests + ("end_to_end/test_views.py",)),
     "import": IMPORT,
     "lib/baselib/controller": JUDGE(("velmora",), ("end_to_end/test_process_frame.py", "end_to_end/test_failures.py")),
+    "lib/baselib/image": JUDGE(("velmora",), MAIN_JOB.tests + ("end_to_end/test_products.py", "end_to_end/test_report_and_check.py")),
     "lib/baselib/logging": JUDGE(("velmora",), ("end_to_end/test_process_frame.py", "end_to_end/test_report_and_check.py")),
     "lib/baselib/sidecar": JUDGE(("velmora-view", "velmora"), ("view/test_view.py", "end_to_end/test_report_and_check.py")),
     "orbit": JUDGE(("velmora",), MAIN_JOB.tests + ("end_to_end/test_orbit_corners.py",)),
     "simulation": JUDGE(("velmora",), MAIN_JOB.tests + ("end_to_end/test_threads.py", "end_to_end/test_products.py",
-                                                     "end_to_end/test_layover_shadow.py")),
+                                                     "end_to_end/test_layover_shadow.py", "end_to_end/test_views.py")),
     "view": JUDGE(("velmora-view", "velmora"), ("view/test_view.py",)),
 }
 NO_STATEMENT = r"(?!\s*(?:return|throw|using|delete|static_assert|case|default|EXPECT|friend)\b)"
