@@ -40,6 +40,7 @@ struct COUNTED {
     static inline int living = 0;
     static inline int array_news = 0;
     static inline int makes_before_failure = -1;
+    static inline bool assignments_lack_memory = false;
     static constexpr const char* failure_of_assignment = "of the element's own";
 
     COUNTED() {
@@ -48,6 +49,7 @@ struct COUNTED {
     }
     COUNTED(const COUNTED&) : COUNTED() {}
     COUNTED& operator=(const COUNTED&) {
+        if (assignments_lack_memory) throw std::bad_alloc();
         if (makes_before_failure-- == 0) throw failure_of_assignment;
         return *this;
     }
@@ -85,6 +87,7 @@ TEST(AlignedBlock, HoldsCountZerosAndElements) {
     EXPECT_EQ(MEM_ALLOCATION::BlockCount(elements), 3);
     MEM_ALLOCATION::Free(elements);
     MEM_ALLOCATION::Free<double>(nullptr);
+    MEM_ALLOCATION::FreeBlock(nullptr);
 }
 
 TEST(NoMemory, TellsTheNewHandlerOnce) {
@@ -123,6 +126,12 @@ TEST(NoMemory, IsRefusedInsteadOfABlockTooSmall) {
     ARRAY<ALMOST_ONE_GIGABYTE> array;
     EXPECT_EQ(array.Resize({0, Huge()}), 2);
     EXPECT_EQ(array.Count(), 0);
+    ARRAY<COUNTED> one;
+    COUNTED::makes_before_failure = 0;
+    EXPECT_EQ(one.Resize({0, 1}), 2);
+    MATRIX<COUNTED> single;
+    COUNTED::makes_before_failure = 0;
+    EXPECT_EQ(single.Resize(1, 1), 2);
     MATRIX<COMPLEX<double>> matrix(1, 1);
     EXPECT_EQ(matrix.Resize(Huge(), Huge()), 2);  // 2^66 bytes
     EXPECT_EQ(matrix.Rows(), 1);
@@ -203,6 +212,10 @@ TEST(Array, ReleasesEachElementTheWayItCame) {
         COUNTED::makes_before_failure = 6;  // four are made, the third of the copies fails
         EXPECT_EQ(TextThrownBy([&] { ARRAY<COUNTED> failing(moved); }), "of the element's own");
         EXPECT_EQ(COUNTED::living, 8);
+        COUNTED::assignments_lack_memory = true;
+        EXPECT_EQ(TextThrownBy([&] { ARRAY<COUNTED> failing(moved); }), "ARRAY : can not copy array");
+        COUNTED::assignments_lack_memory = false;
+        EXPECT_EQ(COUNTED::living, 8);
         COUNTED::makes_before_failure = 0;
         EXPECT_EQ(TextThrownBy([&] { copy = moved; }), "ARRAY : can not copy array");
         EXPECT_EQ(copy.Count(), 4);
@@ -261,6 +274,8 @@ TEST(SubArray, IsAViewAndNeverAssigned) {
     for (int& element : view) element -= 10;
     EXPECT_EQ(view.Range(), (RANGE<int>{1, 2}));
     EXPECT_EQ(view.First(), 1);
+    EXPECT_EQ(SUB_ARRAY<int>(array, {5, 0}).Count(), 0);
+    EXPECT_EQ(SUB_ARRAY<int>(array, {5, 4})[3], 3);
     EXPECT_EQ(view.Count(), 2);
     EXPECT_THAT(ElementsOf(SUB_ARRAY<int>(array, {5, 4})), ElementsAre(0, 1, 42, 3));
     EXPECT_THROW(view = SUB_ARRAY<int>(view), ERROR_NOT_IMPLEMENTED);
@@ -273,7 +288,9 @@ TEST(SubArray, IsAViewAndNeverAssigned) {
 
 TEST(Vector, HasItsElementsOrZeros) {
     EXPECT_THAT(ElementsOf(VECTOR<double>({1.0, 2.0})), ElementsAre(1.0, 2.0));
-    EXPECT_THAT(ElementsOf(VECTOR<int>(2)), ElementsAre(0, 0));
+    VECTOR<int> two(2);
+    two[1] = 7;
+    EXPECT_THAT(ElementsOf(two), ElementsAre(0, 7));
     const VECTOR<int> three{4, 5, 6};
     EXPECT_EQ(three.Dimension(), 3);
     EXPECT_EQ(three[0], 4);

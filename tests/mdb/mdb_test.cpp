@@ -78,6 +78,36 @@ TEST_F(MdbTest, DoublesReadBackBitForBitAndLineUp) {
     }
 }
 
+TEST(RecordItem, MeasuresDistancesWithinOneType) {
+    using enum RECORD_ITEM_TYPE;
+    const std::tuple<RECORD_ITEM_TYPE, const char*, const char*, long double> cases[] = {
+        {INT, "-2147483648", "2147483647", 4294967295.0L},
+        {DOUBLE, "0.5", "-0.25", 0.75L},
+        {DOUBLE, "inf", "inf", 0.0L},
+        {MET, "-0001/00:00:00", "+0001/00:00:00.5", 172800.5L},
+        {UTC, "01-JAN-2017/00:00:00", "31-DEC-2016/23:59:59", 2.0L},
+    };
+    for (const auto& [type, one, other, distance] : cases) {
+        RECORD_ITEM a("k", type), b("k", type);
+        a.SetFromText(one);
+        b.SetFromText(other);
+        EXPECT_EQ(Distance(a, b), distance) << one;
+        EXPECT_EQ(Distance(b, a), distance) << one;
+    }
+    RECORD_ITEM none;
+    const char* const unknown = "MDB: RECORD_ITEM: unknown type";
+    const std::function<void()> operations[] = {[&] { none.Set(1); },
+                                                [&] { none.Set(1.0); },
+                                                [&] { none.Set(UNIVERSAL_TIME()); },
+                                                [&] { none.Set(MISSION_ELAPSED_TIME()); },
+                                                [&] { (void)none.ValueText(); },
+                                                [&] { none.SetFromText("1"); },
+                                                [&] { (void)static_cast<double>(none); },
+                                                [&] { (void)none.Met(); },
+                                                [&] { (void)Distance(none, none); }};
+    for (const auto& operation : operations) EXPECT_EQ(TextThrownBy(operation), unknown);
+}
+
 TEST_F(MdbTest, StopModesFindTheirRecords) {
     WriteFile("format.dat", "t : double\nn : int\n");
     std::string data;
@@ -380,6 +410,9 @@ TEST_F(MdbTest, EachOperationTellsWhyItCanNotBe) {
     expect("MDB: RECORD_ITEM: can not find key_name in record", [&] { db["T"]; });
     db.Rewind();
     expect("MDB::GetCurrentRecord(): no record data available", [&] { db.GetCurrentRecord(); });
+    MDB_RECORD no_number = type;
+    no_number["t"].Set(std::nan(""));
+    expect("MDB::Write(): value can not be read again", [&] { db.Write(no_number); });
     MDB_RECORD earlier = type;
     earlier["t"].Set(-1.0);
     expect("MDB::Write(): key lies before the last record", [&] { db.Write(earlier); });

@@ -216,7 +216,8 @@ def test_sidecars_open_bit_equal_and_move_along(tmp_path):
     for name, image in zip(names, values.values()):
         assert gdal.Open(str(tmp_path / "moved" / (name + ".vrt"))).ReadAsArray().tobytes() == image.tobytes()
         band = ElementTree.parse(tmp_path / (name + ".vrt")).find("VRTRasterBand")  # nothing is left to a reader's habits
-        assert [band.findtext(key) for key in ("PixelOffset", "ByteOrder")] == [str(image.itemsize), "LSB"]
+        assert [band.findtext(key) for key in ("PixelOffset", "LineOffset", "ByteOrder")] == [
+            str(image.itemsize), str(image.strides[0]), "LSB"]
     assert "Metadata" not in (tmp_path / (names[0] + ".vrt")).read_text()  # nothing tells which product it is
     file = gdal.Open(str(tmp_path / "scene7_RG_COREG.ras.vrt"))  # a band does not keep its file
     band = file.GetRasterBand(1)

@@ -37,7 +37,7 @@ class ARRAY {
 
     /// Takes over elements from array new; they are released by array delete.
     ARRAY(T* elements_of_array_new, RANGE<int> range)
-        : range_(range), elements_(elements_of_array_new), from_array_new_(1) {}
+        : range_(range), elements_(elements_of_array_new), from_array_new_(true) {}
 
     /// @throws const char* "ARRAY : can not copy array" when there is no memory
     ARRAY(const ARRAY& other) { CopyFrom(other); }
@@ -65,12 +65,12 @@ class ARRAY {
         if (range == range_) return kDone;
         if (range.count < 0) return kNegativeLength;
         T* const elements = MEM_ALLOCATION::Allocate<T>(range.count);
-        if (elements == nullptr && range.count > 0) return kNoMemory;
+        if (elements == nullptr) return kNoMemory;
         std::move(elements_, elements_ + std::min(range.count, range_.count), elements);
         Release();
         range_ = range;
         elements_ = elements;
-        from_array_new_ = 0;
+        from_array_new_ = false;
         return kDone;
     }
 
@@ -110,7 +110,7 @@ class ARRAY {
     }
 
     void Release() noexcept {
-        if (from_array_new_ != 0) {
+        if (from_array_new_) {
             delete[] elements_;
         } else {
             MEM_ALLOCATION::Free(elements_);
@@ -126,5 +126,5 @@ class ARRAY {
 
     RANGE<int> range_{};
     T* elements_ = nullptr;
-    int from_array_new_ = 0;  ///< 1: array delete releases the elements, 0: the aligned allocator
+    bool from_array_new_ = false;  ///< array delete releases the elements, else the aligned allocator
 };

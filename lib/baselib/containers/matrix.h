@@ -54,7 +54,7 @@ class MATRIX {
         if (rows == Rows() && columns == Columns()) return ARRAY<T>::kDone;
         const long long size = static_cast<long long>(rows) * columns;
         BLOCK block(MEM_ALLOCATION::Allocate<T>(size));
-        if (block == nullptr && size > 0) return ARRAY<T>::kNoMemory;
+        if (block == nullptr) return ARRAY<T>::kNoMemory;
         ARRAY<POINTER_VECTOR_LINK_T> links;
         if (links.Resize({0, rows}) != links.kDone) return ARRAY<T>::kNoMemory;
         for (int row = 0; row < rows; ++row) {
