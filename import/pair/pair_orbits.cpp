@@ -1,6 +1,7 @@
 #include "import/pair/pair_orbits.h"
 
 #include <algorithm>
+#include <optional>
 #include <vector>
 
 #include "companions/companion_error.h"
@@ -14,10 +15,12 @@ namespace {
 template <class S>
 std::vector<double> SecondsOf(const ARRAY<STRING>& texts) {
     std::vector<double> times_s;
-    if (texts.Count() == 0) return times_s;
-    const S first = TIME_AXIS<S>::FromText(texts[texts.First()].ToStd());
-    for (const STRING& text : texts)
-        times_s.push_back(TIME_AXIS<S>::SecondsSince(first, TIME_AXIS<S>::FromText(text.ToStd())));
+    std::optional<S> first;
+    for (const STRING& text : texts) {
+        const S time = TIME_AXIS<S>::FromText(text.ToStd());
+        if (!first) first = time;
+        times_s.push_back(TIME_AXIS<S>::SecondsSince(*first, time));
+    }
     return times_s;
 }
 

@@ -16,6 +16,7 @@ namespace {
 
 using testing::EndsWith;
 using testing::HasSubstr;
+using testing::Not;
 
 /// What a process of its own did with a controller: the controller changes signals, log and files of its process.
 struct OUTCOME {
@@ -197,10 +198,28 @@ TEST_F(ControllerTest, ProblemsOfFilesEndTheRunAndSpareWhatIsNoStatusFile) {
             const std::string stays =
                 c.log_is_other ? "ALARM : global : the log stays in " + temporary_log_ + "\n" : "";
             const std::string reasons = "ALARM : global : first\nALARM : global : last\n";
+            EXPECT_THAT(Content("log"), Not(HasSubstr("Can not create file")));
             if (signal && !c.log_is_other) continue;
             EXPECT_THAT(Content(c.log_is_other ? temporary_log_ : "log"),
                         EndsWith(stays + reasons + "ALARM : global : ORQ_MSG|ERROR|prog terminated with error!\n"));
         }
+    }
+}
+
+TEST_F(ControllerTest, ASignalBeforeTheStartLeavesTheStatusOfARunThatFailed) {
+    for (const bool looks : {false, true}) {
+        Write("OK.prog", "0");
+        std::filesystem::remove("ERROR.prog");
+        const int status = InProcess([looks] {
+            CONTROLLER_IFC controller;
+            controller.SetBeforeStart([] { raise(SIGTERM); });
+            std::string name = "prog";
+            char* argv[] = {name.data(), nullptr};
+            looks ? controller.init_to_look(1, argv) : controller.init(1, argv, true);
+        });
+        EXPECT_EQ(status, 1);
+        EXPECT_EQ(Content("OK.prog"), looks ? "0" : "");
+        EXPECT_EQ(Content("ERROR.prog"), looks ? "" : "1");
     }
 }
 

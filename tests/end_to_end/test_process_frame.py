@@ -177,6 +177,7 @@ def test_a_signal_between_the_stages(small, number, text):
     reason = "got fatal signal %d: %s" % (number, text)
     assert velmora_run.RUN(small, 1, "", "").lines("ALARM") == [reason, "ORQ_MSG|ERROR|velmora " + reason]
     assert (small / "ERROR.velmora").read_text() == "1" and pool_bytes(small) == before
+    assert not [name for name in os.listdir(small) if name.startswith(".velmora_")]  # products that had their room
 
 
 def test_a_signal_behind_the_change_of_the_pools_comes_too_late(small):

@@ -63,6 +63,8 @@ TEST(ProductSet, ReplacesFilesAndKeepsLinksPermissionsAndNeighbours) {
     std::filesystem::create_symlink("other disk/behind", folder.Path("link"));
     std::filesystem::create_symlink(folder.Path("other disk/coming"), folder.Path("dangling"));
     ASSERT_EQ(0, chmod(folder.Path("older").c_str(), 0640));
+    const uid_t owner = geteuid() == 0 ? 65534 : geteuid();
+    ASSERT_EQ(0, chown(folder.Path("older").c_str(), owner, getegid()));
     const std::string longest = std::string(255, 'n');
     const mode_t mask = umask(027);
     PRODUCT_SET products;
@@ -89,6 +91,7 @@ TEST(ProductSet, ReplacesFilesAndKeepsLinksPermissionsAndNeighbours) {
     struct stat status {};
     ASSERT_EQ(0, stat(folder.Path("older").c_str(), &status));
     EXPECT_EQ(0640U, status.st_mode & 0777U);
+    EXPECT_EQ(owner, status.st_uid);
     ASSERT_EQ(0, stat(folder.Path("new").c_str(), &status));
     EXPECT_EQ(0640U, status.st_mode & 0777U);
 }
@@ -182,6 +185,27 @@ TEST(WholeFile, IsTheOlderOrTheNewOneAndLeavesNothingBesideIt) {
     EXPECT_EQ((std::map<std::string, std::string>{{"a.vrt", "new"}}), Contents(folder.Path("")));
 }
 
+TEST(ProductSet, TakesRowsThatLieApartInMemoryInAnyOrder) {
+    constexpr long long kRows = 700;
+    constexpr std::size_t kStride = 5;  // two bytes of a row, three of its neighbours
+    std::string pixels;
+    std::string expected;
+    for (int i = 0; i < kRows * static_cast<int>(kStride); ++i) {
+        pixels += static_cast<char>(i * 31 >> 3);
+        if (i % static_cast<int>(kStride) < 2) expected += pixels.back();
+    }
+    const TEMPORARY_FOLDER folder;
+    for (const long long split : {1LL, 255LL, 256LL, 257LL, 512LL, 699LL}) {
+        PRODUCT_SET products;
+        PRODUCT_FILE& file = products.Add({"KEY", folder.Path("a"), 2, kRows, PIXEL_TYPE::U_INT_8});
+        file.WriteSpacedRows(split, kRows - split, pixels.data() + split * kStride, kStride);
+        file.WriteSpacedRows(0, split, pixels.data(), kStride);
+        products.Place();
+        products.Accept();
+        EXPECT_EQ(Content(folder.Path("a")).substr(32), expected) << split;
+    }
+}
+
 TEST(ProductSet, RefusesWhatCanNotBeWrittenWithKeyAndReason) {
     const TEMPORARY_FOLDER folder;
     Write(folder.Path("file"), kOlder);
@@ -245,7 +269,8 @@ TEST(ProductSet, OrdinaryUsersWriteInPlaceWhereTheFolderTakesNoNewFile) {
     ASSERT_EQ(0, chmod(folder.Path("").c_str(), 0755));
     for (const char* const name : {"writable", "protected"}) Write(folder.Path(name), kOlder);
     ASSERT_EQ(0, chmod(folder.Path("writable").c_str(), 0666));
-    for (const mode_t mode : {0755, 01777}) {  // 01777: takes a new file, but not in the place of a foreign one
+    // 01777: takes a new file, but not in the place of a foreign one; 0777: does, but the new one is its maker's
+    for (const mode_t mode : {0755, 01777, 0777}) {
         SCOPED_TRACE(mode);
         Write(folder.Path("writable"), kOlder);
         ASSERT_EQ(0, chmod(folder.Path("").c_str(), mode));
@@ -260,7 +285,9 @@ TEST(ProductSet, OrdinaryUsersWriteInPlaceWhereTheFolderTakesNoNewFile) {
                 products.Place();
                 products.Accept();
             });
-            if (log.find("WARN  : global : " + folder.Path("writable") + ": its folder takes no other") > 9) _exit(4);
+            const char* const told =
+                mode == 0777 ? ": the older product's owner and perm" : ": its folder takes no other";
+            if (log.find("WARN  : global : " + folder.Path("writable") + told) > 9) _exit(4);
             try {
                 PRODUCT_SET().Add(Small(folder.Path("protected")));
                 _exit(5);

@@ -55,4 +55,25 @@ TEST(ValueStatistics, CountsFiniteValuesOnlyAndRaisesNoTrap) {
     fedisableexcept(FE_ALL_EXCEPT);
 }
 
+TEST(ValueStatistics, OfBytesAreThoseOfNumbers) {
+    for (const int size : {1, 2, 65535, 65536, 65537, 200000}) {
+        for (const int steps : {1, 250}) {  // one value only; all but a few
+            for (const int place : {0, size / 2, size - 1}) {
+                std::vector<unsigned char> bytes;
+                for (int i = 0; i < size; ++i) bytes.push_back(static_cast<unsigned char>(255 - i % steps));
+                bytes[static_cast<std::size_t>(place)] = 3;
+                const std::vector<float> numbers(bytes.begin(), bytes.end());
+                VALUE_STATISTICS of_bytes;
+                VALUE_STATISTICS of_numbers;
+                for (int twice = 0; twice < 2; ++twice) of_bytes.Add(bytes.data(), size);
+                for (int twice = 0; twice < 2; ++twice) of_numbers.Add(numbers.data(), size);
+                EXPECT_EQ(of_bytes.Minimum(), 3.0F);
+                EXPECT_EQ(of_bytes.Maximum(), of_numbers.Maximum());
+                EXPECT_EQ(of_bytes.Count(), 2 * size);
+                EXPECT_DOUBLE_EQ(of_bytes.Mean(), of_numbers.Mean());
+            }
+        }
+    }
+}
+
 }  // namespace

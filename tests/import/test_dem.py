@@ -1,5 +1,6 @@
 """dem: terrain models of many kinds, against the numbers that went into the files and against PROJ itself."""
 
+import pathlib
 import shutil
 import zipfile
 
@@ -126,12 +127,11 @@ def test_reals_keep_their_bits_and_whole_metres_tell_what_they_cost(tmp_path):
     assert np.nanmax(np.abs(np.where(dem.samples == VOID, np.nan, dem.samples) - samples)) == pytest.approx(error)
 
 
-@pytest.mark.parametrize("zipped", [False, True])
+@pytest.mark.parametrize("zipped", ["", "S34W071.hgt.zip", "a.zip"])  # GDAL itself opens one of that name alone
 def test_a_tile_of_points_begins_on_its_corner(tmp_path, zipped):
     samples = hgt(tmp_path / "S34W071.hgt")
-    name = tmp_path / "S34W071.hgt"
+    name = tmp_path / (zipped or "S34W071.hgt")
     if zipped:
-        name = tmp_path / "S34W071.hgt.zip"
         with zipfile.ZipFile(name, "w") as archive:
             archive.writestr("read me.txt", "no DEM")
             archive.write(tmp_path / "S34W071.hgt", "S34W071.hgt")
@@ -195,6 +195,20 @@ def test_another_datum_is_warped_to_wgs84(tmp_path):
     assert np.mean(whole) > 0.7
     # PROJ knows several transformations between these datums, up to 1 m apart; without any the error were 3 m of height.
     assert np.max(error[3:-3, 3:-3][whole]) < 0.05
+
+
+NEARLY_WGS84 = ('GEOGCS["mine",DATUM["%s",SPHEROID["mine",%.1f,%.9f]],PRIMEM["mine",%.1f],UNIT["degree",0.0174532925199433]]')
+
+
+@pytest.mark.parametrize("datum, axis_m, flattening, meridian_deg", [
+    ("WGS_1984", 6378137.0, 298.257223563, 0.0), ("WGS_1984", 6378137.0, 298.257223563, 2.5), ("mine", 6378137.0, 298.257223563, 0.0),
+    ("WGS_1984", 6377397.0, 298.257223563, 0.0), ("WGS_1984", 6378137.0, 299.152812800, 0.0)])
+def test_only_wgs84_itself_is_copied(tmp_path, datum, axis_m, flattening, meridian_deg):
+    tiff(tmp_path / "a.tif", np.full((30, 40), 7, np.int16), (7.0, 44.0), ARC_SECOND)
+    gdal.Translate(str(tmp_path / "a.vrt"), str(tmp_path / "a.tif"), outputSRS=NEARLY_WGS84 % (datum, axis_m, flattening, meridian_deg))
+    dem, results = imported(tmp_path, tmp_path / "a.vrt", "--heights", "ellipsoid")
+    assert ("warped" in results) == ((datum, axis_m, flattening, meridian_deg) != ("WGS_1984", 6378137.0, 298.257223563, 0.0))
+    assert abs(dem.x[0] - 7.0 - meridian_deg) < 3 * ARC_SECOND
 
 
 def tiles_of(samples, west, north, spacing, cut):
@@ -279,6 +293,11 @@ def bad_tiff(path, fault):
         tiff(path, np.full((5, 5), np.inf, np.float32), (1.0, 43.0), 0.001)
     elif fault == "no raster":
         path.write_text("velmora\n")
+    elif "zip" in fault:
+        tiff(path, HEIGHTS, (1.0, 43.0), 0.001)
+        with zipfile.ZipFile(path.with_name("a.zip"), "w") as archive:
+            for name in ("1.txt", "2.tif", "3.tif") if fault == "zip of two" else ("1.txt",):
+                archive.writestr(name, path.read_bytes() if name.endswith("tif") else "no DEM")
     else:
         tiff(path, HEIGHTS, (1.0, 43.0), 0.001, unit="kelvin" if fault == "unit" else "")
 
@@ -296,14 +315,23 @@ BAD_DEMS = {
     "box elsewhere": (["--heights", "ellipsoid", "--box", "5", "5", "6", "6"], "covers any part of the box"),
     "box upside down": (["--heights", "ellipsoid", "--box", "1", "43", "2", "42"], "S is below N"),
     "no master": (["--heights", "ellipsoid", "--around", "none.pool"], "none.pool"),
+    "zip of none": (["--heights", "ellipsoid"], "a.zip: holds no raster file that GDAL reads (1 members)"),
+    "zip of two": (["--heights", "ellipsoid"], "a.zip: holds 2 raster files; name the one: /vsizip/a.zip/2.tif"),
+    "no geoid": (["--heights", "egm96"], "PROJ has no EGM96 geoid (us_nga_egm96_15.tif): install the package proj-data"),
 }
 
 
 @pytest.mark.parametrize("fault", BAD_DEMS)
-def test_a_bad_dem_ends_in_a_message(tmp_path, fault):
+def test_a_bad_dem_ends_in_a_message(tmp_path, monkeypatch, fault):
     arguments, says = BAD_DEMS[fault]
     bad_tiff(tmp_path / "a.tif", fault)
-    refused("dem", "a.tif", "-o", "out", *arguments, says=says, folder=tmp_path)
+    if fault == "no geoid":
+        (tmp_path / "proj").mkdir()
+        for path in pathlib.Path("/usr/share/proj").glob("proj.*"):
+            (tmp_path / "proj" / path.name).symlink_to(path)
+        monkeypatch.setenv("PROJ_DATA", str(tmp_path / "proj"))
+        monkeypatch.setenv("PROJ_LIB", str(tmp_path / "proj"))
+    refused("dem", "a.zip" if "zip" in fault else "a.tif", "-o", "out", *arguments, says=says, folder=tmp_path)
 
 
 def test_both_files_appear_or_none(tmp_path):

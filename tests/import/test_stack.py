@@ -66,8 +66,11 @@ def figures(master, slave):
 
 
 def test_figures_are_those_of_the_closed_form_orbits_and_of_the_check(made, folder):
-    good(*STACK, folder=folder)
+    told = good(*STACK, folder=folder)
     rows = table(folder / "stack" / "pairs.csv")
+    ends = [sorted(float(r[column]) for r in rows)[::len(rows) - 1] for column in ("perpendicular_baseline_m", "time_difference_days")]
+    assert told.startswith("stack: 9 pairs of 5 images\n  new .......... 9 pairs, 5 images\n  baselines .... %.3f to %.3f m\n"
+                           "  time ......... %.3f to %.3f days\nTo run it on this machine:\n" % tuple(np.ravel(ends)))
     assert [(r["master"], r["slave"]) for r in rows] == [
         ("image%03d" % i, "image%03d" % j) for i in range(1, 6) for j in range(i + 1, min(i + 4, 6))]
     for row in rows:

@@ -29,6 +29,12 @@ std::string Updated(const std::string& content, const std::vector<std::string>& 
     return Content(path);
 }
 
+bool Blocks(int signal) {
+    sigset_t mask;
+    pthread_sigmask(SIG_BLOCK, nullptr, &mask);
+    return sigismember(&mask, signal) == 1;
+}
+
 TEST(PoolUpdate, ChangesTheEntrysOwnLinesOnly) {
     struct CASE {
         const char *before, *after;
@@ -99,6 +105,10 @@ TEST(PoolUpdate, OneAfterTheOtherBothSurvive) {
     first.Change("a", 9);
     first.Update();
     EXPECT_EQ(Content(path), "a INT_32 9\n\nb INT_32 2\n\nc INT_32 3\n\n");
+    folder.Make("a INT_32 7\n");  // by another program
+    first.Change("b", 4);
+    first.Update();
+    EXPECT_EQ(Content(path), "a INT_32 7\nb INT_32 4\n\n");
 }
 
 TEST(PoolUpdate, ReachesTheFileThatReplacedTheOpenedOne) {
@@ -176,7 +186,12 @@ TEST(PoolUpdate, OfTwoObjectsOnOneFileIsOne) {
     PARAMETER_POOL_READ_WRITE_CHANGE second(folder.Path("link.pool"));
     first.Change("a", 2);
     second.Change("b", 3);
-    POOL_TRANSACTION({&first, &second}).Commit();
+    {
+        SIGNALS_HELD_BACK held_back;
+        POOL_TRANSACTION({&first, &second}).Commit(held_back);
+        EXPECT_TRUE(Blocks(SIGTERM));
+    }
+    EXPECT_FALSE(Blocks(SIGTERM));
     EXPECT_EQ(Content(path), "a INT_32 2\n\nb INT_32 3\n\n");
     EXPECT_EQ(first.Get<int>("b"), 3);
 }
@@ -202,9 +217,10 @@ TEST(PoolUpdate, OfTwoPoolsOfWhichOneCanNotBeWrittenChangesNeither) {
         folder.Make(old);
         std::filesystem::create_directory(folder.Path("disk"));
         const int status = InProcess([&] {
-            if (!MountSmallDisk(folder.Path("disk"), "size=8k")) _exit(77);
+            if (!MountSmallDisk(folder.Path("disk"), "size=64k")) _exit(77);
             std::string path = folder.Make(old, "disk/pool");
-            folder.Make("fills", "disk/other");  // two blocks, two files
+            const std::string other =
+                folder.Make(std::string(14 * 4096, 'x'), "disk/other");  // of 16 blocks one is left
             if (room_for_copies && mount(path.c_str(), folder.Make("", "pool").c_str(), "", MS_BIND, nullptr) != 0)
                 _exit(77);
             if (room_for_copies) path = folder.Path("pool");
@@ -212,12 +228,19 @@ TEST(PoolUpdate, OfTwoPoolsOfWhichOneCanNotBeWrittenChangesNeither) {
             PARAMETER_POOL_READ_WRITE_CHANGE second(path);
             first.Change("k", 2);
             second.Change("v", ARRAY<int>(0, 2000));
-            const std::string log = ErrorAndLogOf([&] { POOL_TRANSACTION({&first, &second}).Commit(); });
+            POOL_TRANSACTION transaction({&first, &second});
+            SIGNALS_HELD_BACK held_back;
+            const std::string log = ErrorAndLogOf([&] { transaction.Commit(held_back); });
+            EXPECT_FALSE(Blocks(SIGTERM));
             EXPECT_THAT(log,
                         testing::StartsWith(room_for_copies ? "parameter pool error\n" : "pool error - corrupted"));
             EXPECT_THAT(log, HasSubstr(room_for_copies ? "No space left on device (writing)\n" : "is NOT CHANGED !!"));
             for (const std::string& pool : {folder.Path(), path}) EXPECT_EQ(Content(pool), old);
             EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path("")), {}), room_for_copies ? 3 : 2);
+            unlink(other.c_str());
+            transaction.Commit(held_back);
+            EXPECT_EQ(Content(folder.Path()), "k INT_32 2\n\n");
+            EXPECT_GT(Content(path).size(), 8192U);
             _exit(testing::Test::HasFailure() ? 1 : 0);
         });
         if (status == 77) GTEST_SKIP() << "no right to mount a small disk";

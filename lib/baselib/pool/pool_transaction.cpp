@@ -54,7 +54,6 @@ void POOL_TRANSACTION::Commit() {
 void POOL_TRANSACTION::Commit(SIGNALS_HELD_BACK& held_back) {
     PrepareAll();
     PARAMETER_POOL_READ_WRITE_CHANGE::CountUpdate();
-    AnnounceAll();
     held_back.Begin();
     try {
         CopyAll();
@@ -64,16 +63,6 @@ void POOL_TRANSACTION::Commit(SIGNALS_HELD_BACK& held_back) {
     }
     RemoveAll();
     for (PARAMETER_POOL_READ_WRITE_CHANGE* pool : pools_) pool->pending_.Clear();
-}
-
-/// The last step that may fail for want of memory, with pools as they were.
-void POOL_TRANSACTION::AnnounceAll() {
-    try {
-        for (const PART& part : parts_) part.update.Announce();
-    } catch (...) {
-        RemoveAll();
-        throw;
-    }
 }
 
 void POOL_TRANSACTION::PrepareAll() {
@@ -87,6 +76,7 @@ void POOL_TRANSACTION::PrepareAll() {
             part.update.Prepare();
             part.back.Prepare();
         }
+        for (const PART& part : parts_) part.update.Announce();  // the last that may fail for want of memory
     } catch (...) {
         RemoveAll();
         throw;

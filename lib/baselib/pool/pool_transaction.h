@@ -48,7 +48,6 @@ class POOL_TRANSACTION {
 
     void LockAll(int longest_wait_s);
     void PrepareAll();
-    void AnnounceAll();
     void CopyAll();
     void PutBackAll();
     static void LeaveToRecovery(PART& part) noexcept;
