@@ -29,7 +29,6 @@ struct ORBIT_PIECE {
     int degree = 0;
     std::array<TERM, kMaxDegree + 1> terms{};
 
-    [[nodiscard]] bool Holds(double t_s) const { return first_s <= t_s && t_s <= last_s; }
     [[nodiscard]] ORBIT_STATE State(double t_s) const;
 };
 

@@ -3,6 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <fstream>
+#include <initializer_list>
+#include <string>
+
 #include "lib/baselib/errors/error_exception.h"
 #include "tests/kit/environment_setting.h"
 #include "tests/kit/log_capture.h"
@@ -30,6 +35,22 @@ TEST(VectorLevel, IsTheOneAskedForOrRefusedWithThoseThatWork) {
                     testing::HasSubstr("ALARM : global : VELMORA_VECTORS: \"" + std::string(text) +
                                        "\" is none of the values that this machine takes: " + possible + "\n"));
     }
+}
+
+TEST(VectorLevel, TheMachineHasWhatItsKernelTells) {
+    std::ifstream file("/proc/cpuinfo");
+    std::string line;
+    while (line.rfind("flags", 0) != 0 && std::getline(file, line)) continue;
+    if (line.rfind("flags", 0) != 0) GTEST_SKIP() << "no flags of an x86 processor";
+    const auto has = [&](std::initializer_list<const char*> names) {
+        return std::all_of(names.begin(), names.end(), [&](const char* name) {
+            return (line + " ").find(" " + std::string(name) + " ") != std::string::npos;
+        });
+    };
+    const bool avx2 = has({"avx2", "fma", "bmi1", "bmi2"});
+    EXPECT_EQ(MachineHas(VECTOR_LEVEL::AVX2), avx2);
+    EXPECT_EQ(MachineHas(VECTOR_LEVEL::AVX512),
+              avx2 && has({"avx512f", "avx512bw", "avx512cd", "avx512dq", "avx512vl"}));
 }
 
 TEST(VectorLevel, IsTheBestOfTheMachineWhenNobodyAsks) {
