@@ -165,29 +165,6 @@ TEST_F(LoggingTest, AfterAFailedChangeTheFormerFileCanBeNamedAgain) {
     EXPECT_EQ(Content(path), "INFO  : global : again\n");
 }
 
-TEST(LogOutput, WaitsForRoomInANonBlockingPipe) {
-    int ends[2];
-    ASSERT_EQ(pipe2(ends, O_NONBLOCK), 0);
-    const std::string text(1 << 20, 'x');  // a pipe holds 64 KiB
-    bool complete = false;
-    std::thread writer([&] {
-        LOG_OUTPUT output(ends[1]);
-        complete = output.Write(text);
-        output.Close();
-    });
-    std::string received;
-    char block[4096];
-    pollfd input = {ends[0], POLLIN, 0};
-    for (ssize_t count = 1; count != 0 && poll(&input, 1, -1) > 0;) {
-        count = read(ends[0], block, sizeof block);
-        if (count > 0) received.append(block, static_cast<size_t>(count));
-    }
-    writer.join();
-    close(ends[0]);
-    EXPECT_TRUE(complete);
-    EXPECT_EQ(received, text);
-}
-
 TEST(LogOutput, TellsWhetherAllWentOut) {
     LOG_OUTPUT full(open("/dev/full", O_WRONLY));
     EXPECT_FALSE(full.Write("x"));

@@ -249,6 +249,9 @@ TEST(PoolOrbit, TellsEveryBadMetTextAndEndsAfterTheList) {
                               "ALARM : global : [^\n]*key \"times\": entry 1 \"[^\n]*24:00:13.750000\" is no MET time\n"
                               "EXCEP : global : MET_SCANNER: [^\n]*\n"
                               "ALARM : global : [^\n]*entry 3 \"12.5\" is no MET time\n.data error."));
+    POOL_TEXT utc = OrbitPool({.type = "orbit_pool_double_utc", .count = 4});
+    utc.SetList("times", "STR_V", std::vector<std::string>(4, "\"12.5\""));
+    EXPECT_EQ(CountOf("\" is no UTC time\n", RefusalOf(utc)), 1) << "the first one ends the list";
 }
 
 TEST(PoolOrbit, AsksForEnoughStateVectors) {

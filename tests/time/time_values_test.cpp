@@ -76,7 +76,7 @@ TEST(UniversalTime, DifferencesCountLeapSecondsInBothDirections) {
     }
 }
 
-TEST(LeapSeconds, AreThoseThatWerePublished) {
+TEST(LeapSeconds, AreThoseThatWerePublishedByAllEightFields) {
     // IERS Bulletin C; those of 2012 and 2015 are below.
     const int days[] = {19720630, 19721231, 19731231, 19741231, 19751231, 19761231, 19771231, 19781231, 19791231,
                         19810630, 19820630, 19830630, 19850630, 19871231, 19891231, 19901231, 19920630, 19930630,
@@ -85,16 +85,11 @@ TEST(LeapSeconds, AreThoseThatWerePublished) {
         const UNIVERSAL_TIME time = {day / 10000, day / 100 % 100, day % 100, 23, 59, 60, 0, 0};
         EXPECT_TRUE(IsLeapSecond(time)) << day;
     }
-    EXPECT_TRUE(IsLeapSecond(UNIVERSAL_TIME{2015, 6, 31, 23, 59, 60, 0, 0}));
     EXPECT_EQ(LeapSecondTable()[27].year, 0) << "the end";
-}
-
-TEST(LeapSeconds, AreKnownByAllEightFields) {
-    EXPECT_TRUE(IsLeapSecond(Utc("31-DEC-2016/23:59:60")));
     EXPECT_FALSE(IsLeapSecond(Utc("31-DEC-2016/23:59:60.000001")));
     EXPECT_FALSE(IsLeapSecond(Utc("31-DEC-2014/23:59:60")));
     EXPECT_FALSE(IsLeapSecond(Utc("30-JUN-2012/23:59:60"))) << "the table says 31 June";
-    EXPECT_TRUE(IsLeapSecond(UNIVERSAL_TIME{2012, 6, 31, 23, 59, 60, 0, 0}));
+    for (const int year : {2012, 2015}) EXPECT_TRUE(IsLeapSecond(UNIVERSAL_TIME{year, 6, 31, 23, 59, 60, 0, 0}));
 }
 
 TEST(UniversalTime, OrdersByYearDayAndTimeOfDay) {
