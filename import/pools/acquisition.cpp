@@ -40,7 +40,9 @@ void ReadEllipsoid(PARAMETER_POOL& pool, ACQUISITION_OF_POOL& acquisition) {
     const bool has_radii = list.First() <= 7 && list.First() + list.Count() > 8;
     acquisition.equatorial_radius_m = has_radii ? list[7] : 0.0;
     acquisition.polar_radius_m = has_radii ? list[8] : 0.0;
-    const bool plausible = acquisition.polar_radius_m > 6e6 && acquisition.equatorial_radius_m < 7e6;
+    const bool plausible = 6e6 < acquisition.polar_radius_m &&
+                           acquisition.polar_radius_m <= acquisition.equatorial_radius_m &&
+                           acquisition.equatorial_radius_m < 7e6;
     if (!has_radii || !plausible)
         throw COMPANION_ERROR(pool.FileName() + ": key " + kKey + ": expected the radii in metres at indices 7 and 8");
 }

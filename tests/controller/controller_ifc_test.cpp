@@ -10,6 +10,7 @@
 
 #include "lib/baselib/logging/logging.h"
 #include "tests/kit/in_process.h"
+#include "tests/kit/log_capture.h"
 #include "tests/kit/temporary_folder.h"
 
 namespace {
@@ -221,6 +222,20 @@ TEST_F(ControllerTest, ASignalBeforeTheStartLeavesTheStatusOfARunThatFailed) {
         EXPECT_EQ(Content("OK.prog"), looks ? "0" : "");
         EXPECT_EQ(Content("ERROR.prog"), looks ? "" : "1");
     }
+}
+
+TEST_F(ControllerTest, AStatusThatCanNotBeChangedIsToldAndTheOtherOneIsWritten) {
+    const OUTCOME run = RunController({"-lfn", "log"}, [](CONTROLLER_IFC& controller) {
+        unlink("ERROR.prog");
+        std::filesystem::create_directories("ERROR.prog/full");  // by somebody, during the run
+        _exit(controller.set_status_success() == 0 ? 5 : 6);
+    });
+    EXPECT_EQ(run.status, 5);
+    EXPECT_THAT(run.log, EndsWith("WARN  : global : Can not remove file ERROR.prog: Is a directory!\n"
+                                  "WARN  : global : Can not create file ERROR.prog!\n"));
+    EXPECT_EQ(Content("OK.prog"), "0");
+    EXPECT_THAT(LoggedBy([] { EXPECT_EQ(CONTROLLER_IFC().get_binary_name(), "unknown"); }),
+                HasSubstr("Controller interface not initialized!\n"));
 }
 
 TEST_F(ControllerTest, MistypedKeysAreToldOnceEach) {

@@ -89,6 +89,18 @@ CASES = [
     ("rotation that is none", pool("dem.pool", "datum_rotation", "datum_rotation FLT_15_V 0 9\n{\n" + "1\n" * 9 + "}",
                                    "datum_scale FLT_15 1"), ["datum_rotation"]),
     ("zone out of range", pool("dem.pool", "grid_format", 'grid_format STR "UTM"', "utm_zone INT_32 61"), ["utm_zone"]),
+    ("edges upside down", pool("dem.pool", "upper_northing", "upper_northing FLT_15 1", "lower_northing FLT_15 2"),
+     ['key "upper_northing": value 1 is not above lower_northing']),
+    ("edges of one metre", lambda folder: [edit(folder) for edit in (
+        pool("dem.pool", "grid_format", 'grid_format STR "UTM"', "utm_zone INT_32 31"),
+        pool("dem.pool", "right_easting", "right_easting FLT_15 5"), pool("dem.pool", "left_easting", "left_easting FLT_15 5"))],
+     ['key "right_easting": value 5 is not above left_easting']),
+    ("shift of two numbers", pool("dem.pool", "datum_shift", "datum_shift FLT_15_V 0 2\n{\n1\n2\n}"),
+     ['key "datum_shift": value of 2 elements does not hold 3']),
+    ("no ellipsoid", pool("dem.pool", "ellipsoid_type", 'ellipsoid_type STR "-"'), ['value "-" is no ellipsoid for a DEM']),
+    ("radii exchanged", pool("master.pool", "ellipsoid_parameters", "ellipsoid_parameters FLT_15_V 7 2\n{\n6356752\n6378137\n}"),
+     ["value 6378137 at index 8 (polar radius) is above index 7 (equatorial radius)"]),
+    ("forced factor of 2^31", keys(SHIFT_MATRICES_SUBSAMPLING="2147483648"), ['value "2147483648" exceeds a 32-bit integer']),
     ("easting of no projection", lambda folder: [edit(folder) for edit in (
         pool("dem.pool", "grid_format", 'grid_format STR "UTM"', "utm_zone INT_32 31"),
         pool("dem.pool", "right_easting", "right_easting FLT_15 392940000000"))], ["right_easting", "20000000 m"]),

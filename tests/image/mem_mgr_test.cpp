@@ -140,6 +140,15 @@ TEST(MemMgr, CopyIsDeepAndTakesTheColourMap) {
     moved.SetColourMap({from_malloc, from_malloc + 1, from_malloc + 2, 1, COLOUR_MAP_OWNER::SYSTEM_FREE});
 }
 
+TEST(MemMgr, TellsOfAdviceWithoutGivingAny) {
+    MEM_MGR image;
+    image.Allocate(0, 0, 10 * getpagesize(), 0, PIXEL_TYPE::U_INT_8);
+    EXPECT_EQ(LoggedBy([&] { image.Advise(3); }),
+              "DEBUG : global : MEM_MGR: making 3 madvise calls\nDEBUG : global : MEM_MGR: madvise completed\n");
+    for (const long long pages : {0LL, -1LL, kMost}) EXPECT_THROW(image.Advise(pages), ERROR_ARGUMENT);
+    image.Advise(1);
+}
+
 TEST(MemMgr, FlushReportsEveryErrorOfMsync) {
     const TEMPORARY_FOLDER folder;
     MEM_MGR image;

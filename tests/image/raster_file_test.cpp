@@ -24,27 +24,38 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
+/// Of an image of columns -2 .. 2 and rows 7 .. 9.
+template <class T>
+bool RowsLeadToPixels(MEM_MGR& image) {
+    const auto place = [&image](int column, int row) {
+        return reinterpret_cast<std::byte*>(&image.GetNumRecMatrix<T>()[row][column]);
+    };
+    return place(-2, 7) == image.Data() && place(1, 8) == image.PixelAddress(1, 8) &&
+           place(2, 9) + sizeof(T) == image.Data() + 15 * sizeof(T);
+}
+
 struct PIXEL_CASE {
     PIXEL_TYPE pixel_type;
     const char* data_type;
     int bytes;
     const char* depth;  ///< header words in hexadecimal, as the format's table gives them
     const char* type_word;
+    bool (*rows_lead_to_pixels)(MEM_MGR&);
 };
 
 constexpr PIXEL_CASE kPixelCases[] = {
-    {PIXEL_TYPE::U_INT_8, "u_int_8", 1, "00000008", "00000001"},
-    {PIXEL_TYPE::INT_16, "int_16", 2, "00000010", "00000001"},
-    {PIXEL_TYPE::INT_32, "int_32", 4, "00000020", "00000001"},
-    {PIXEL_TYPE::FLT_2, "flt_2", 2, "00000010", "0000005d"},
-    {PIXEL_TYPE::FLT_6, "flt_6", 4, "00000020", "00000063"},
-    {PIXEL_TYPE::FLT_15, "flt_15", 8, "00000040", "00000062"},
-    {PIXEL_TYPE::C_U_INT_8, "c_u_int_8", 2, "00000010", "0000005e"},
-    {PIXEL_TYPE::C_INT_16, "c_int_16", 4, "00000020", "00000061"},
-    {PIXEL_TYPE::C_FLT_2, "c_flt_2", 4, "00000020", "0000005c"},
-    {PIXEL_TYPE::C_FLT_6, "c_flt_6", 8, "00000040", "00000060"},
-    {PIXEL_TYPE::C_FLT_15, "c_flt_15", 16, "00000080", "0000005f"},
-    {PIXEL_TYPE::RGB, "rgb", 3, "00000018", "00000003"},
+    {PIXEL_TYPE::U_INT_8, "u_int_8", 1, "00000008", "00000001", RowsLeadToPixels<std::uint8_t>},
+    {PIXEL_TYPE::INT_16, "int_16", 2, "00000010", "00000001", RowsLeadToPixels<std::int16_t>},
+    {PIXEL_TYPE::INT_32, "int_32", 4, "00000020", "00000001", RowsLeadToPixels<std::int32_t>},
+    {PIXEL_TYPE::FLT_2, "flt_2", 2, "00000010", "0000005d", RowsLeadToPixels<FLT_2_BITS>},
+    {PIXEL_TYPE::FLT_6, "flt_6", 4, "00000020", "00000063", RowsLeadToPixels<float>},
+    {PIXEL_TYPE::FLT_15, "flt_15", 8, "00000040", "00000062", RowsLeadToPixels<double>},
+    {PIXEL_TYPE::C_U_INT_8, "c_u_int_8", 2, "00000010", "0000005e", RowsLeadToPixels<COMPLEX<std::uint8_t>>},
+    {PIXEL_TYPE::C_INT_16, "c_int_16", 4, "00000020", "00000061", RowsLeadToPixels<COMPLEX<std::int16_t>>},
+    {PIXEL_TYPE::C_FLT_2, "c_flt_2", 4, "00000020", "0000005c", RowsLeadToPixels<COMPLEX<FLT_2_BITS>>},
+    {PIXEL_TYPE::C_FLT_6, "c_flt_6", 8, "00000040", "00000060", RowsLeadToPixels<COMPLEX<float>>},
+    {PIXEL_TYPE::C_FLT_15, "c_flt_15", 16, "00000080", "0000005f", RowsLeadToPixels<COMPLEX<double>>},
+    {PIXEL_TYPE::RGB, "rgb", 3, "00000018", "00000003", RowsLeadToPixels<RGB_PIXEL>},
 };
 
 /// 5 x 3: an odd width, which the standard layout would pad for 1- and 3-byte pixels.
@@ -63,6 +74,7 @@ TEST(RasterFile, EveryPixelTypeIsSavedMappedAndCopiedByteForByte) {
         image.Allocate(-2, 7, 2, 9, c.pixel_type);
         ASSERT_EQ(15, image.DataSize());
         ASSERT_EQ(c.bytes, image.BytesPerPixel());
+        EXPECT_TRUE(c.rows_lead_to_pixels(image));
         std::string pixels;
         for (int i = 0; i < 15 * c.bytes; ++i) pixels += static_cast<char>(i * 37 + 11);
         std::memcpy(image.Data(), pixels.data(), pixels.size());

@@ -132,6 +132,12 @@ BAD_ANNOTATIONS = {
     "huge size": (replaced(ANNOTATION, "<numberOfLines>36", "<numberOfLines>99999999999999999999"), "numberOfLines"),
     "bursts that do not fill the image": (replaced(ANNOTATION, "<linesPerBurst>12", "<linesPerBurst>13"), "linesPerBurst"),
     "valid samples short": (replaced(ANNOTATION, "<firstValidSample>-1 ", "<firstValidSample>"), "12 numbers"),
+    "samples of bursts": (replaced(ANNOTATION, "<samplesPerBurst>40", "<samplesPerBurst>41"), "numberOfSamples, 40"),
+    "no valid line": (ANNOTATION.replace(">-1 3 ", ">-1 -1 ").replace(" 3 ", " -1 ").replace(" 3 ", " -1 "), "has no valid line"),
+    "bursts backwards": (ANNOTATION.replace("<azimuthTime>" + made_files.iso(70.0), "<azimuthTime>" + made_files.iso(71.0)), "a later time than"),
+    "another swath": (replaced(ANNOTATION, "<swathProcParams><swath>IW2", "<swathProcParams><swath>IW3"), "has no swathProcParams of swath \"IW2\""),
+    "bursts of two hours": (ANNOTATION.replace("<azimuthTime>" + made_files.iso(70.0 + 18 * made_files.LINE_INTERVAL_S),
+                                               "<azimuthTime>" + made_files.iso(7200.0)), "more than an hour"),
     "another mission": (made_files.annotation(ROWS).replace("S1A", "S3A"), "missionId"),
     "a detected product": (made_files.annotation(ROWS, product="GRD"), "productType"),
     "inertial vectors": (replaced(ANNOTATION, "Earth Fixed", "GM2000"), "generalAnnotation/orbitList/orbit[1]/frame"),
@@ -155,6 +161,10 @@ BAD_ORBITS = {
     "eof, fewer vectors than told": (made_files.eof(ROWS, count=17), "not whole"),
     "oem, inertial": (made_files.oem(ROWS, frame="EME2000"), ["line 8: REF_FRAME", "EME2000", "Earth-fixed"]),
     "oem, other time": (made_files.oem(ROWS, time="TDB"), ["TIME_SYSTEM", "UTC, TAI or GPS"]),
+    "oem, no frame": (made_files.oem(ROWS).replace("REF_FRAME = ITRF2014\n", ""), "the metadata lack REF_FRAME"),
+    "oem, eight words": (made_files.oem(ROWS).replace(" 0 0 0", " 0"), ["line 12", "(7 words)"]),
+    "oem, no time system yet": (made_files.oem(ROWS).replace("META_START", "COMMENT", 1), ["line 10", "META_START before"]),
+    "oem, another planet": (made_files.oem(ROWS).replace("= EARTH", "= MARS"), ["line 7: CENTER_NAME", "MARS"]),
     "oem, cut": (made_files.oem(ROWS)[:-20], "not whole"),
     "csv, no velocity": ("\n".join(line.rsplit(",", 1)[0] for line in CSV.splitlines()), ["line 1", "vz"]),
     "csv, short line": (CSV + "2023-01-08T13:53:00,1,2\n", ["line 18", "7 values"]),
@@ -190,6 +200,9 @@ def test_outputs_are_whole_or_not_there(tmp_path):
     refused(*arguments, "/dev/full", "--force", says="no regular file", folder=tmp_path)
     refused(*arguments, "m2.pool", "--burst", "4", says="3 bursts", folder=tmp_path)
     refused("sentinel1", "none.xml", "-o", "n.pool", says="none.xml", folder=tmp_path)
+    made(tmp_path, "b.EOF", made_files.eof(ROWS, mission="Sentinel-1B"))
+    refused("sentinel1", "a.xml", "--orbit", "b.EOF", "-o", "n.pool", says=["Sentinel-1B", "of the image, S1A"], folder=tmp_path)
+    (tmp_path / "b.EOF").unlink()
     refused("sentinel1", ".", "-o", "n.pool", says="regular file", folder=tmp_path)
     refused("sentinel1", "a.xml", says="--output", folder=tmp_path)
     good(*arguments, "m.pool", "--force", folder=tmp_path)

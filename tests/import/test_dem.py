@@ -169,6 +169,14 @@ def test_heights_above_egm96_become_ellipsoidal_as_proj_has_it(tmp_path, crs, co
     assert np.array_equal(overruled.samples, heights) and "overrules a file, which says: EGM96" in results
 
 
+def test_a_file_may_say_that_it_refers_to_the_ellipsoid(tmp_path):
+    tiff(tmp_path / "a.tif", HEIGHTS, (1.0, 43.0), ARC_SECOND, "EPSG:4979")
+    dem, _ = imported(tmp_path, tmp_path / "a.tif")
+    assert np.array_equal(dem.samples, HEIGHTS)
+    tiff(tmp_path / "b.tif", HEIGHTS, (1.0 + 40 * ARC_SECOND, 43.0), ARC_SECOND, "EPSG:4326+5773")
+    refused("dem", "a.tif", "b.tif", "-o", "mixed", says=["b.tif: its heights refer to", "those of a.tif do not"], folder=tmp_path)
+
+
 def plane(longitude, latitude):
     return 500.0 + 2000.0 * (longitude - 13.0) - 3000.0 * (latitude - 47.0)
 
@@ -291,6 +299,11 @@ def bad_tiff(path, fault):
         tiff(path, np.full((5, 5), 65535, np.uint16), (1.0, 43.0), 0.001)
     elif fault == "infinite":
         tiff(path, np.full((5, 5), np.inf, np.float32), (1.0, 43.0), 0.001)
+    elif fault == "no scale":
+        made = gdal.Open(str(tiff(path, HEIGHTS, (1.0, 43.0), 0.001)), gdal.GA_Update)
+        made.GetRasterBand(1).SetScale(0.0)
+    elif fault == "one sample":
+        tiff(path, HEIGHTS[:1, :1], (1.0, 43.0), 0.001)
     elif fault == "no raster":
         path.write_text("velmora\n")
     elif "zip" in fault:
@@ -315,6 +328,9 @@ BAD_DEMS = {
     "box elsewhere": (["--heights", "ellipsoid", "--box", "5", "5", "6", "6"], "covers any part of the box"),
     "box upside down": (["--heights", "ellipsoid", "--box", "1", "43", "2", "42"], "S is below N"),
     "no master": (["--heights", "ellipsoid", "--around", "none.pool"], "none.pool"),
+    "box beyond": (["--heights", "ellipsoid", "--box", "361", "43", "362", "44"], "a longitude of -360 to 360 degrees"),
+    "no scale": (["--heights", "ellipsoid"], "scale and offset of the band are no numbers"),
+    "one sample": (["--heights", "ellipsoid"], "expected at least 2 of each"),
     "zip of none": (["--heights", "ellipsoid"], "a.zip: holds no raster file that GDAL reads (1 members)"),
     "zip of two": (["--heights", "ellipsoid"], "a.zip: holds 2 raster files; name the one: /vsizip/a.zip/2.tif"),
     "no geoid": (["--heights", "egm96"], "PROJ has no EGM96 geoid (us_nga_egm96_15.tif): install the package proj-data"),

@@ -25,7 +25,8 @@ def test_a_part_of_the_image_starts_later_and_the_slave_keeps_its_own_times(fold
     before = content(folder)
     results = good(*PAIR, "--lines", "100:350", "--samples", "2000:", "--shift-factors", 4, 2, "--earth-factors", 3, 5,
                    folder=folder)
-    assert "cd run && velmora -pcf scene.pcf" in results
+    assert "cd run && velmora -pcf scene.pcf" in results and "note" not in results
+    assert "  master image . lines 100:350 of 723, samples 2000:25000 of 25000\n" in results
     assert {name: content(folder)[name] for name in before} == before
     master, slave, insar = (pool(folder / name) for name in ("master.pool", "slave.pool", "run/insar.pool"))
     assert (insar["n_lines"], insar["n_samples"]) == (250, 23000)
@@ -80,7 +81,16 @@ def test_pools_that_do_not_fit_end_in_a_message(folder):
     refused(*PAIR, says="dem.ras", folder=folder)
     (folder / "other.ras").rename(folder / "dem.ras")
     original = (folder / "slave.pool").read_text()
+    (folder / "a b").mkdir()
+    (folder / ("d" * 200)).mkdir()
+    for name, says in (("dem.text", "NAME.pool of a DEM"), ("a b/dem.pool", "without blanks"),
+                       ("d" * 200 + "/" + "e" * 60 + ".pool", "more than 255 characters")):
+        for path in (folder / name, (folder / name).with_suffix(".ras")):
+            path.write_bytes(b"")
+        refused("pair", "master.pool", "slave.pool", name, "-o", "run", says=says, folder=folder)
     for old, new, says in (("n_lines INT_32", "lines INT_32", "n_lines"), ('"right"', '"left"', "other side"),
+                           ('"right"', '"Right"', '"right" or "left"'), ("first_rg_time", "first_range", "first_rg_time is missing"),
+                           ("n_lines INT_32 7", "n_lines INT_32 -7", "at least 1"), ("6378137", "6358", "at indices 7 and 8"), ("6378137", "7000000", "at indices 7 and 8"),
                            ("radar_frequency FLT_15 5", "radar_frequency FLT_15 9", "radar_frequency"),
                            ("prf FLT_15 ", "prf FLT_15 -", "prf"), ("prf FLT_15 ", "prf FLT_15 nan #", "prf"),
                            ('times STR_V 0 16\n{\n    "2023-01-08T13:50', 'times STR_V 0 16\n{\n    "2024-01-08T13:50',
@@ -88,8 +98,14 @@ def test_pools_that_do_not_fit_end_in_a_message(folder):
         changed(folder / "slave.pool", old, new)
         refused(*PAIR, says=says, folder=folder)
         (folder / "slave.pool").write_text(original)
-    good(*PAIR, folder=folder)
+    changed(folder / "slave.pool", "n_lines INT_32 723", "n_lines INT_32 2")
+    changed(folder / "master.pool", "antenna_look_direction", "of_the_slave")
+    assert "  note ......... the slave's image of 2 lines does not show this ground; its orbit does\n" in good(
+        *PAIR, "--lines", "100:350", folder=folder)
+    assert pool(folder / "run" / "master.pool")["antenna_look_direction"] == "right"
     refused(*PAIR, says=["run/master.pool", "--force"], folder=folder)
+    changed(folder / "slave.pool", "antenna_look_direction", "of_the_master")
+    refused(*PAIR, "--force", says="antenna_look_direction is missing, in the other pool as well", folder=folder)
 
 
 def test_an_orbit_that_ends_before_the_ground_is_told(folder):
