@@ -4,7 +4,6 @@
 
 #include <string>
 
-#include "app/acquisition/observation_mode.h"
 #include "app/request/area_extension.h"
 #include "app/scene/output_sizes.h"
 #include "app/terrain/odd_samples.h"
@@ -73,12 +72,6 @@ TEST(DemValidRange, KeepsItsParsingRulesAndRefusesTheRest) {
         SCOPED_TRACE(text);
         EXPECT_THROW(static_cast<void>(ParseValidHeights(Given(text))), ERROR_ARGUMENT);
     }
-}
-
-TEST(ObservationMode, IsExactAndCaseSensitive) {
-    EXPECT_EQ(ObservationModeOf(Given("single_pass")).identifier, 1);
-    EXPECT_EQ(ObservationModeOf(Given("dual_pass")).factor, 2.0);
-    EXPECT_THROW(static_cast<void>(ObservationModeOf(Given("Dual_pass"))), ERROR_ARGUMENT);
 }
 
 /// No size: the run must stop.

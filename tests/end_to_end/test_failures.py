@@ -85,7 +85,7 @@ CASES = [
      ["POOL_ORBIT::ReadFromParameterPool::Number of coordinates in position and velocity disagree.",
       'master.pool: key "state_vector_positions": 48 numbers, but master.pool: key "state_vector_velocities": 3']),
     ("unknown ellipsoid", pool("dem.pool", "ellipsoid_type", 'ellipsoid_type STR "Clarke"'),
-     ["enumeration data type - invalid value of class ", ": Clarke", "Valid values are: '"]),
+     ['dem.pool: key "ellipsoid_type": "Clarke" is none of \'Airy\'', "enumeration data type - invalid value of class ", ": Clarke", "Valid values are: '"]),
     ("rotation that is none", pool("dem.pool", "datum_rotation", "datum_rotation FLT_15_V 0 9\n{\n" + "1\n" * 9 + "}",
                                    "datum_scale FLT_15 1"), ["datum_rotation"]),
     ("zone out of range", pool("dem.pool", "grid_format", 'grid_format STR "UTM"', "utm_zone INT_32 61"), ["utm_zone"]),

@@ -2,34 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <random>
 
 #include "tests/kit/circular_orbit.h"
+#include "tests/kit/least_place.h"
 
 namespace {
-
-/// The time of least range by golden-section search, in long double: knows nothing of velocities.
-long double TimeOfLeastRange(const CIRCULAR_ORBIT<long double>& orbit, const VECTOR_3D<long double>& point_m) {
-    const auto range2 = [&](long double t) {
-        const VECTOR_3D<long double> sight = orbit.Position(t) - point_m;
-        return DotProduct(sight, sight);
-    };
-    const long double ratio = (std::sqrt(5.0L) - 1.0L) / 2.0L;
-    long double low = -90.0L;
-    long double high = 90.0L;
-    while (high - low > 2e-4L) {  // below, the squares differ by their last bits only
-        const long double left = high - ratio * (high - low);
-        const long double right = low + ratio * (high - low);
-        (range2(left) < range2(right) ? high : low) = range2(left) < range2(right) ? right : left;
-    }
-    // The vertex of the parabola through three squared ranges 0.1 s apart takes the minimum far below that.
-    const long double middle = (low + high) / 2.0L;
-    const long double step = 0.05L;
-    const long double before = range2(middle - step);
-    const long double after = range2(middle + step);
-    return middle + 0.5L * step * (before - after) / (before - 2.0L * range2(middle) + after);
-}
 
 TEST(ZeroDoppler, IsTheTimeOfLeastRange) {
     std::mt19937 random(20120305);
@@ -50,7 +28,11 @@ TEST(ZeroDoppler, IsTheTimeOfLeastRange) {
 
         const ZERO_DOPPLER zero = SolveZeroDoppler(orbit, 0.0, point, guess(random), {-300.0, 300.0});
         const VECTOR_3D<long double> exact_point = {point.x, point.y, point.z};
-        const long double least_s = TimeOfLeastRange(exact, exact_point);
+        const auto squared_range = [&](long double t) {
+            const VECTOR_3D<long double> sight = exact.Position(t) - exact_point;
+            return DotProduct(sight, sight);
+        };
+        const long double least_s = LeastPlace(squared_range, -90, 90, 0.05L);
         EXPECT_TRUE(zero.converged);
         EXPECT_NEAR(zero.time_s, static_cast<double>(least_s), 2e-8);
         EXPECT_NEAR(zero.range_m, static_cast<double>(Length(exact.Position(least_s) - exact_point)), 1e-8);
