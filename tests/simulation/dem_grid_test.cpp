@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <vector>
 
 #include "geometry/constants.h"
@@ -31,22 +30,6 @@ struct SMALL_DEM {
         grid.geodetic = {kA, SquaredEccentricity(kA, kB), {}};
     }
 };
-
-TEST(DemGrid, GivesPositionsOfAGeographicGrid) {
-    SMALL_DEM dem("geo");
-    dem.grid.x0 = 10.0;
-    dem.grid.y0 = 50.0;
-    dem.grid.dx = dem.grid.dy = 0.5;
-    dem.grid.geodetic.datum.shift_m = {1.0, 2.0, 3.0};
-    VECTOR_3D<double> p;
-    float height_m = 0.0F;
-    Get_Earth_Position_From_DEM(dem.grid, 3, 2, p.x, p.y, p.z, &height_m);
-    EXPECT_EQ(height_m, 91.0F);
-    const VECTOR_3D<double> expected =
-        GeographicToCartesian({11.5 * kRadiansPerDegree, 49.0 * kRadiansPerDegree, 91.0}, kA, dem.grid.geodetic.e2);
-    EXPECT_LE(Length(p - expected - VECTOR_3D<double>{1.0, 2.0, 3.0}), 1e-8);
-    Get_Earth_Position_From_DEM(dem.grid, 0, 0, p.x, p.y, p.z);  // the height need not be asked for
-}
 
 TEST(DemGrid, TakesTheNearestHeightBesideAUtmGrid) {
     SMALL_DEM dem("UTM");

@@ -53,7 +53,6 @@ class TEST_GRID {
 
 struct SCENE_REQUEST {
     const char* name = "descending, right, GEO";
-    double inclination_rad = 1.71;
     double argument_rad = 2.2;  ///< beyond a quarter turn the satellite flies south
     double look = 1.0;
     const char* kind = "GEO";
@@ -81,8 +80,8 @@ class TEST_SCENE {
   public:
     explicit TEST_SCENE(const SCENE_REQUEST& r)
         : request(r),
-          master_motion{7071000.0, r.inclination_rad, 0.4, r.argument_rad},
-          slave_motion{7071120.0, r.inclination_rad, 0.4 + 6e-6, r.argument_rad - 3e-4},
+          master_motion{7071000.0, 1.71, 0.4, r.argument_rad},
+          slave_motion{7071120.0, 1.71, 0.4 + 6e-6, r.argument_rad - 3e-4},
           master_orbit(OrbitFrom(MotionOf(master_motion))),
           slave_orbit(OrbitFrom(MotionOf(slave_motion))),
           heights(r.dem_size + 1, r.dem_size + 1, 0),
