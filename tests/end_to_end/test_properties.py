@@ -11,7 +11,6 @@ import pytest
 
 import judge
 import velmora_run
-from scene_maker import pool_file, raster
 from velmora_run import succeed
 
 SIZE = dict(samples=140, lines=110)
@@ -26,6 +25,7 @@ NAMED_SCENES = {
                       orbit_interpolation="chebyshev_9"),
     "Greenwich, 0..360": dict(latitude_deg=51.4, longitude_deg=0.01, longitudes="positive", orbit_interpolation="polyfit_9",
                               orbit_representation="orbit_pool_double_double"),
+    "south, orbit of low inclination": dict(latitude_deg=-20.0, inclination_deg=35.0),
     "85 north": dict(latitude_deg=85.0, longitude_deg=-30.0),
     "equator, 1 arc second": dict(latitude_deg=0.0, longitude_deg=-60.0, dem_spacing_arcsec=1.0,
                                   orbit_interpolation="localpolynom_0_8"),
@@ -74,8 +74,8 @@ def test_every_pixel_satisfies_the_radar_equations(fresh_scene, options):
         assert judge.share_over(difference, tolerance) == 0.0, "%s, worst at %s: %g" % (what, worst, difference[worst])
 
     # Height: planar in the cell's triangle. A pixel may be claimed up to 1 % of a triangle's area outside it, where the
-    # neighbour's slope is another.
-    check(judge.dem_heights(made, points_m) - height_m, 0.25, "height")
+    # neighbour's slope is another, unless all of them are level.
+    check(judge.dem_heights(made, points_m) - height_m, 1e-3 if made.options.terrain == "flat" else 0.25, "height")
     check(run.product("SIMU_PHASE") - phase_rad, 0.002 + 4.0 * judge.ulp(phase_rad), "phase")
     # A single-pass pair's azimuth comes from a parabola through three travel times, not from their true minimum.
     line_tolerance = 1e-3 if made.options.single_pass else 1e-4
@@ -85,15 +85,6 @@ def test_every_pixel_satisfies_the_radar_equations(fresh_scene, options):
     for axis, name in enumerate("xyz"):
         value = run.product(name + "_EARTH").astype(float) + run.offset(name)
         check(value - points_m[..., axis], 0.005 + 0.5 * judge.ulp(points_m[..., axis]), name)
-
-
-def test_flat_terrain_follows_the_closed_formula_at_every_pixel(fresh_scene):
-    made, folder = fresh_scene(**SIZE, terrain="flat", low_m=431.0, latitude_deg=-20.0)
-    run = succeed(folder)
-    line, sample = np.mgrid[0:made.options.lines, 0:made.options.samples].astype(float)
-    _, phase_rad, _, _ = judge.expected(made, sample, line, np.full(line.shape, 431.0))
-    assert np.all(np.abs(run.product("SIMU_PHASE") - phase_rad) <= 0.01 + 4.0 * judge.ulp(phase_rad))
-    assert np.all(np.abs(run.product("H_EARTH") - 431.0) < 1e-3)
 
 
 @pytest.mark.parametrize("relative", [False, True])
@@ -106,51 +97,6 @@ def test_a_pair_of_one_image_with_itself_has_no_phase_and_no_shift(fresh_scene, 
     own = (0.0 * sample, 0.0 * line) if relative else (2.0 * sample, 3.0 * line)
     assert np.all(np.abs(run.product("RG_COREG") - own[0]) < 1e-3)
     assert np.all(np.abs(run.product("AZ_COREG") - own[1]) < 1e-3)
-
-
-def test_positions_map_back_to_their_own_pixel(fresh_scene):
-    made, folder = fresh_scene(**SIZE, earth_factors=(3, 2), latitude_deg=61.0)
-    run = succeed(folder, parallel="2")
-    point = np.stack([run.product(axis + "_EARTH") + run.offset(axis) for axis in "xyz"], axis=-1)
-    line, sample = np.mgrid[0:point.shape[0], 0:point.shape[1]]
-    seen_sample, seen_line = made.master.pixel(*judge.zero_doppler(made.master.orbit, point,
-                                                                   made.master.first_azimuth_time_s))
-    # Half a float step in each coordinate moves the point by at most this; a line and a sample are metres wide.
-    step_m = 0.5 * np.linalg.norm(judge.ulp(point), axis=-1)
-    line_m = 6500.0 / made.master.prf_hz  # a little less than the ground speed times the line interval
-    sample_m = 0.5 * judge.SPEED_OF_LIGHT_M_S / made.master.range_sampling_hz
-    inside = (2 * line < made.options.lines) & (3 * sample < made.options.samples)
-    assert np.all((np.abs(seen_sample - 3 * sample) <= 0.02 + step_m / sample_m)[inside])
-    assert np.all((np.abs(seen_line - 2 * line) <= 0.02 + step_m / line_m)[inside])
-
-
-def test_refining_the_terrain_along_its_own_triangles_changes_nothing(fresh_scene):
-    made, folder = fresh_scene(**SIZE, height_step_m=4, high_m=1200.0, smoothness=2.4)
-    coarse = succeed(folder, parallel="2")
-    _, fine_folder = fresh_scene("fine", **SIZE, height_step_m=4, high_m=1200.0, smoothness=2.4)
-    _refine(made, fine_folder)
-    fine = succeed(fine_folder, parallel="2")
-    for name, tolerance in (("SIMU_PHASE", 0.01), ("H_EARTH", 0.05), ("RG_COREG", 1e-3), ("AZ_COREG", 1e-3)):
-        difference = fine.product(name).astype(float) - coarse.product(name)
-        assert judge.share_over(difference, tolerance + 4.0 * judge.ulp(coarse.product(name))) <= 0.002, name
-
-
-def _refine(made, folder):
-    """Twice the samples; each cell's midpoints on the planes of its triangles (cut from upper right to lower left)."""
-    old, grid = made.heights.astype(int), made.grid
-    new = np.zeros((2 * grid.rows - 1, 2 * grid.columns - 1), dtype=int)
-    new[::2, ::2] = old
-    new[::2, 1::2] = (old[:, :-1] + old[:, 1:]) // 2
-    new[1::2, ::2] = (old[:-1] + old[1:]) // 2
-    new[1::2, 1::2] = (old[:-1, 1:] + old[1:, :-1]) // 2
-    raster.write_int16(folder / "dem.ras", new)
-    pool = pool_file.read(folder / "dem.pool")
-    dx = (pool["right_easting"] - pool["left_easting"]) / grid.columns
-    dy = (pool["upper_northing"] - pool["lower_northing"]) / grid.rows
-    velmora_run.edit_pool(folder / "dem.pool", "right_easting",
-                          "right_easting FLT_15 %.17g" % (pool["left_easting"] + 0.5 * dx * new.shape[1]))
-    velmora_run.edit_pool(folder / "dem.pool", "lower_northing",
-                          "lower_northing FLT_15 %.17g" % (pool["upper_northing"] - 0.5 * dy * new.shape[0]))
 
 
 # Ranges and azimuths of the shift, Earth and geocoding factors, and image sizes that are and are not multiples of them.
@@ -201,18 +147,3 @@ def test_a_dem_that_just_covers_the_terrain_is_enough(fresh_scene):
     line, sample = np.mgrid[0:made.options.lines, 0:made.options.samples].astype(float)
     _, phase_rad, _, _ = judge.expected(made, sample, line, run.product("H_EARTH"))
     assert judge.share_over(run.product("SIMU_PHASE") - phase_rad, 0.01 + 4.0 * judge.ulp(phase_rad)) <= 0.002
-
-
-def test_every_vector_level_gives_the_same_products_and_others_are_refused(fresh_scene):
-    _, folder = fresh_scene(**SIZE, shift_factors=(3, 2), incidence_deg=25.0, smoothness=1.7, high_m=2500.0)
-    refused = velmora_run.velmora(folder, environment={"VELMORA_VECTORS": "avx1024"})
-    assert refused.status == 1
-    text = 'VELMORA_VECTORS: "avx1024" is none of the values that this machine takes: '
-    levels = next(line for line in refused.lines("ALARM") if line.startswith(text))[len(text):].split(", ")
-    assert levels[-1] == "plain"
-    products = set()
-    for level in levels:
-        for threads in ("1", "5"):
-            succeed(folder, environment={"VELMORA_VECTORS": level}, parallel=threads)
-            products.add(b"".join(path.read_bytes() for path in sorted(folder.glob("*.ras"))))
-    assert len(products) == 1
