@@ -6,7 +6,7 @@ import pytest
 import judge
 from scene_maker import raster
 from test_properties import BESSEL
-from velmora_run import edit_control_file, succeed
+from velmora_run import WAYS, edit_control_file, succeed
 
 SIZE = dict(samples=120, lines=40)
 LAYOVER, SHADOW, SLAVE_LAYOVER, SLAVE_SHADOW, NO_TERRAIN = 1, 2, 4, 8, 128
@@ -111,22 +111,16 @@ def holed(made):
     return np.where((pixel < -40.0) & holes[:, :made.heights.shape[1]], VOID_M, made.heights)
 
 
-def middle_sample(made):
-    """Row and column of the sample in the middle of the image, at sea level; and the places of all there."""
+def cone(made):
+    """On a plain, its tip on a sample in the middle of the image."""
     rows, columns = made.heights.shape
     row, column = np.mgrid[0:rows, 0:columns]
     level = made.grid.earth_point(column, row, np.zeros(made.heights.shape))
     time_s, range_m = judge.zero_doppler(made.master.orbit, level, made.master.first_azimuth_time_s)
     pixel, line = made.master.pixel(time_s, range_m)
-    apart = np.hypot(pixel - made.options.samples / 2, line - made.options.lines / 2)
-    return np.unravel_index(np.argmin(apart), apart.shape), level
-
-
-def cone(made, slope_deg=65.0, height_m=250.0):
-    """On a plain, its tip on a sample in the middle of the image."""
-    tip, level = middle_sample(made)
-    distance_m = np.linalg.norm(level - level[tip], axis=-1)
-    return np.maximum(np.rint(height_m - distance_m * np.tan(np.radians(slope_deg))), 0.0)
+    tip = np.argmin(np.hypot(pixel - made.options.samples / 2, line - made.options.lines / 2))
+    distance_m = np.linalg.norm(level - level.reshape(-1, 3)[tip], axis=-1)
+    return np.maximum(np.rint(250.0 - distance_m * np.tan(np.radians(65.0))), 0.0)
 
 
 @pytest.mark.parametrize("options, terrain", [*((options, rough) for options in SCENES.values()),
@@ -172,74 +166,9 @@ def test_slopes_beyond_the_incidence_lay_over_and_those_beyond_its_complement_ca
     assert not np.any(flags & NO_TERRAIN)
 
 
-@pytest.mark.parametrize("incidence_deg, slope_deg", [(35.0, 50.0), (35.0, 70.0), (55.0, 45.0), (25.0, 20.0)])
-def test_a_cone_lays_over_down_to_its_tip_and_casts_the_shadow_of_its_height(fresh_scene, incidence_deg, slope_deg):
-    made, folder = fresh_scene(samples=250, lines=40, incidence_deg=incidence_deg, latitude_deg=1.0, inclination_deg=90.0,
-                               terrain="flat", low_m=0.0, dem_spacing_m=10.0)
-    heights = cone(made, slope_deg, 150.0)
-    raster.write_int16(folder / "dem.ras", heights)
-    flags = flags_of(folder)
-    (row, column), _ = middle_sample(made)
-    height_m = heights[row, column]
-    spacing_m = np.linalg.norm(made.grid.earth_point(column + 1, row, 0.0) - made.grid.earth_point(column, row, 0.0))
-
-    def seen(distance_m, height_m):
-        """Of a point beyond the cone's tip: line, pixel, and the incidence."""
-        outwards = 1.0 if seen_from_left else -1.0
-        point = made.grid.earth_point(column + outwards * distance_m / spacing_m, row, height_m)
-        time_s, range_m = judge.zero_doppler(made.master.orbit, point, made.master.first_azimuth_time_s)
-        pixel, line = made.master.pixel(time_s, range_m)
-        sight = made.master.orbit.state(time_s).position_m - point
-        return float(line), float(pixel), np.arccos(sight @ point / np.linalg.norm(sight) / np.linalg.norm(point))
-
-    seen_from_left = True
-    seen_from_left = seen(100.0, 0.0)[1] > seen(0.0, 0.0)[1]
-    line, tip, incidence = seen(0.0, height_m)
-    foot = seen(-height_m / np.tan(np.radians(slope_deg)), 0.0)[1]
-    end_of_shadow = seen(height_m * np.tan(incidence), 0.0)[1]
-    on_line = flags[round(line)]
-    tolerance = 1.0 + 1.5 * spacing_m * abs(seen(100.0, 0.0)[1] - seen(0.0, 0.0)[1]) / 100.0
-    expected = {LAYOVER: (tip, foot) if slope_deg > incidence_deg else None,
-                SHADOW: (max(tip, foot), end_of_shadow) if slope_deg > 90.0 - incidence_deg else None}
-    for bit, span in expected.items():
-        (pixels,) = np.nonzero(on_line & bit)
-        assert (len(pixels) > 0) == (span is not None), bit
-        if span:
-            assert (pixels[0], pixels[-1]) == pytest.approx(span, abs=tolerance), bit
-
-
-def plane(made, slope_deg):
-    """Rises with the DEM's columns, through 0 in the middle of the image."""
-    column = np.arange(made.grid.columns) - middle_sample(made)[0][1]
-    spacing_m = np.linalg.norm(made.grid.earth_point(1, made.grid.rows // 2, 0.0) - made.grid.earth_point(0, made.grid.rows // 2, 0.0))
-    return np.broadcast_to(np.rint(column * spacing_m * np.tan(np.radians(slope_deg))), made.heights.shape)
-
-
-@pytest.mark.parametrize("slope_deg, shadow", [(25.0, False), (-25.0, False), (52.0, False), (-52.0, False), (62.0, True)])
-def test_a_plane_lays_over_nowhere_and_lies_in_its_own_shadow_beyond_the_complement(fresh_scene, slope_deg, shadow):
-    made, folder = fresh_scene(samples=150, lines=30, incidence_deg=35.0, latitude_deg=1.0, inclination_deg=90.0,
-                               terrain="flat", low_m=0.0, dem_margin_m=900.0)
-    raster.write_int16(folder / "dem.ras", plane(made, slope_deg))
-    flags = flags_of(folder)
-    middle = flags[:, 50:100]
-    assert np.all(middle & LAYOVER == 0)
-    assert bool(np.all(middle & SHADOW)) == shadow and bool(np.any(middle & SHADOW)) == shadow
-
-
-def test_level_ground_has_neither_and_a_pair_of_one_image_has_equal_flags(fresh_scene):
-    _, flat = fresh_scene("flat", **SIZE, terrain="flat", low_m=300.0)
-    assert not np.any(flags_of(flat))
-    _, same = fresh_scene("same", **SIZE, slave_is_master=True, incidence_deg=30.0, **ROUGH)
-    flags = flags_of(same)
-    assert np.array_equal(flags & LAYOVER != 0, flags & SLAVE_LAYOVER != 0)
-    assert np.array_equal(flags & SHADOW != 0, flags & SLAVE_SHADOW != 0)
-
-
 def test_flags_do_not_depend_on_the_way_there(fresh_scene):
     products = set()
-    for name, arguments, options in (("plain", (), {}), ("threads", (), dict(parallel="5")),
-                                     ("slabs", ("-MEMORY_LIMIT", "1"), dict(parallel="2")),
-                                     ("vectors", (), dict(environment={"VELMORA_VECTORS": "plain"}))):
+    for name, arguments, options in WAYS:
         _, folder = fresh_scene(name, samples=400, lines=420, incidence_deg=30.0, shift_factors=(4, 3), **ROUGH)
         flags = flags_of(folder, *arguments, **options)
         assert flags.shape == (420, 400)

@@ -15,7 +15,7 @@ import judge
 from scene_maker import pool_file, raster
 from scene_maker.ellipsoid import WGS84
 from test_properties import BESSEL, SCENES
-from velmora_run import BINARY, REPOSITORY, edit_control_file, edit_pool, succeed, velmora
+from velmora_run import BINARY, REPOSITORY, WAYS, edit_control_file, edit_pool, succeed, velmora
 
 IMPORT = pathlib.Path(BINARY).parents[1] / "import" / "velmora-import"
 INPUTS = REPOSITORY.parent / "shared" / "inputs"
@@ -115,9 +115,7 @@ def test_a_pair_of_one_image_with_itself_has_no_baseline(fresh_scene):
                          ids=["factors, Bessel", "single pass"])
 def test_views_do_not_depend_on_the_way_there(fresh_scene, options):
     products = set()
-    for name, arguments, run_options in (
-            ("plain", (), {}), ("threads", (), dict(parallel="5")), ("slabs", ("-MEMORY_LIMIT", "1"), dict(parallel="2")),
-            ("vectors", (), dict(environment={"VELMORA_VECTORS": "plain"}))):
+    for name, arguments, run_options in WAYS:
         _, folder = fresh_scene(name, samples=500, lines=450, incidence_deg=20.0, smoothness=1.7, **options)
         run_with_views(folder, *arguments, **run_options)
         products.add(b"".join((folder / file).read_bytes() for file in FILES))
