@@ -47,6 +47,8 @@ TEST(PoolUpdate, ChangesTheEntrysOwnLinesOnly) {
         // A line with a tag as second word is never an element, not even in a block.
         {"v STR_V 0 1\n{\nk INT_32\n}\nk BYT 1\n", "v STR_V 0 1\n{\nk INT_32 5\n\n}\nk BYT 1\n"},
         {"k BYT_V 0 9\n{\n1\n2\nb BYT 1\n", "k INT_32 5\n\nb BYT 1\n"},  // never closed
+        {"k STR_V 0 1\n{\n\"x\"\n}\n\n\n# c\nb BYT 1\n", "k INT_32 5\n\n\n# c\nb BYT 1\n"},
+        {"k BYT_M 1 1\n{\n{\n1\n}\n}\n# c\n", "k INT_32 5\n\n# c\n"},
         {"k INT_32 1\n indented\n\nb BYT 1\n", "k INT_32 5\n\n indented\n\nb BYT 1\n"},
         {"b BYT 1", "b BYT 1\nk INT_32 5\n\n"},
         {"a BYT 1\r\n# c\r\rk BYT 1\r\n\r\nb BYT 1\r\n", "a BYT 1\r\n# c\r\rk INT_32 5\n\nb BYT 1\r\n"},
