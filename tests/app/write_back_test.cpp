@@ -65,6 +65,13 @@ TEST_F(WriteBackTest, AFailureOfOnePoolChangesNeither) {
     EXPECT_EQ(Content(folder_ / "moved" / "pool"), before);
 }
 
+TEST_F(WriteBackTest, ALogPoolThatIsTheInsarPoolIsWrittenOnce) {
+    pools_.own_log.reset();
+    WriteBackPools(pools_, kEntry, held_back_);
+    EXPECT_EQ(Content(folder_ / "insar" / "pool").find("value INT_32 2"), 13U);
+    EXPECT_EQ(pools_.insar.Get<ARRAY<int>>("software_execution_times")[0], 7);
+}
+
 TEST(EntryOfRun, ClocksThatWereSetBackGiveNoNegativeTime) {
     const VERSION_RECORD version = {"full", "date", "1.2", "what", "prog", "", ""};
     setenv("TZ", "UTC", 1);

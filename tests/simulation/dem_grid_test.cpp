@@ -9,6 +9,7 @@
 #include "geometry/vector_arithmetic.h"
 #include "lib/baselib/errors/error_exception.h"
 #include "tests/kit/log_capture.h"
+#include "tests/simulation/test_scene.h"
 
 namespace {
 
@@ -95,10 +96,6 @@ TEST(DemGrid, TakesOffOneTurnAtMost) {
 }
 
 TEST(DemGrid, FindsAPointInWhateverTurnTheDemIsWritten) {
-    const DATUM seven_parameters = {false,
-                                    {598.1, 73.7, 418.2},
-                                    1.0000067,
-                                    {{1.0, -1.2e-05, 2.2e-07}, {1.2e-05, 1.0, 9.8e-07}, {-2.2e-07, -9.8e-07, 1.0}}};
     const struct {
         const char* name;
         double x0;
@@ -116,7 +113,7 @@ TEST(DemGrid, FindsAPointInWhateverTurnTheDemIsWritten) {
         dem.grid.y0 = -33.0;
         dem.grid.dx = 0.2;
         dem.grid.dy = 0.1;
-        dem.grid.geodetic.datum = seven_parameters;
+        dem.grid.geodetic.datum = kBesselDatum;
         const GEOGRAPHIC place = {(c.x0 + c.column * 0.2) * kRadiansPerDegree, -33.15 * kRadiansPerDegree, 2000.0};
         const POINT<double> found = LocateInDem(
             dem.grid, DatumForward(dem.grid.geodetic.datum, GeographicToCartesian(place, kA, dem.grid.geodetic.e2)));
