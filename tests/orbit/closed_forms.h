@@ -50,6 +50,14 @@ ARRAY<P> SamplesOf(const CLOSED_FORM& form, const std::vector<double>& abscissae
     return points;
 }
 
+/// An interpolator on the points, with the order and count of support points that it has by itself, or others.
+template <class I, class P>
+I Created(const ARRAY<P>& points, int order = -1, int count = -1) {
+    I interpolation;
+    interpolation.Create(points, order, count);
+    return interpolation;
+}
+
 /// first, first + step, ...; count of them.
 inline std::vector<double> Grid(double first, double step, int count) {
     std::vector<double> grid;

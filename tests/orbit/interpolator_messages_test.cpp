@@ -35,6 +35,7 @@ ARRAY<DPOINT<double>> Slopes(const X& x) {
     return SamplesOf<DPOINT<double>>(kSine, x);
 }
 
+using PLAIN = INTERPOLATION<double, POINT<double>>;
 using LOCAL_FIT = LOCAL_INTERPOLATION<double, POLYNOM_FIT<double>, POINT<double>>;
 using LOCAL_POLYNOM = LOCAL_INTERPOLATION<double, POLYNOM<double>, POINT<double>>;
 using LOCAL_HERMITE = LOCAL_INTERPOLATION<double, HERMITE_POLY<double>, DPOINT<double>>;
@@ -77,9 +78,8 @@ TEST(InterpolatorLog, TellsOrdersDroppedValuesAndPieces) {
               "INFO  : global : INTERPOLATION::GetCoeffs() shall not be called\n");
     EXPECT_THAT(LoggedBy([] { EXPECT_EQ(SPLINE<double>().GetCoeffs().Count(), 0); }),
                 HasSubstr("WARN  : global : SPLINE::GetCoeffs() makes no sense\n"));
-    POLYNOM<double> square;
-    square.Create(SamplesOf<POINT<double>>(PolynomialOf({0, 0, 1}, 0, 1), {1, 2, 4}));
-    const ARRAY<double> differences = square.GetCoeffs();
+    const ARRAY<POINT<double>> square = SamplesOf<POINT<double>>(PolynomialOf({0, 0, 1}, 0, 1), {1, 2, 4});
+    const ARRAY<double> differences = Created<POLYNOM<double>>(square).GetCoeffs();
     EXPECT_EQ((std::vector<double>{1, 3, 1}), X(differences.Data(), differences.Data() + differences.Count()))
         << "divided differences";
 }
@@ -101,9 +101,8 @@ TEST(LocalInterpolation, MakesOfManyPiecesThoseThatAreAskedFor) {
     });
     EXPECT_THAT(asked, HasSubstr("PARAM : global : idx_start=100 idx_stop=108 t_start=1135 t_stop=1145\n"));
     EXPECT_EQ(CountOf("idx_start=", asked), 1);
-    POLYNOM_FIT<double> piece;
-    piece.Create(Points({x.begin() + 100, x.begin() + 109}), 7, -1);
-    EXPECT_EQ(value, piece.Value(1142.0));
+    const ARRAY<POINT<double>> nine = Points({x.begin() + 100, x.begin() + 109});
+    EXPECT_EQ(value, Created<POLYNOM_FIT<double>>(nine, 7).Value(1142.0));
 
     const std::string made = LoggedBy([&] {
         std::vector<std::thread> threads;
@@ -121,22 +120,17 @@ TEST(Everett, RefusesWhatItCanNotInterpolate) {
     uneven[7] += 1.1e-7;  // the tolerance is 1e-8 of the step of 10
     X nearly = kGrid;
     nearly[7] += 0.9e-7;
-    struct CASE {
-        X x;
-        int order;
-        const char* text;
-    };
-    const CASE cases[] = {
+    const std::tuple<X, int, const char*> cases[] = {
         {{1}, 0, "ALARM : global : EVERETT::Create: more than 1 value needed.\n"},
         {kGrid, 3, "Everett interpolation only possible with even order, not for given order 3\n"},
         {uneven, 2, "EVERETT::Create: Everett interpolation only possible on equidistant grid.\n"},
         {Grid(0, 10, 4), 4, "EVERETT::Create: order 4 needs at least 5 support points, not 4"},
         {kGrid, -2, "EVERETT::Create: the order -2 is outside 0..128"},
     };
-    for (const CASE& one : cases) {
-        EXPECT_THAT(LogOfRefusal([&] { EVERETT<double>().Create(Points(one.x), one.order, -1); }), HasSubstr(one.text));
+    for (const auto& [x, order, text] : cases) {
+        EXPECT_THAT(LogOfRefusal([&] { Created<EVERETT<double>>(Points(x), order); }), HasSubstr(text));
     }
-    EVERETT<double>().Create(Points(nearly), 2, -1);
+    Created<EVERETT<double>>(Points(nearly), 2);
     const std::pair<X, bool> grids[] = {{{}, true}, {{1}, true}, {{1, 5}, true}, {{1, 5, 9}, true}, {{1, 5, 8}, false}};
     for (const auto& [x, is_equidistant] : grids) {
         EXPECT_EQ(EVERETT<double>().IsEquidistant(Points(x)), is_equidistant) << x.size();
@@ -144,15 +138,8 @@ TEST(Everett, RefusesWhatItCanNotInterpolate) {
 }
 
 TEST(Everett, ForcesTheOuterCellsInwardsAndSaysSoALimitedNumberOfTimes) {
-    EVERETT<double> everett;
-    everett.Create(Points(kGrid), 4, -1);  // cells 2 .. 9 of points 0 .. 11
-    struct CASE {
-        double x;
-        int index;
-        double p;
-        const char* text;
-    };
-    const CASE cases[] = {
+    const auto everett = Created<EVERETT<double>>(Points(kGrid), 4);  // cells 2 .. 9 of points 0 .. 11
+    const std::tuple<double, int, double, const char*> cases[] = {
         {120, 2, 0, ""},
         {199.9, 9, 0.99, ""},
         {119, 2, -0.1, "WARN  : global : EVERETT::GetXi: Forced interpolation left hand side.\n"},
@@ -160,14 +147,14 @@ TEST(Everett, ForcesTheOuterCellsInwardsAndSaysSoALimitedNumberOfTimes) {
         {95, 2, -2.5, "DEBUG : global : EVERETT::GetXi: Extrapolation needed (r=-0.5 p=-2.5 q=3.5)\n"},
         {215, 9, 2.5, "DEBUG : global : EVERETT::GetXi: Extrapolation needed (r=11.5 p=2.5 q=-1.5)\n"},
     };
-    for (const CASE& one : cases) {
-        SCOPED_TRACE(one.x);
+    for (const auto& [x, index, p, text] : cases) {
+        SCOPED_TRACE(x);
         EVERETT<double>::CELL cell{};
-        const std::string log = LoggedBy([&] { cell = everett.GetXi(one.x); });
-        EXPECT_EQ(cell.index, one.index);
-        EXPECT_NEAR(cell.p, one.p, 1e-12);
-        EXPECT_EQ(log.empty(), *one.text == '\0');
-        EXPECT_THAT(log, HasSubstr(one.text));
+        const std::string log = LoggedBy([&] { cell = everett.GetXi(x); });
+        EXPECT_EQ(cell.index, index);
+        EXPECT_NEAR(cell.p, p, 1e-12);
+        EXPECT_EQ(log.empty(), *text == '\0');
+        EXPECT_THAT(log, HasSubstr(text));
     }
     const EVERETT<double> copy = everett;
     const std::string log = LoggedBy([&] {
@@ -203,38 +190,16 @@ TEST(Interpolators, RefuseBadSupportPointsAndParameters) {
         EXPECT_THAT(LogOfRefusal([&] { LOCAL_POLYNOM().SetSupportPointCount(count); }),
                     HasSubstr("the support point count " + std::to_string(count) + " is below 1"));
     }
-    HERMITE_POLY<double> as_usual, with_eight;
-    as_usual.Create(Slopes(kGrid), -1, -1);
-    with_eight.Create(Slopes(kGrid), -1, 8);
-    EXPECT_EQ(as_usual.Value(104), with_eight.Value(104));
+    const auto with_eight = Created<HERMITE_POLY<double>>(Slopes(kGrid), -1, 8);
+    EXPECT_EQ(Created<HERMITE_POLY<double>>(Slopes(kGrid)).Value(104), with_eight.Value(104));
 }
 
 /// How many powers of ten a query may reach.
-int ReachOf(const INTERPOLATION<double, POINT<double>>& interpolation) {
+int ReachOf(const PLAIN& interpolation) {
     int power = 0;
     while (ErrorAndLogOf([&] { interpolation.Value(std::pow(10.0, power)); }).find("so far") == std::string::npos)
         ++power;
     return power;
-}
-
-TEST(Interpolators, ReachLessFarTheLargerTheirOrdinatesAre) {
-    POLYNOM<double> polynom;
-    POLYNOM_FIT<double> fit;
-    CHEBY_POLY<double> chebyshev;
-    SPLINE<double> spline;
-    EVERETT<double> everett;
-    using ANY = INTERPOLATION<double, POINT<double>>;
-    for (ANY* one : std::initializer_list<ANY*>{&polynom, &fit, &chebyshev, &spline, &everett}) {
-        one->Create(SamplesOf<POINT<double>>(SineOf(1, 0.05L), kGrid), 6, -1);
-        const int reach = ReachOf(*one);
-        for (const int large : {0, 11}) {
-            ARRAY<POINT<double>> points = Points(kGrid);
-            points[large].y = 1e59;
-            one->Create(points, 6, -1);
-            EXPECT_LT(ReachOf(*one), reach);
-            EXPECT_GT(ReachOf(*one), 12);
-        }
-    }
 }
 
 /// Queries that would overflow, or have no support points to stand on, end in a message, never in a trap.
@@ -245,12 +210,11 @@ TEST(Interpolators, RefuseQueriesThatWouldOverflowOrLackPoints) {
     SPLINE<double> spline;
     EVERETT<double> everett;
     LOCAL_POLYNOM local;
-    using ANY = INTERPOLATION<double, POINT<double>>;
     ARRAY<POINT<double>> points = Points(kGrid);
     ARRAY<POINT<double>> bad = points;
     bad[1].x = bad[0].x;
     const char* const no_points = "a query at 0 before there are support points";
-    for (ANY* one : std::initializer_list<ANY*>{&polynom, &fit, &chebyshev, &spline, &everett, &local}) {
+    for (PLAIN* one : std::initializer_list<PLAIN*>{&polynom, &fit, &chebyshev, &spline, &everett, &local}) {
         EXPECT_THAT(LogOfRefusal([&] { one->Value(0); }), HasSubstr(no_points));
         one->Create(points, 8, 8);
         for (const double x : {1e6, -1e9, 1e15}) one->Value(x);
@@ -258,19 +222,26 @@ TEST(Interpolators, RefuseQueriesThatWouldOverflowOrLackPoints) {
             EXPECT_THAT(LogOfRefusal([&] { one->Value(x); }),
                         HasSubstr("so far outside the data that its result would overflow"));
         }
+        one->Create(SamplesOf<POINT<double>>(SineOf(1, 0.05L), kGrid), 6, 12);
+        const int reach = ReachOf(*one);
+        for (const int large : {0, 11}) {
+            ARRAY<POINT<double>> uneven = points;
+            uneven[large].y = 1e59;
+            one->Create(uneven, 6, 12);
+            EXPECT_LT(ReachOf(*one), reach) << "the larger the ordinates";
+            EXPECT_GT(ReachOf(*one), 12);
+        }
         if (one == &fit || one == &chebyshev) continue;  // a fit takes equal abscissae
         EXPECT_THROW(one->Create(bad), ERROR_ARGUMENT);
         EXPECT_THAT(LogOfRefusal([&] { one->Value(0); }), HasSubstr(no_points)) << "nothing of the old data stays";
     }
-    POLYNOM_FIT<float> narrow;
-    narrow.Create(SamplesOf<POINT<float>>(kSine, Grid(0, 1, 12)), 8, -1);
+    const auto narrow = Created<POLYNOM_FIT<float>>(SamplesOf<POINT<float>>(kSine, Grid(0, 1, 12)), 8);
     EXPECT_THAT(LogOfRefusal([&] { narrow.Value(1e8F); }), HasSubstr("does not fit the type float"));
 }
 
 template <class I>
 void ExpectEndsTheProcess(ARRAY<DPOINT<double>> points, double x, const char* line) {
-    I interpolation;
-    interpolation.Create(points, -1, 4);
+    const I interpolation = Created<I>(points, -1, 4);
     const auto query = [&] {
         dup2(STDERR_FILENO, STDOUT_FILENO);  // where the child's log goes, to the pipe that is matched
         interpolation.Value(x);

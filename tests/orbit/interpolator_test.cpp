@@ -39,9 +39,8 @@ CHECK Made(int order, int count) {
         constexpr bool kSlopes = requires(I i) {
             i.Create(ARRAY<DPOINT<double>>());
         };
-        I interpolation;
-        interpolation.Create(SamplesOf<std::conditional_t<kSlopes, DPOINT<double>, POINT<double>>>(form, nodes, -3),
-                             order, count);
+        using SUPPORT = std::conditional_t<kSlopes, DPOINT<double>, POINT<double>>;
+        const auto interpolation = Created<I>(SamplesOf<SUPPORT>(form, nodes, -3), order, count);
         for (const double x : queries) ExpectAgrees(interpolation, form, x, bounds);
     };
 }
@@ -51,13 +50,8 @@ using LOCAL = LOCAL_INTERPOLATION<double, I, POINT<double>>;
 using LOCAL_HERMITE = LOCAL_INTERPOLATION<double, HERMITE_POLY<double>, DPOINT<double>>;
 
 TEST(Interpolators, ReproducePolynomialsUpToTheirDegreeAlsoOnUnevenPointsAndOutside) {
-    struct CASE {
-        const char* name;
-        int degree;
-        bool extrapolates;
-        CHECK check;
-    };
-    const CASE cases[] = {
+    const std::tuple<const char*, int, bool, CHECK> cases[] = {
+        // name, degree, whether it extrapolates
         {"polynom", 11, true, Made<POLYNOM<double>>(-1, -1)},
         {"polyfit 5", 5, true, Made<POLYNOM_FIT<double>>(5, -1)},
         {"chebyshev 6", 6, true, Made<CHEBY_POLY<double>>(6, -1)},
@@ -70,12 +64,12 @@ TEST(Interpolators, ReproducePolynomialsUpToTheirDegreeAlsoOnUnevenPointsAndOuts
     };
     const ABSCISSAE nodes = {45990, 46001, 46010, 46019, 46030, 46041.5, 46050, 46060, 46069, 46080, 46092, 46100};
     const std::vector<long double> c = {7e6L, -3e5L, 2e4L, -900, 70, -8, 3, 2, -1, 0.7L, 0.3L, 0.2L};
-    for (const CASE& one : cases) {
-        SCOPED_TRACE(one.name);
-        const CLOSED_FORM form = PolynomialOf({c.begin(), c.begin() + one.degree + 1}, 46045, 60);
+    for (const auto& [name, degree, extrapolates, check] : cases) {
+        SCOPED_TRACE(name);
+        const CLOSED_FORM form = PolynomialOf({c.begin(), c.begin() + degree + 1}, 46045, 60);
         const ABSCISSAE queries = {45990, 45995, 46024.9, 46030, 46045.75, 46099, 46100};
-        one.check(form, nodes, queries, {2e-8, 2e-8, 1e-8});
-        if (one.extrapolates) one.check(form, nodes, {45985, 46103}, {2e-7, 2e-7, 1e-7});  // rounding grows outside
+        check(form, nodes, queries, {2e-8, 2e-8, 1e-8});
+        if (extrapolates) check(form, nodes, {45985, 46103}, {2e-7, 2e-7, 1e-7});  // rounding grows outside
     }
 }
 
@@ -86,21 +80,17 @@ TEST(Interpolators, TheMiddleOfTwoTimesIsTheirTypesOwn) {
 
 TEST(Interpolators, EverettIsExactOneDegreeAboveItsOrderInsideAndForAQuadraticOnThreePoints) {
     const std::vector<long double> c = {7e6L, -3e5L, 2e4L, -900, 70, -8};
-    struct CASE {
-        const char* name;
-        int order, points, degree;
-        ABSCISSAE queries;
-    };
-    const CASE cases[] = {
+    const std::tuple<const char*, int, int, int, ABSCISSAE> cases[] = {
+        // name, order, points, degree, queries
         {"order 0 is linear", 0, 4, 1, {100, 104, 110, 119.5, 129}},
         {"order 4, inner cells", 4, 8, 5, {120, 121, 130, 138, 149}},
         {"order 2 over three points", 2, 3, 2, {95, 100, 101, 110, 115, 120, 126}},
         {"order 4 of a quadratic, everywhere", 4, 6, 2, {95, 100, 105, 115, 150, 156}},
     };
-    for (const CASE& one : cases) {
-        SCOPED_TRACE(one.name);
-        const CLOSED_FORM form = PolynomialOf({c.begin(), c.begin() + one.degree + 1}, 120, 60);
-        Made<EVERETT<double>>(one.order, -1)(form, Grid(100, 10, one.points), one.queries, {1e-8, 1e-8, 1e-8});
+    for (const auto& [name, order, points, degree, queries] : cases) {
+        SCOPED_TRACE(name);
+        const CLOSED_FORM form = PolynomialOf({c.begin(), c.begin() + degree + 1}, 120, 60);
+        Made<EVERETT<double>>(order, -1)(form, Grid(100, 10, points), queries, {1e-8, 1e-8, 1e-8});
     }
 }
 
@@ -153,16 +143,12 @@ TEST(Interpolators, SinesStayWithinTheKnownErrorBoundInEveryCell) {
     const auto part = [&](int first, int count) {
         return ABSCISSAE(grid.begin() + first, grid.begin() + first + count);
     };
-    HERMITE_POLY<double> hermite;
-    LOCAL<POLYNOM<double>> local_odd;
-    LOCAL_HERMITE local_hermite;
-    EVERETT<double> everett;
     const ARRAY<POINT<double>> points = SamplesOf<POINT<double>>(sine, grid, 7);
     const ARRAY<DPOINT<double>> slopes = SamplesOf<DPOINT<double>>(sine, grid, -20);
-    hermite.Create(slopes, -1, 4);
-    local_odd.Create(points, -1, 5);
-    local_hermite.Create(slopes, -1, 3);
-    everett.Create(points, 4, -1);
+    const auto hermite = Created<HERMITE_POLY<double>>(slopes, -1, 4);
+    const auto local_odd = Created<LOCAL<POLYNOM<double>>>(points, -1, 5);
+    const auto local_hermite = Created<LOCAL_HERMITE>(slopes, -1, 3);
+    const auto everett = Created<EVERETT<double>>(points, 4);
     for (double x = 500; x <= 650; x += 1.25) {
         SCOPED_TRACE(x);
         const auto error = [&](const auto& interpolation) {
@@ -186,13 +172,10 @@ TEST(Interpolators, SinesStayWithinTheKnownErrorBoundInEveryCell) {
 TEST(Interpolators, GiveTheOrdinateAtASupportPointBitForBit) {
     const ABSCISSAE nodes = Grid(46000.123456, 10.000001, 84);
     const CLOSED_FORM sine = SineOf(7e6L, 1e-3L);
-    POLYNOM<double> polynom;
-    HERMITE_POLY<double> hermite;
-    LOCAL_HERMITE local_hermite;
     const ARRAY<DPOINT<double>> slopes = SamplesOf<DPOINT<double>>(sine, nodes);
-    polynom.Create(SamplesOf<POINT<double>>(sine, nodes));
-    hermite.Create(slopes, -1, 8);
-    local_hermite.Create(slopes, -1, 8);
+    const auto polynom = Created<POLYNOM<double>>(SamplesOf<POINT<double>>(sine, nodes));
+    const auto hermite = Created<HERMITE_POLY<double>>(slopes, -1, 8);
+    const auto local_hermite = Created<LOCAL_HERMITE>(slopes, -1, 8);
     for (const DPOINT<double>& point : slopes) {
         EXPECT_EQ(polynom.Value(point.x), point.y);
         EXPECT_EQ(hermite.Value(point.x), point.y);
@@ -203,10 +186,8 @@ TEST(Interpolators, GiveTheOrdinateAtASupportPointBitForBit) {
 
 TEST(Interpolators, AnswerManyThreadsAsTheyAnswerOne) {
     const CLOSED_FORM sine = SineOf(7e6L, 1e-3L);
-    EVERETT<double> everett;
-    LOCAL_HERMITE hermite;
-    everett.Create(SamplesOf<POINT<double>>(sine, Grid(0, 10, 16)), 8, -1);
-    hermite.Create(SamplesOf<DPOINT<double>>(sine, Grid(0, 10, 16)), -1, 6);
+    const auto everett = Created<EVERETT<double>>(SamplesOf<POINT<double>>(sine, Grid(0, 10, 16)), 8);
+    const auto hermite = Created<LOCAL_HERMITE>(SamplesOf<DPOINT<double>>(sine, Grid(0, 10, 16)), -1, 6);
     const auto sum = [&] {
         double total = 0;
         for (double x = 0; x <= 150; x += 0.5) total += everett.Value(x) + hermite.SecondDerivative(x);
