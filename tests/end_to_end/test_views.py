@@ -15,13 +15,13 @@ import judge
 from scene_maker import pool_file, raster
 from scene_maker.ellipsoid import WGS84
 from test_properties import BESSEL, SCENES
-from velmora_run import BINARY, REPOSITORY, WAYS, edit_control_file, edit_pool, succeed, velmora
+from velmora_run import BINARY, REPOSITORY, edit_control_file, edit_pool, succeed, velmora
 
 IMPORT = pathlib.Path(BINARY).parents[1] / "import" / "velmora-import"
 INPUTS = REPOSITORY.parent / "shared" / "inputs"
 
 VIEWS = dict(INCIDENCE="incidence.ras", LOCAL_INCIDENCE="local_incidence.ras", LINE_OF_SIGHT="los.ras", PERPENDICULAR_BASELINE="perpendicular_baseline.ras",
-             HEIGHT_OF_AMBIGUITY="height_of_ambiguity.ras")
+             HEIGHT_OF_AMBIGUITY="height_of_ambiguity.ras", LAYOVER_SHADOW="layover_shadow.ras")
 SIGHT_FILES = ["los_%s.ras" % component for component in "enu"]
 FILES = [name for name in VIEWS.values() if name != "los.ras"] + SIGHT_FILES
 
@@ -111,16 +111,19 @@ def test_a_pair_of_one_image_with_itself_has_no_baseline(fresh_scene):
     assert np.all(run.product("HEIGHT_OF_AMBIGUITY") > 1e6)
 
 
-@pytest.mark.parametrize("options", [dict(earth_factors=(3, 2), shift_factors=(4, 2), utm=True, **BESSEL), dict(single_pass=True)],
-                         ids=["factors, Bessel", "single pass"])
+@pytest.mark.parametrize("options", [
+    dict(earth_factors=(3, 2), shift_factors=(4, 2), utm=True, incidence_deg=20.0, **BESSEL),
+    dict(single_pass=True, incidence_deg=45.0, low_m=0.0, high_m=2500.0)], ids=["factors, Bessel", "single pass"])
 def test_views_do_not_depend_on_the_way_there(fresh_scene, options):
     products = set()
-    for name, arguments, run_options in WAYS:
-        _, folder = fresh_scene(name, samples=500, lines=450, incidence_deg=20.0, smoothness=1.7, **options)
+    for name, arguments, run_options in (
+            ("plain", (), {}), ("threads", (), dict(parallel="5")), ("slabs", ("-MEMORY_LIMIT", "1"), dict(parallel="2")),
+            ("vectors", (), dict(environment={"VELMORA_VECTORS": "plain"}))):
+        _, folder = fresh_scene(name, samples=500, lines=450, smoothness=1.6, **options)
         run_with_views(folder, *arguments, **run_options)
         products.add(b"".join((folder / file).read_bytes() for file in FILES))
     assert len(products) == 1
-    _, bare = fresh_scene("without the height's own product", samples=500, lines=450, incidence_deg=20.0, smoothness=1.7,
+    _, bare = fresh_scene("without the height's own product", samples=500, lines=450, smoothness=1.6,
                           products=("phase",), **options)
     run_with_views(bare)
     assert b"".join((bare / file).read_bytes() for file in FILES) in products

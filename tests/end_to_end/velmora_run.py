@@ -20,9 +20,6 @@ POOLS = ("master.pool", "slave.pool", "insar.pool", "log.pool", "dem.pool")
 RUN_LIMIT_S = 300.0
 PRODUCTS = ("SIMU_PHASE", "RG_COREG", "AZ_COREG", "X_EARTH", "Y_EARTH", "Z_EARTH", "H_EARTH")
 FILES = [name.lower() + ".ras" for name in PRODUCTS]
-# Names, arguments and options of runs that may not differ in their products.
-WAYS = [("plain", (), {}), ("threads", (), dict(parallel="5")), ("slabs", ("-MEMORY_LIMIT", "1"), dict(parallel="2")),
-        ("vectors", (), dict(environment={"VELMORA_VECTORS": "plain"}))]
 
 
 @dataclasses.dataclass
