@@ -9,12 +9,7 @@
 namespace {
 
 TEST(ParseReal, ReadsDecimalTextAndReportsWhatItIsNot) {
-    struct CASE {
-        const char* text;
-        PARSE_RESULT result;
-        double value;
-    };
-    const CASE cases[] = {
+    const std::tuple<const char*, PARSE_RESULT, double> cases[] = {
         {"-1.5e-3", PARSE_RESULT::OK, -0.0015},
         {"4.9406564584124654e-324", PARSE_RESULT::OK, std::numeric_limits<double>::denorm_min()},
         {"infinity", PARSE_RESULT::OK, std::numeric_limits<double>::infinity()},
@@ -22,10 +17,10 @@ TEST(ParseReal, ReadsDecimalTextAndReportsWhatItIsNot) {
         {"", PARSE_RESULT::NOT_A_NUMBER, 0.0},
         {"0x10", PARSE_RESULT::TRAILING_CHARACTERS, 0.0},
     };
-    for (const CASE& c : cases) {
+    for (const auto& [text, result, expected] : cases) {
         double value = 77.0;
-        EXPECT_EQ(ParseReal(c.text, value), c.result) << c.text;
-        EXPECT_EQ(value, c.result == PARSE_RESULT::OK ? c.value : 77.0) << c.text;
+        EXPECT_EQ(ParseReal(text, value), result) << text;
+        EXPECT_EQ(value, result == PARSE_RESULT::OK ? expected : 77.0) << text;
     }
     double value = 0.0;
     EXPECT_EQ(ParseReal(std::string("1\0", 2), value), PARSE_RESULT::TRAILING_CHARACTERS) << "a zero byte ends nothing";
@@ -76,12 +71,7 @@ TEST(ParseInteger, TakesTheWholeTextInBaseTen) {
 }
 
 TEST(LeadingReal, StopsAtTheFirstOtherCharacter) {
-    struct CASE {
-        const char* text;
-        PARSE_RESULT result;
-        double value;
-    };
-    const CASE cases[] = {
+    const std::tuple<const char*, PARSE_RESULT, double> cases[] = {
         {"0.5..900", PARSE_RESULT::TRAILING_CHARACTERS, 0.5},
         {"x", PARSE_RESULT::NOT_A_NUMBER, 0.0},
         {"0x10", PARSE_RESULT::TRAILING_CHARACTERS, 0.0},
@@ -90,10 +80,10 @@ TEST(LeadingReal, StopsAtTheFirstOtherCharacter) {
         {"1e999", PARSE_RESULT::OUT_OF_RANGE, 0.0},
         {"  10", PARSE_RESULT::OK, 10.0},
     };
-    for (const CASE& c : cases) {
+    for (const auto& [text, expected, value] : cases) {
         PARSE_RESULT result;
-        EXPECT_EQ(LeadingReal(c.text, result), c.value) << c.text;
-        EXPECT_EQ(result, c.result) << c.text;
+        EXPECT_EQ(LeadingReal(text, result), value) << text;
+        EXPECT_EQ(result, expected) << text;
     }
 }
 

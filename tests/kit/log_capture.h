@@ -35,15 +35,18 @@ std::string LoggedBy(FUNCTION function, LOGGING_LEVEL level = LOGGING_LEVEL::DEB
 
 /// The same after the text of its failure: "pool error - key not found\n...".
 template <class FUNCTION>
-std::string ErrorAndLogOf(FUNCTION function) {
+std::string ErrorAndLogOf(FUNCTION function, LOGGING_LEVEL level = LOGGING_LEVEL::DEBUG) {
     std::string failure;
-    const std::string log = LoggedBy([&] {
+    const auto attempt = [&] {
         try {
             function();
         } catch (const ERROR_EXCEPTION& error) {
             failure = error.Message() + "\n";
+        } catch (const char* message) {
+            failure = std::string(message) + "\n";
         }
-    });
+    };
+    const std::string log = LoggedBy(attempt, level);
     return failure + log;
 }
 

@@ -95,6 +95,13 @@ inline POOL_TEXT OrbitPool(const ORBIT_SAMPLING& s, const MOTION& motion = Circu
     return pool;
 }
 
+inline ORBIT_OF_POOL ReadOrbit(const POOL_TEXT& text) {
+    PARAMETER_POOL pool(text.Save());
+    ORBIT_OF_POOL orbit;
+    orbit.ReadFromParameterPool(pool);
+    return orbit;
+}
+
 /// An orbit of the program, through the pool that describes it: state vectors each 10 s from -80 s to 80 s.
 /// @param times  texts of the 17 times for the calendar types; none: plain seconds
 inline std::unique_ptr<ORBIT_OF_POOL> OrbitFrom(const MOTION& motion, const std::string& interpolation = "hermite_0_8",
@@ -104,8 +111,5 @@ inline std::unique_ptr<ORBIT_OF_POOL> OrbitFrom(const MOTION& motion, const std:
     POOL_TEXT text = OrbitPool({type, interpolation, reference_time, 17, -80.0, 10.0}, motion);
     for (std::string& time : times) time = "\"" + time + "\"";
     if (!times.empty()) text.SetList("times", "STR_V", times);
-    auto orbit = std::make_unique<ORBIT_OF_POOL>();
-    PARAMETER_POOL pool(text.Save());
-    orbit->ReadFromParameterPool(pool);
-    return orbit;
+    return std::make_unique<ORBIT_OF_POOL>(ReadOrbit(text));
 }

@@ -10,10 +10,7 @@
 namespace {
 
 TEST(Printable, ShowsControlBytesAndLeavesTextAlone) {
-    struct CASE {
-        std::string text, shown;
-    };
-    const CASE cases[] = {
+    const std::pair<std::string, std::string> cases[] = {
         {"a\nORQ_MSG|ERROR|", "a\\x0AORQ_MSG|ERROR|"},
         {"\033[7mred\t\r", "\\x1B[7mred\\x09\\x0D"},
         {std::string("nul\0byte", 8), "nul\\x00byte"},
@@ -26,7 +23,7 @@ TEST(Printable, ShowsControlBytesAndLeavesTextAlone) {
         {"\xc2\x80 \xc2\x9f \xc2\xa0", "\xc2\\x80 \xc2\\x9F \xc2\xa0"},
         {"\x80 \xa0", "\\x80 \xa0"},
     };
-    for (const CASE& c : cases) EXPECT_EQ(Printable(c.text), c.shown);
+    for (const auto& [text, shown] : cases) EXPECT_EQ(Printable(text), shown);
 }
 
 TEST(ExecutionTimeText, NamesEachNonZeroPart) {

@@ -45,11 +45,7 @@ class LoggingTest : public testing::Test {
 };
 
 TEST_F(LoggingTest, EachLevelHasItsTagAndItsEmphasisOnTheScreenOnly) {
-    struct CASE {
-        LOGGING_LEVEL level;
-        std::string emphasis, file;
-    };
-    const CASE cases[] = {
+    const std::tuple<LOGGING_LEVEL, std::string, std::string> cases[] = {
         {LOGGING_LEVEL::TRACE, "", ""},
         {LOGGING_LEVEL::DEBUG, "", "DEBUG : global : 7\n"},
         {LOGGING_LEVEL::PARAMETER, "", "PARAM : global : 7\n"},
@@ -60,13 +56,13 @@ TEST_F(LoggingTest, EachLevelHasItsTagAndItsEmphasisOnTheScreenOnly) {
         {LOGGING_LEVEL::ALARM, "\033[7m", "ALARM : global : 7\n"},
     };
     const std::string path = UseFile();
-    std::string file;
-    for (const CASE& c : cases) {
-        const std::string end = c.emphasis.empty() ? "" : "\033[0m";
-        EXPECT_EQ(ScreenOf([&c] { Log().Message(c.level, "%d", 7); }), c.emphasis + c.file + end);
-        file += c.file;
+    std::string all;
+    for (const auto& [level, emphasis, file] : cases) {
+        const std::string end = emphasis.empty() ? "" : "\033[0m";
+        EXPECT_EQ(ScreenOf([&] { Log().Message(level, "%d", 7); }), emphasis + file + end);
+        all += file;
     }
-    EXPECT_EQ(Content(path), file);
+    EXPECT_EQ(Content(path), all);
 }
 
 TEST_F(LoggingTest, ThresholdsFilterScreenAndFileApart) {

@@ -4,7 +4,6 @@
 
 #include <cmath>
 
-#include "lib/baselib/pool/parameter_pool.h"
 #include "tests/kit/log_capture.h"
 #include "tests/kit/orbit_pools.h"
 
@@ -12,56 +11,30 @@ namespace {
 
 constexpr double kHalfUlp_m = 4.7e-10;  // of coordinates between 2^22 and 2^23 m
 
-struct CASE {
-    const char* interpolation;
-    bool compiles;
-    const char* type = "orbit_pool_double_double";
-    double first_s = 3.5;
-    int count = 24;
-};
-
-class CompiledOrbits : public testing::TestWithParam<CASE> {};
-
-ORBIT_OF_POOL OrbitOf(const CASE& c) {
-    ORBIT_SAMPLING sampling;
-    sampling.interpolation = c.interpolation;
-    sampling.type = c.type;
-    sampling.first_s = c.first_s;
-    sampling.count = c.count;
-    PARAMETER_POOL pool(OrbitPool(sampling).Save());
-    ORBIT_OF_POOL orbit;
-    orbit.ReadFromParameterPool(pool);
-    return orbit;
+ORBIT_OF_POOL OrbitOf(const ORBIT_SAMPLING& sampling) {
+    return ReadOrbit(OrbitPool(sampling));
 }
 
-TEST_P(CompiledOrbits, AnswersAsTheInterpolationItself) {
-    const CASE& c = GetParam();
-    const ORBIT_OF_POOL orbit = OrbitOf(c);
-    const double first_s = orbit.FirstTime() + 51.0;
-    const COMPILED_ORBIT compiled(orbit, first_s, first_s + 33.0);
-    EXPECT_EQ(!compiled.Pieces().empty(), c.compiles);
-    for (int i = 0; i <= 5000; ++i) {
-        const double t_s = first_s - 1.0 + 0.007 * i;  // a little outside, too
-        const ORBIT_STATE expected = orbit.State(t_s);
-        const ORBIT_STATE state = compiled.State(t_s);
-        ASSERT_LE(Distance(state.position_m, expected.position_m), 1e-9 + 8 * kHalfUlp_m) << t_s;
-        ASSERT_LE(Distance(state.velocity_m_s, expected.velocity_m_s), 3e-9) << t_s;
-        ASSERT_LE(Distance(state.acceleration_m_s2, expected.acceleration_m_s2), 3e-8) << t_s;
+TEST(CompiledOrbit, AnswersAsTheInterpolationItself) {
+    const auto of = [](const char* name) { return ORBIT_SAMPLING{.interpolation = name}; };
+    const ORBIT_SAMPLING samplings[] = {
+        of("polynom"), of("polyfit_7"), of("spline"), of("localpolynom_0_8"), of("localpolyfit_5_9"), of("chebyshev_7"), of("localchebyshev_5_8"), of("hermite_0_8"), of("hermite_0_3"), of("localhermite_0_5"), of("everett_8"), of("everett_2"), {.type = "orbit_pool_double_utc"}, {.interpolation = "localpolynom_0_8", .first_s = 50000.0}, {.type = "orbit_pool_float_double"}};
+    for (const ORBIT_SAMPLING& sampling : samplings) {
+        SCOPED_TRACE(sampling.type + " " + sampling.interpolation);
+        const ORBIT_OF_POOL orbit = OrbitOf(sampling);
+        const double first_s = orbit.FirstTime() + 51.0;
+        const COMPILED_ORBIT compiled(orbit, first_s, first_s + 33.0);
+        EXPECT_EQ(compiled.Pieces().empty(), sampling.type == "orbit_pool_float_double");
+        for (int i = 0; i <= 5000; ++i) {
+            const double t_s = first_s - 1.0 + 0.007 * i;  // a little outside, too
+            const ORBIT_STATE expected = orbit.State(t_s);
+            const ORBIT_STATE state = compiled.State(t_s);
+            ASSERT_LE(Distance(state.position_m, expected.position_m), 1e-9 + 8 * kHalfUlp_m) << t_s;
+            ASSERT_LE(Distance(state.velocity_m_s, expected.velocity_m_s), 3e-9) << t_s;
+            ASSERT_LE(Distance(state.acceleration_m_s2, expected.acceleration_m_s2), 3e-8) << t_s;
+        }
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(Interpolations, CompiledOrbits,
-                         testing::Values(CASE{"polynom", true}, CASE{"polyfit_7", true}, CASE{"spline", true},
-                                         CASE{"localpolynom_0_8", true}, CASE{"localpolyfit_5_9", true},
-                                         CASE{"chebyshev_7", true}, CASE{"localchebyshev_5_8", true},
-                                         CASE{"hermite_0_8", true}, CASE{"hermite_0_3", true},
-                                         CASE{"localhermite_0_5", true}, CASE{"everett_8", true},
-                                         CASE{"everett_2", true}, CASE{"hermite_0_8", true, "orbit_pool_double_utc"},
-                                         CASE{"localpolynom_0_8", true, "orbit_pool_double_double", 50000.0},
-                                         CASE{"hermite_0_8", false, "orbit_pool_float_double"}),
-                         [](const testing::TestParamInfo<CASE>& c) {
-                             return std::string(c.param.interpolation) + "_" + std::to_string(c.index);
-                         });
 
 TEST(CompiledOrbit, LeavesOutPiecesWithoutALength) {
     ORBIT_SAMPLING sampling{.interpolation = "spline", .reference = "0"};
@@ -69,9 +42,7 @@ TEST(CompiledOrbit, LeavesOutPiecesWithoutALength) {
     times[12] = Digits(std::nextafter(std::stod(times[11]), 1e9), false);  // nothing lies midway between the two
     POOL_TEXT text = OrbitPool(sampling, [](double) { return ORBIT_STATE{{7e6, 1e6, 2e6}, {}, {}}; });
     text.SetList("times", "FLT_15_V", times);
-    PARAMETER_POOL pool(text.Save());
-    ORBIT_OF_POOL orbit;
-    orbit.ReadFromParameterPool(pool);
+    const ORBIT_OF_POOL orbit = ReadOrbit(text);
     const COMPILED_ORBIT compiled(orbit, orbit.FirstTime(), orbit.LastTime());
     EXPECT_EQ(compiled.Pieces().size(), 2u * 23u - 1u);
 }
@@ -96,7 +67,7 @@ TEST(CompiledOrbit, AgreesInEveryCoordinateOrNotAtAll) {
 }
 
 TEST(CompiledOrbit, KeepsToTheDataOfTheOrbit) {
-    const ORBIT_OF_POOL orbit = OrbitOf({"hermite_0_8", true});
+    const ORBIT_OF_POOL orbit = OrbitOf({});
     const COMPILED_ORBIT compiled(orbit, orbit.FirstTime() - 100.0, orbit.FirstTime() + 12.0);
     ASSERT_FALSE(compiled.Pieces().empty());
     EXPECT_EQ(compiled.Pieces().front().first_s, orbit.FirstTime());
@@ -116,7 +87,7 @@ TEST(CompiledOrbit, KeepsToTheDataOfTheOrbit) {
 TEST(CompiledOrbit, AnswersFromTheInterpolationsOwnPieceWhereTwoMeet) {
     for (const char* interpolation : {"hermite_0_1", "hermite_0_2", "localhermite_0_2", "localpolynom_0_2",
                                       "localpolynom_0_3", "localhermite_0_3", "spline"}) {
-        const ORBIT_OF_POOL orbit = OrbitOf({interpolation, true});
+        const ORBIT_OF_POOL orbit = OrbitOf({.interpolation = interpolation});
         const COMPILED_ORBIT compiled(orbit, orbit.FirstTime(), orbit.LastTime());
         ASSERT_FALSE(compiled.Pieces().empty()) << interpolation;
         for (const double bound_s : orbit.PieceBounds()) {
@@ -134,11 +105,11 @@ TEST(CompiledOrbit, AnswersFromTheInterpolationsOwnPieceWhereTwoMeet) {
 
 TEST(CompiledOrbit, CompilesWhatItCanAndTellsTheRest) {
     // Everett's own rounding is above what a polynomial leaves, in every fourth cell of this orbit.
-    const ORBIT_OF_POOL everett = OrbitOf({"everett_8", true, "orbit_pool_double_double", 3.5, 84});
+    const ORBIT_OF_POOL everett = OrbitOf({.interpolation = "everett_8", .count = 84});
     const COMPILED_ORBIT inner(everett, everett.FirstTime() + 50.0, everett.LastTime() - 50.0);
     EXPECT_EQ(inner.Pieces().size(), 2u * 73u + 2u);
     // A polynomial through 60 vectors is worthless towards its ends.
-    const ORBIT_OF_POOL polynom = OrbitOf({"polynom", true, "orbit_pool_double_double", 3.5, 60});
+    const ORBIT_OF_POOL polynom = OrbitOf({.interpolation = "polynom", .count = 60});
     std::size_t pieces = 0;
     const std::string log = LoggedBy([&] {
         const COMPILED_ORBIT compiled(polynom, polynom.FirstTime(), polynom.LastTime());
@@ -153,37 +124,28 @@ TEST(CompiledOrbit, CompilesWhatItCanAndTellsTheRest) {
 
 /// State vectors 2e9 s or 27 years from their reference time, against the same ones near theirs.
 TEST(FarOrbit, IsAsGoodAsANearOneWhenCountedFromANearbySecond) {
-    struct FAR {
-        const char* type;
-        const char* reference;
-        double seconds;  ///< between the two references
-    };
-    // From 1990 to the end of 2016, 23:58:00: 9861 days, less half a second, and eleven leap seconds.
-    for (const FAR& far :
-         {FAR{"orbit_pool_double_utc", "01-JAN-1990/00:00:00.500000", 9861 * 86400.0 + 86280 - 0.5 + 11},
-          FAR{"orbit_pool_double_double", "-2000000000.125", 2e9 + 1000.125}}) {
-        SCOPED_TRACE(far.type);
-        POOL_TEXT text = OrbitPool({.type = far.type});
-        const auto read = [&] {
-            PARAMETER_POOL pool(text.Save());
-            ORBIT_OF_POOL orbit;
-            orbit.ReadFromParameterPool(pool);
-            return orbit;
-        };
-        const ORBIT_OF_POOL near = read();
-        text.SetText("orbit_reference_time", far.reference);
-        ORBIT_OF_POOL orbit = read();
+    // Type, reference, seconds between the two references. From 1990 to the end of 2016, 23:58:00: 9861 days, less half
+    // a second, and eleven leap seconds.
+    const std::tuple<const char*, const char*, double> references[] = {
+        {"orbit_pool_double_utc", "01-JAN-1990/00:00:00.500000", 9861 * 86400.0 + 86280 - 0.5 + 11},
+        {"orbit_pool_double_double", "-2000000000.125", 2e9 + 1000.125}};
+    for (const auto& [type, reference, seconds] : references) {
+        SCOPED_TRACE(type);
+        POOL_TEXT text = OrbitPool({.type = type});
+        const ORBIT_OF_POOL near = ReadOrbit(text);
+        text.SetText("orbit_reference_time", reference);
+        ORBIT_OF_POOL orbit = ReadOrbit(text);
         EXPECT_EQ(near.SecondsFromReferenceToZero(), 0.0);
-        EXPECT_NEAR(near.SecondsFromReferenceOf(orbit), -far.seconds, 1e-9 * far.seconds);
+        EXPECT_NEAR(near.SecondsFromReferenceOf(orbit), -seconds, 1e-9 * seconds);
         // Counted from the reference: half the last place of the time, 1.2e-7 s, at 7.5 km/s.
-        EXPECT_LT(Distance(orbit.State(far.seconds + 103.5).position_m, near.State(103.5).position_m), 2e-3);
+        EXPECT_LT(Distance(orbit.State(seconds + 103.5).position_m, near.State(103.5).position_m), 2e-3);
         (void)orbit.State(orbit.FirstTime());  // hermite: the ends lie inside
         (void)orbit.State(orbit.LastTime());
 
         const double moved_s = orbit.CountFromNearbySecond();
-        EXPECT_EQ(moved_s, std::floor(far.seconds + 123.5));
+        EXPECT_EQ(moved_s, std::floor(seconds + 123.5));
         const double later_s = near.SecondsFromReferenceOf(orbit);  // its zero after that of the near one
-        EXPECT_EQ(later_s, moved_s - far.seconds);
+        EXPECT_EQ(later_s, moved_s - seconds);
         EXPECT_EQ(orbit.FirstTime(), 3.5 - later_s);
         const ORBIT_OF_POOL copy = orbit;
         EXPECT_EQ(copy.SecondsFromReferenceToZero(), moved_s);

@@ -10,25 +10,12 @@
 namespace {
 
 using testing::HasSubstr;
+using testing::MatchesRegex;
+using testing::StartsWith;
 
-ORBIT_OF_POOL Read(const POOL_TEXT& text) {
-    PARAMETER_POOL pool(text.Save());
-    ORBIT_OF_POOL orbit;
-    orbit.ReadFromParameterPool(pool);
-    return orbit;
-}
-
-/// What an attempt to read the orbit logs; "read" when it succeeds.
+/// What an attempt to read the orbit throws and logs; nothing when it succeeds.
 std::string RefusalOf(const POOL_TEXT& text) {
-    std::string outcome = "read";
-    const auto attempt = [&] {
-        try {
-            (void)Read(text);
-        } catch (const ERROR_EXCEPTION& error) {
-            outcome = "[" + error.Message() + "]";
-        }
-    };
-    return LoggedBy(attempt, LOGGING_LEVEL::EXCEPTION) + outcome;
+    return ErrorAndLogOf([&] { (void)ReadOrbit(text); }, LOGGING_LEVEL::EXCEPTION);
 }
 
 struct ACCURACY {
@@ -66,7 +53,7 @@ TEST(PoolOrbit, FollowsTheClosedFormInEveryTypeAndInterpolation) {
                              "orbit_pool_float_double", "orbit_pool_float_utc", "orbit_pool_float_met"}) {
         for (const auto& [interpolation, c] : kAccuracies) {
             SCOPED_TRACE(std::string(type) + " " + interpolation);
-            const ORBIT_OF_POOL orbit = Read(OrbitPool({.type = type, .interpolation = interpolation}));
+            const ORBIT_OF_POOL orbit = ReadOrbit(OrbitPool({.type = type, .interpolation = interpolation}));
             EXPECT_EQ(orbit.StateVectorCount(), 24);
             EXPECT_DOUBLE_EQ(orbit.FirstTime(), 3.5);
             EXPECT_DOUBLE_EQ(orbit.LastTime(), 233.5);
@@ -82,15 +69,15 @@ TEST(PoolOrbit, FollowsTheClosedFormInEveryTypeAndInterpolation) {
 }
 
 TEST(PoolOrbit, TakesTimesOfItsOwnType) {
-    const ORBIT_OF_POOL utc = Read(OrbitPool({.type = "orbit_pool_double_utc"}));
+    const ORBIT_OF_POOL utc = ReadOrbit(OrbitPool({.type = "orbit_pool_double_utc"}));
     // 150 s after the reference with its leap second in between, which a plain calendar does not see.
     EXPECT_LT(Distance(utc.Position(UNIVERSAL_TIME::FromText("01-JAN-2017/00:00:29")), CircularOrbit(150.0).position_m),
               1e-6);
-    const ORBIT_OF_POOL met = Read(OrbitPool({.type = "orbit_pool_double_met"}));
+    const ORBIT_OF_POOL met = ReadOrbit(OrbitPool({.type = "orbit_pool_double_met"}));
     EXPECT_LT(
         Distance(met.Velocity(MISSION_ELAPSED_TIME::FromText("0013/00:00:30.5")), CircularOrbit(90.25).velocity_m_s),
         1e-6);
-    const ORBIT_OF_POOL plain = Read(OrbitPool({}));
+    const ORBIT_OF_POOL plain = ReadOrbit(OrbitPool({}));
     EXPECT_LT(Distance(plain.Position(ANY_TIME(1100.0)), CircularOrbit(100.0).position_m), 1e-6)
         << "the reference number is subtracted";
     EXPECT_THROW((void)plain.Position(UNIVERSAL_TIME{}), ERROR_ARGUMENT);
@@ -98,10 +85,10 @@ TEST(PoolOrbit, TakesTimesOfItsOwnType) {
 }
 
 TEST(GeneralOrbit, TellsTheDistanceOfTwoReferences) {
-    const ORBIT_OF_POOL utc = Read(OrbitPool({.type = "orbit_pool_double_utc"}));
+    const ORBIT_OF_POOL utc = ReadOrbit(OrbitPool({.type = "orbit_pool_double_utc"}));
     const ORBIT_OF_POOL later =
-        Read(OrbitPool({.type = "orbit_pool_float_utc", .reference = "01-JAN-2017/00:00:00.500000"}));
-    const ORBIT_OF_POOL plain = Read(OrbitPool({}));
+        ReadOrbit(OrbitPool({.type = "orbit_pool_float_utc", .reference = "01-JAN-2017/00:00:00.500000"}));
+    const ORBIT_OF_POOL plain = ReadOrbit(OrbitPool({}));
     EXPECT_TRUE(utc.HasReferenceOfSameKind(later)) << "another type, the same kind of time";
     EXPECT_DOUBLE_EQ(utc.SecondsFromReferenceOf(later), 121.5);
     EXPECT_FALSE(utc.HasReferenceOfSameKind(plain));
@@ -110,12 +97,7 @@ TEST(GeneralOrbit, TellsTheDistanceOfTwoReferences) {
 
 TEST(InterpolationText, GivesNameOrderAndCount) {
     using enum INTERPOLATION_ID;
-    struct CASE {
-        const char* text;
-        INTERPOLATION_ID id;
-        int order, count;
-    };
-    constexpr CASE kCases[] = {
+    constexpr std::tuple<const char*, INTERPOLATION_ID, int, int> kCases[] = {
         {"localpolyfit_5_9", LOCALPOLYFIT, 5, 9},
         {"--localpolyfit:5;:9)7", LOCALPOLYFIT, 5, 9},
         {"hermite_x_6", HERMITE, -1, 6},
@@ -137,11 +119,10 @@ TEST(InterpolationText, GivesNameOrderAndCount) {
         {"hermite_0_1", HERMITE, -1, 1},
         {"localhermite", LOCALHERMITE, -1, 4},
     };
-    for (const CASE& c : kCases) {
-        const INTERPOLATION_REQUEST request = ParseInterpolationText(c.text);
-        EXPECT_EQ(std::tie(request.id, request.poly_fit_order, request.support_point_count),
-                  std::tie(c.id, c.order, c.count))
-            << c.text;
+    for (const auto& [text, id, order, count] : kCases) {
+        const INTERPOLATION_REQUEST request = ParseInterpolationText(text);
+        EXPECT_EQ(std::tie(request.id, request.poly_fit_order, request.support_point_count), std::tie(id, order, count))
+            << text;
     }
     EXPECT_THAT(LoggedBy([] { (void)ParseInterpolationText("localpolyfit_5"); }),
                 AllOf(HasSubstr("PARAM : global : ORBIT: detected poly fit order: 5\n"),
@@ -164,14 +145,14 @@ TEST(InterpolationText, RefusesNamingPoolKeyAndText) {
     };
     for (const auto& [text, logged] : bad) {
         EXPECT_THAT(RefusalOf(OrbitPool({.interpolation = text})),
-                    AllOf(HasSubstr(logged), HasSubstr("[wrong argument]"),
+                    AllOf(HasSubstr(logged), StartsWith("wrong argument\n"),
                           HasSubstr("orbit.pool: key \"orbit_interpolation\": value \"" + std::string(text) +
                                     "\" is refused\n")));
     }
     EXPECT_THAT(RefusalOf(OrbitPool({.interpolation = "everett_3"})),
                 AllOf(HasSubstr("orbit.pool: key \"orbit_interpolation\": value \"everett_3\" does not suit the 24 "
                                 "state vectors at key \"times\" of "),
-                      testing::EndsWith("\n[wrong argument]")));
+                      StartsWith("wrong argument\n")));
 }
 
 TEST(PoolOrbit, RefusesListsThatDoNotFitNamingFileAndKey) {
@@ -221,11 +202,11 @@ TEST(PoolOrbit, RefusesListsThatDoNotFitNamingFileAndKey) {
         {"an unknown type", [](POOL_TEXT& pool) { pool.SetText("orbit_representation", "orbit_pool_double"); },
          "GENERAL_ORBIT: can not convert orbit_pool_double to orbit_type_id\n"},
     };
-    for (const FAULT& c : faults) {
-        SCOPED_TRACE(c.what);
-        POOL_TEXT pool = OrbitPool({.type = c.type});
-        c.spoil(pool);
-        EXPECT_THAT(RefusalOf(pool), AllOf(HasSubstr(c.logged), HasSubstr("orbit.pool"), HasSubstr("]")));
+    for (const auto& [what, spoil, logged, type] : faults) {
+        SCOPED_TRACE(what);
+        POOL_TEXT pool = OrbitPool({.type = type});
+        spoil(pool);
+        EXPECT_THAT(RefusalOf(pool), AllOf(HasSubstr(logged), HasSubstr("orbit.pool"), MatchesRegex("[a-z][a-z -]+\n(.|\n)*")));
     }
 }
 
@@ -234,7 +215,7 @@ TEST(PoolOrbit, TakesWhatASatelliteCouldJustHave) {
     pool.SetList("times", "FLT_15_V", {"-1e10", "1e10"});
     pool.SetList("positions", "FLT_15_V", std::vector<std::string>(6, "1e9"));
     pool.SetList("velocities", "FLT_15_V", std::vector<std::string>(6, "-1e6"));
-    EXPECT_EQ(RefusalOf(pool), "read");
+    EXPECT_EQ(RefusalOf(pool), "");
 }
 
 TEST(PoolOrbit, TellsEveryBadMetTextAndEndsAfterTheList) {
@@ -245,10 +226,10 @@ TEST(PoolOrbit, TellsEveryBadMetTextAndEndsAfterTheList) {
     pool.SetList("times", "STR_V", items);
     EXPECT_THAT(
         RefusalOf(pool),
-        testing::MatchesRegex("EXCEP : global : MET_SCANNER: [^\n]*\n"
+        MatchesRegex("data error\nEXCEP : global : MET_SCANNER: [^\n]*\n"
                               "ALARM : global : [^\n]*key \"times\": entry 1 \"[^\n]*24:00:13.750000\" is no MET time\n"
                               "EXCEP : global : MET_SCANNER: [^\n]*\n"
-                              "ALARM : global : [^\n]*entry 3 \"12.5\" is no MET time\n.data error."));
+                              "ALARM : global : [^\n]*entry 3 \"12.5\" is no MET time\n"));
     POOL_TEXT utc = OrbitPool({.type = "orbit_pool_double_utc", .count = 4});
     utc.SetList("times", "STR_V", std::vector<std::string>(4, "\"12.5\""));
     EXPECT_EQ(CountOf("\" is no UTC time\n", RefusalOf(utc)), 1) << "the first one ends the list";
@@ -258,7 +239,7 @@ TEST(PoolOrbit, AsksForEnoughStateVectors) {
     const std::pair<const char*, int> fewest[] = {
         {"hermite_0_8", 8}, {"hermite_0_1", 2}, {"everett_6", 7}, {"polyfit_9", 2}, {"localhermite_0_8", 2}};
     for (const auto& [interpolation, count] : fewest) {
-        EXPECT_EQ(RefusalOf(OrbitPool({.interpolation = interpolation, .count = count})), "read");
+        EXPECT_EQ(RefusalOf(OrbitPool({.interpolation = interpolation, .count = count})), "");
         EXPECT_THAT(
             RefusalOf(OrbitPool({.interpolation = interpolation, .count = count - 1})),
             HasSubstr("orbit.pool: key \"times\": " + std::to_string(count - 1) + " state vectors are too few"));
@@ -282,16 +263,10 @@ TEST(GeneralOrbit, TellsTheKindOfAReferenceTimeByItsForm) {
     };
     for (const auto& [type, text, logged] : references) {
         ORBIT_OF_POOL orbit(type, "polynom");
-        const std::string log = LoggedBy([&] {
-            try {
-                orbit.SetReferenceTime(text);
-            } catch (const ERROR_EXCEPTION&) {  // told by the log, too
-            }
-        });
-        EXPECT_THAT(log, HasSubstr(logged));
+        EXPECT_THAT(ErrorAndLogOf([&] { orbit.SetReferenceTime(text); }), HasSubstr(logged));
     }
     EXPECT_THAT(RefusalOf(OrbitPool({.reference = "0001/00:00:00"})),
-                HasSubstr("key \"orbit_reference_time\": value \"0001/00:00:00\" is refused\n[wrong argument]"));
+                AllOf(StartsWith("wrong argument\n"), HasSubstr("key \"orbit_reference_time\": value \"0001/00:00:00\" is refused\n")));
 }
 
 TEST(OrbitFactory, RefusesPairsWithoutAnOrbit) {
@@ -345,22 +320,22 @@ TEST(OrbitBase, RefusesWhatAnOrbitHasNotTakenOver) {
 }
 
 TEST(GeneralOrbit, IsAssignedFromItsOwnTypeOnly) {
-    const ORBIT_OF_POOL orbit = Read(OrbitPool({}));
+    const ORBIT_OF_POOL orbit = ReadOrbit(OrbitPool({}));
     ORBIT_OF_POOL copy;
     EXPECT_THROW((void)copy.Position(100.0), ERROR_ARGUMENT) << "without an orbit";
     EXPECT_THROW(copy = ORBIT_OF_POOL(), ERROR_ARGUMENT) << "nothing to copy";
     copy = orbit;
-    copy = Read(OrbitPool({.first_s = 50.0}));
+    copy = ReadOrbit(OrbitPool({.first_s = 50.0}));
     EXPECT_EQ(copy.FirstTime(), 50.0);
     EXPECT_EQ(orbit.FirstTime(), 3.5);
-    EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(copy = Read(OrbitPool({.interpolation = "polynom"})), ERROR_ARGUMENT); }),
+    EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(copy = ReadOrbit(OrbitPool({.interpolation = "polynom"})), ERROR_ARGUMENT); }),
                 HasSubstr("virtual GENERAL_ORBIT<T>& operator=( const GENERAL_ORBIT<T>& agen_orbit )\n"));
     EXPECT_EQ(copy.FirstTime(), 50.0) << "a refused assignment changes nothing";
 }
 
 TEST(GeneralOrbit, CopiesItsSetUp) {
     const POOL_TEXT text = OrbitPool({.type = "orbit_pool_double_utc", .interpolation = "localpolyfit_5_9"});
-    const ORBIT_OF_POOL orbit = Read(text);
+    const ORBIT_OF_POOL orbit = ReadOrbit(text);
     ORBIT_OF_POOL assigned("orbit_pool_double_utc", "localpolyfit_3_7");
     assigned = orbit;
     for (const ORBIT_OF_POOL& copy : {ORBIT_OF_POOL(orbit), assigned}) {
@@ -377,7 +352,7 @@ TEST(GeneralOrbit, CopiesItsSetUp) {
 }
 
 TEST(GeneralOrbit, KeepsItsReferenceTimeOnceItHasStateVectors) {
-    ORBIT_OF_POOL orbit = Read(OrbitPool({}));
+    ORBIT_OF_POOL orbit = ReadOrbit(OrbitPool({}));
     EXPECT_THAT(
         LoggedBy([&] { EXPECT_THROW(orbit.SetReferenceTime("900"), ERROR_ARGUMENT); }),
         HasSubstr("the reference time can not become 900: it would move the 24 state vectors read with 1000\n"));
@@ -386,7 +361,7 @@ TEST(GeneralOrbit, KeepsItsReferenceTimeOnceItHasStateVectors) {
 
 TEST(PoolOrbit, SaysWhichOrbitAndTimeBeforeTheHardStop) {
     for (const char* interpolation : {"hermite_0_4", "localhermite_0_4"}) {
-        const ORBIT_OF_POOL orbit = Read(OrbitPool({.interpolation = interpolation}));
+        const ORBIT_OF_POOL orbit = ReadOrbit(OrbitPool({.interpolation = interpolation}));
         const auto query = [&] {
             dup2(STDERR_FILENO, STDOUT_FILENO);  // where the child's log goes, to the pipe that is matched
             (void)orbit.State(233.513);
@@ -400,7 +375,7 @@ TEST(PoolOrbit, SaysWhichOrbitAndTimeBeforeTheHardStop) {
 
 TEST(Orbit, SavesItsCheckTable) {
     const std::string path = testing::TempDir() + "/" + std::to_string(getpid()) + "_check_table";
-    Read(OrbitPool({.interpolation = "hermite_0_4", .count = 4})).SavePolynomial(path);
+    ReadOrbit(OrbitPool({.interpolation = "hermite_0_4", .count = 4})).SavePolynomial(path);
     std::ifstream file(path);
     std::string text((std::istreambuf_iterator<char>(file)), {});
     const size_t header = text.find('\n') + 1;
@@ -418,9 +393,9 @@ TEST(Orbit, SavesItsCheckTable) {
     }
     const std::string below_a_file = path + "/table";
     EXPECT_THAT(
-        LoggedBy([&] { EXPECT_THROW(Read(OrbitPool({})).SavePolynomial(below_a_file), ERROR_CAN_NOT_CREATE_FILE); }),
+        LoggedBy([&] { EXPECT_THROW(ReadOrbit(OrbitPool({})).SavePolynomial(below_a_file), ERROR_CAN_NOT_CREATE_FILE); }),
         HasSubstr("ORBIT::SavePolynomial() can not create file: " + below_a_file + "\n"));
-    EXPECT_THROW(Read(OrbitPool({})).SavePolynomial("/dev/full"), ERROR_CAN_NOT_WRITE_FILE);
+    EXPECT_THROW(ReadOrbit(OrbitPool({})).SavePolynomial("/dev/full"), ERROR_CAN_NOT_WRITE_FILE);
     std::remove(path.c_str());
 }
 
