@@ -1,7 +1,6 @@
 #include "lib/baselib/controller/control_file.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <thread>
@@ -33,8 +32,7 @@ TEST_F(ControlFileTest, SplitsLinesIntoTwoWords) {
         {std::string("KEY\0x y\nB c\n", 12), "[KEY=][B=c]"},
         // A line of 1024 characters is whole with its end in the next read; a longer one goes on as a line of its own.
         {"KEY " + full + "\nB c\n", "[KEY=" + full + "][=][B=c]"},
-        {"KEY " + full + "REST w\n", "[KEY=" + full + "][REST=w]"},
-    };
+        {"KEY " + full + "REST w\n", "[KEY=" + full + "][REST=w]"}};
     for (const CASE& c : cases) {
         Write("pcf", c.content);
         ASSERT_TRUE(file_.Open("pcf"));
@@ -50,8 +48,7 @@ TEST_F(ControlFileTest, TellsMissingFilesFromUnreadableOnesAndTakesPipes) {
         {".", "Is a directory"},
         {"/dev/zero", "it has more than 16777216 bytes"},
         {"/proc/self/mem", "Input/output error"},  // a read error is not the end of the file
-        {"pipe", "nobody wrote into it for 0 s"},
-    };
+        {"pipe", "nobody wrote into it for 0 s"}};
     for (const auto& [path, problem] : cases) {
         EXPECT_FALSE(file_.Open(path, 0));
         EXPECT_EQ(file_.Problem(), problem) << path;

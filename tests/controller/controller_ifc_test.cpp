@@ -1,7 +1,6 @@
 #include "lib/baselib/controller/controller_ifc.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -77,8 +76,7 @@ TEST_F(ControllerTest, TheFirstSourceWinsAndTheLastArgument) {
         {{"-KEY", "a", "-KEY"}, "KEY", "a"},                        // the last argument has no value behind it
         {{"KEY", "a", "--KEY", "b", "-KEYS", "c"}, "KEY", "file"},  // exactly "-" and the name
         {{}, "ALONE", ""},
-        {{"-pcf", "elsewhere"}, "KEY", "environment"},
-    };
+        {{"-pcf", "elsewhere"}, "KEY", "environment"}};
     for (const auto& [arguments, name, value] : cases) EXPECT_EQ(Found(arguments, name), value) << name;
     unsetenv("KEY");
 }
@@ -143,8 +141,7 @@ TEST_F(ControllerTest, WhatCanNotBeRightAtTheEndStopsTheRunAtTheBeginning) {
          "configuration file /proc/self/mem can not be read: Input/output error"},
         {{"-pid", "job"},
          "ERROR.job",
-         "status file OK.job of another run can not be removed: its owner, folder or kind forbids it"},
-    };
+         "status file OK.job of another run can not be removed: its owner, folder or kind forbids it"}};
     std::filesystem::create_directories("OK.job");
     for (CASE c : cases) {
         c.arguments.insert(c.arguments.end(), {"-lfn", "log"});
@@ -164,14 +161,12 @@ TEST_F(ControllerTest, ProblemsOfFilesEndTheRunAndSpareWhatIsNoStatusFile) {
         bool ok_is_other, error_is_other, log_is_other;
         std::string ok, error;  ///< contents afterwards
     };
-    const CASE cases[] = {
-        {"log and report", "0", false, false, true, "", "1"},  // as long as the first log is there
-        {"other files", "long", false, false, false, "", "1"},
-        {"in both places", "long", true, true, false, "long", "long"},
-        {"in that of OK", "long", true, false, false, "long", "1"},
-        {"in that of ERROR", "long", false, true, false, "", "long"},
-        {"status files", "0", true, true, false, "", "1"},
-    };
+    const CASE cases[] = {{"log and report", "0", false, false, true, "", "1"},  // as long as the first log is there
+                          {"other files", "long", false, false, false, "", "1"},
+                          {"in both places", "long", true, true, false, "long", "long"},
+                          {"in that of OK", "long", true, false, false, "long", "1"},
+                          {"in that of ERROR", "long", false, true, false, "", "long"},
+                          {"status files", "0", true, true, false, "", "1"}};
     for (const CASE& c : cases) {
         for (const bool signal : {false, true}) {  // while the reasons are told
             SCOPED_TRACE(c.name);
@@ -188,10 +183,8 @@ TEST_F(ControllerTest, ProblemsOfFilesEndTheRunAndSpareWhatIsNoStatusFile) {
                     if (signal) raise(SIGTERM);
                 });
             };
-            EXPECT_EQ(RunController(
-                          {"-lfn", "log"}, [](CONTROLLER_IFC&) {}, prepare)
-                          .status,
-                      1);
+            const USE nothing = [](CONTROLLER_IFC&) {};
+            EXPECT_EQ(RunController({"-lfn", "log"}, nothing, prepare).status, 1);
             EXPECT_EQ(Content("OK.prog"), c.ok);
             EXPECT_EQ(Content("ERROR.prog"), c.error);
             EXPECT_EQ(Content("started"), c.log_is_other ? "no" : "yes");

@@ -1,7 +1,6 @@
 #include "lib/baselib/controller/fatal_signals.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <poll.h>
 #include <unistd.h>
 
@@ -41,26 +40,24 @@ TEST_F(FatalSignalsTest, EachSignalOfTheListHasItsTwoLinesAndOthersKeepTheirActi
         const char* text;
         bool caught = true;
     };
-    const CASE cases[] = {
-        {1, "hangup"},
-        {2, "interrupt (rubout)"},
-        {3, "quit (ASCII FS)"},
-        {4, "illegal instruction (not reset when caught)"},
-        {5, "trace trap (not reset when caught)", false},
-        {6, "IOT instruction"},
-        {7, "bus error"},
-        {8, "floating point exception"},
-        {11, "segmentation violation"},
-        {13, "write on a pipe with no one to read it", false},
-        {14, "alarm clock", false},
-        {15, "software termination signal from kill"},
-        {16, "", false},
-        {23, "urgent socket condition"},
-        {24, "exceeded cpu limit"},
-        {25, "exceeded file size limit"},
-        {30, "power-fail restart", false},
-        {31, "bad argument to system call"},
-    };
+    const CASE cases[] = {{1, "hangup"},
+                          {2, "interrupt (rubout)"},
+                          {3, "quit (ASCII FS)"},
+                          {4, "illegal instruction (not reset when caught)"},
+                          {5, "trace trap (not reset when caught)", false},
+                          {6, "IOT instruction"},
+                          {7, "bus error"},
+                          {8, "floating point exception"},
+                          {11, "segmentation violation"},
+                          {13, "write on a pipe with no one to read it", false},
+                          {14, "alarm clock", false},
+                          {15, "software termination signal from kill"},
+                          {16, "", false},
+                          {23, "urgent socket condition"},
+                          {24, "exceeded cpu limit"},
+                          {25, "exceeded file size limit"},
+                          {30, "power-fail restart", false},
+                          {31, "bad argument to system call"}};
     for (const CASE& c : cases) {
         EXPECT_STREQ(SignalText(c.number), c.text);
         std::filesystem::remove("log");

@@ -33,14 +33,12 @@ TEST(SuggestedKey, AllowsMoreEditsForLongerKeys) {
 
 TEST(KeyWithPiece, WantsWholePiecesOfFourLettersOrMore) {
     const std::vector<std::string> keys = {"DEM_VALID", "SIMU_PHASE", "SHIFT_MATRICES_SUBSAMPLING_RG"};
-    const std::pair<const char*, const char*> cases[] = {
-        {"PHASE", "SIMU_PHASE"},
-        {"phase", "SIMU_PHASE"},
-        {"MATRICES_SUBSAMPLING", "SHIFT_MATRICES_SUBSAMPLING_RG"},
-        {"DEM", ""},
-        {"HASE", ""},
-        {"PHASES", ""},
-    };
+    const std::pair<const char*, const char*> cases[] = {{"PHASE", "SIMU_PHASE"},
+                                                         {"phase", "SIMU_PHASE"},
+                                                         {"MATRICES_SUBSAMPLING", "SHIFT_MATRICES_SUBSAMPLING_RG"},
+                                                         {"DEM", ""},
+                                                         {"HASE", ""},
+                                                         {"PHASES", ""}};
     for (const auto& [word, key] : cases) EXPECT_EQ(KeyWithPiece(word, keys), key) << word;
 }
 

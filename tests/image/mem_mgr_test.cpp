@@ -1,7 +1,6 @@
 #include "lib/baselib/image/mem_mgr.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -14,7 +13,6 @@
 #include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/image/system_error_text.h"
 #include "lib/baselib/logging/logging.h"
-#include "tests/kit/hexadecimal.h"
 #include "tests/kit/log_capture.h"
 #include "tests/kit/temporary_folder.h"
 

@@ -1,9 +1,6 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -55,8 +52,7 @@ constexpr PIXEL_CASE kPixelCases[] = {
     {PIXEL_TYPE::C_FLT_2, "c_flt_2", 4, "00000020", "0000005c", RowsLeadToPixels<COMPLEX<FLT_2_BITS>>},
     {PIXEL_TYPE::C_FLT_6, "c_flt_6", 8, "00000040", "00000060", RowsLeadToPixels<COMPLEX<float>>},
     {PIXEL_TYPE::C_FLT_15, "c_flt_15", 16, "00000080", "0000005f", RowsLeadToPixels<COMPLEX<double>>},
-    {PIXEL_TYPE::RGB, "rgb", 3, "00000018", "00000003", RowsLeadToPixels<RGB_PIXEL>},
-};
+    {PIXEL_TYPE::RGB, "rgb", 3, "00000018", "00000003", RowsLeadToPixels<RGB_PIXEL>}};
 
 /// 5 x 3: an odd width, which the standard layout would pad for 1- and 3-byte pixels.
 std::string ExpectedFile(const PIXEL_CASE& c, const std::string& pixels) {

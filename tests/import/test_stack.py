@@ -152,31 +152,26 @@ def test_annotations_with_and_without_an_orbit_file(tmp_path):
 
 
 GOOD_IMAGES, GOOD_PAIRS = "name,pool\na,image001.pool\nb,image002.pool\n", "master,slave\na,b\n"
-BAD_TABLES = [  # images, pairs, texts of the message
-    *(("name,pool\n%s,image001.pool\n" % name, GOOD_PAIRS, ["images.csv: line 2, column name"])
+BAD_IMAGES = [  # table, texts of the message
+    *(("name,pool\n%s,image001.pool\n" % name, ["images.csv: line 2, column name"])
       for name in ("", "a/b", "a b", "..", ".a", "a.", "_a", "a_", "a__b", "-a", "\xe4", "a\x1b", "a" * 101, '"a,b"')),
-    ("name,pool\na,image001.pool\nA,image002.pool\n", GOOD_PAIRS, ["line 3, column name", '"A"', "line 2"]),
-    ("name,pool\na,none.pool\n", GOOD_PAIRS, ["images.csv: line 2, column pool", "none.pool", "No such file"]),
-    ("name,pool\na,\n", GOOD_PAIRS, ["line 2, column annotation"]),
-    ("name,pool,annotation\na,image001.pool,a.xml\n", GOOD_PAIRS, ["line 2, column annotation", "a.xml"]),
-    ("name,pool,orbit\na,image001.pool,a.EOF\n", GOOD_PAIRS, ["line 2, column orbit", "a.EOF"]),
-    ("name,annotation\na,dem.ras\n", GOOD_PAIRS, ["line 2, column annotation", "dem.ras"]),
-    ("name,pool\na,dem.pool\n", GOOD_PAIRS, ["line 2, column pool", "dem.pool", "n_lines"]),
-    ("name,pool\na\n", GOOD_PAIRS, ["line 2", '"a"', "2 fields"]),
-    ("name,pool,colour\n", GOOD_PAIRS, ["line 1", "colour"]),
-    ("name,name\n", GOOD_PAIRS, ["line 1", "each once"]),
-    ("pool\nimage001.pool\n", GOOD_PAIRS, ["line 1", "name"]),
-    ('name,pool\n"a,image001.pool\n', GOOD_PAIRS, ["line 2", "double quote"]),
-    ("", GOOD_PAIRS, ["images.csv", "empty"]),
-    (GOOD_IMAGES, "master,slave\na,b\nb,c\n", ["pairs.csv: line 3, column slave", '"c"']),
-    (GOOD_IMAGES, "master,slave\na,a\n", ["line 2, column slave", "another image"]),
-    (GOOD_IMAGES, "master,slave\na,b\n#\n\na,b\n", ["line 5, column slave", "line 2"]),
-    (GOOD_IMAGES, "master,days\na,4\n", ["line 1", "master,days"]),
-    (GOOD_IMAGES, "master\na\n", ["line 1", "master"]),
-    (GOOD_IMAGES, "next,days\n,\n", ["line 2", "a limit"]),
-    *((GOOD_IMAGES, "next,days\n%s\n" % row, ["line 2, column " + column]) for row, column in
-      (("0,", "next"), ("x,", "next"), ("1.5,", "next"), (",nan", "days"), (",-1", "days"), (",1e999", "days"))),
-]
+    ("name,pool\na,image001.pool\nA,image002.pool\n", ["line 3, column name", '"A"', "line 2"]),
+    ("name,pool\na,none.pool\n", ["images.csv: line 2, column pool", "none.pool", "No such file"]),
+    ("name,pool\na,\n", ["line 2, column annotation"]), ("name,pool\na\n", ["line 2", '"a"', "2 fields"]),
+    ("name,pool,annotation\na,image001.pool,a.xml\n", ["line 2, column annotation", "a.xml"]),
+    ("name,pool,orbit\na,image001.pool,a.EOF\n", ["line 2, column orbit", "a.EOF"]),
+    ("name,annotation\na,dem.ras\n", ["line 2, column annotation", "dem.ras"]),
+    ("name,pool\na,dem.pool\n", ["line 2, column pool", "dem.pool", "n_lines"]),
+    ("name,pool,colour\n", ["line 1", "colour"]), ("name,name\n", ["line 1", "each once"]), ("", ["images.csv", "empty"]),
+    ("pool\nimage001.pool\n", ["line 1", "name"]), ('name,pool\n"a,image001.pool\n', ["line 2", "double quote"])]
+BAD_PAIRS = [
+    ("master,slave\na,b\nb,c\n", ["pairs.csv: line 3, column slave", '"c"']),
+    ("master,slave\na,a\n", ["line 2, column slave", "another image"]),
+    ("master,slave\na,b\n#\n\na,b\n", ["line 5, column slave", "line 2"]), ("master,days\na,4\n", ["line 1", "master,days"]),
+    ("master\na\n", ["line 1", "master"]), ("next,days\n,\n", ["line 2", "a limit"]),
+    *(("next,days\n%s\n" % row, ["line 2, column " + column]) for row, column in
+      (("0,", "next"), ("x,", "next"), ("1.5,", "next"), (",nan", "days"), (",-1", "days"), (",1e999", "days")))]
+BAD_TABLES = [(images, GOOD_PAIRS, says) for images, says in BAD_IMAGES] + [(GOOD_IMAGES, pairs, says) for pairs, says in BAD_PAIRS]
 
 
 @pytest.mark.parametrize("images, pairs, says", BAD_TABLES)

@@ -4,7 +4,6 @@
 
 #include <filesystem>
 
-#include "lib/baselib/errors/error_exception.h"
 #include "lib/baselib/pool/parameter_pool_read_write_change.h"
 #include "tests/kit/log_capture.h"
 #include "tests/kit/temporary_folder.h"
@@ -64,8 +63,7 @@ TEST(PoolReader, FailuresKeepTheirTexts) {
         // A line of 1024 characters is whole.
         {Failure<STRING>, "STR \"" + std::string(1024 - 8, 'x') + "\"\n", ""},
         {Failure<STRING>, "STR \"" + std::string(1024 - 7, 'x') + "\"\n",
-         value + "\"" + std::string(1024 - 7, 'x') + " but a string in double quotes is expected"},
-    };
+         value + "\"" + std::string(1024 - 7, 'x') + " but a string in double quotes is expected"}};
     for (const CASE& c : cases) EXPECT_EQ(c.failure("k " + c.content), c.text) << c.content;
 }
 

@@ -51,8 +51,7 @@ TEST(PoolUpdate, ChangesTheEntrysOwnLinesOnly) {
         {"k BYT_M 1 1\n{\n{\n1\n}\n}\n# c\n", "k INT_32 5\n\n# c\n"},
         {"k INT_32 1\n indented\n\nb BYT 1\n", "k INT_32 5\n\n indented\n\nb BYT 1\n"},
         {"b BYT 1", "b BYT 1\nk INT_32 5\n\n"},
-        {"a BYT 1\r\n# c\r\rk BYT 1\r\n\r\nb BYT 1\r\n", "a BYT 1\r\n# c\r\rk INT_32 5\n\nb BYT 1\r\n"},
-    };
+        {"a BYT 1\r\n# c\r\rk BYT 1\r\n\r\nb BYT 1\r\n", "a BYT 1\r\n# c\r\rk INT_32 5\n\nb BYT 1\r\n"}};
     for (const CASE& c : cases) {
         EXPECT_EQ(Updated(c.before), c.after) << c.before;
         EXPECT_EQ(Updated(c.after), c.after) << "once more";
@@ -283,8 +282,7 @@ TEST(LeftOvers, OfWhichAPoolIsTheBeginningStopTheRun) {
         {"cut off", complete.substr(0, 15), true},
         {"blocks that did not reach the disk", complete.substr(0, 5) + std::string(complete.size() - 5, '\0'), true},
         {"only the removal is missing", complete, false},
-        {"not truncated yet", "k INT_32 0\n\n", false},
-    };
+        {"not truncated yet", "k INT_32 0\n\n", false}};
     for (const CASE& c : cases) {
         const TEMPORARY_FOLDER folder;
         const std::string path = folder.Make(c.pool);
