@@ -23,20 +23,17 @@ class ControlFileTest : public testing::Test {
 
 TEST_F(ControlFileTest, SplitsLinesIntoTwoWords) {
     const std::string full(1020, 'v');
-    struct CASE {
-        std::string content, entries;
-    };
-    const CASE cases[] = {
+    const std::pair<std::string, std::string> cases[] = {
         {"KEY value and more\n\tOTHER \t x", "[KEY=value][OTHER=x]"},
         {"\n  \nKEY v\r\n", "[=][=][KEY=v]"},
         {std::string("KEY\0x y\nB c\n", 12), "[KEY=][B=c]"},
         // A line of 1024 characters is whole with its end in the next read; a longer one goes on as a line of its own.
         {"KEY " + full + "\nB c\n", "[KEY=" + full + "][=][B=c]"},
         {"KEY " + full + "REST w\n", "[KEY=" + full + "][REST=w]"}};
-    for (const CASE& c : cases) {
-        Write("pcf", c.content);
+    for (const auto& [content, entries] : cases) {
+        Write("pcf", content);
         ASSERT_TRUE(file_.Open("pcf"));
-        EXPECT_EQ(Entries(), c.entries);
+        EXPECT_EQ(Entries(), entries);
     }
 }
 

@@ -129,12 +129,7 @@ TEST_F(ControllerTest, TextsOfMoreThan255CharactersEndInAnErrorThatNamesTheKey) 
 }
 
 TEST_F(ControllerTest, WhatCanNotBeRightAtTheEndStopsTheRunAtTheBeginning) {
-    struct CASE {
-        std::vector<std::string> arguments;
-        const char* error_file;
-        std::string text;
-    };
-    const CASE cases[] = {
+    const std::tuple<std::vector<std::string>, const char*, const char*> cases[] = {
         {{"-pid", std::string(250, 'x')}, "ERROR.none", "ALARM : global : parameter pid: a text of 256 characters"},
         {{"-pcf", "/proc/self/mem"},
          "ERROR.prog",
@@ -143,13 +138,13 @@ TEST_F(ControllerTest, WhatCanNotBeRightAtTheEndStopsTheRunAtTheBeginning) {
          "ERROR.job",
          "status file OK.job of another run can not be removed: its owner, folder or kind forbids it"}};
     std::filesystem::create_directories("OK.job");
-    for (CASE c : cases) {
-        c.arguments.insert(c.arguments.end(), {"-lfn", "log"});
-        const OUTCOME run = RunController(c.arguments, [](CONTROLLER_IFC&) {});
+    for (auto [arguments, error_file, text] : cases) {
+        arguments.insert(arguments.end(), {"-lfn", "log"});
+        const OUTCOME run = RunController(arguments, [](CONTROLLER_IFC&) {});
         EXPECT_EQ(run.status, 1);
         const std::string log = run.log.empty() ? Content(temporary_log_) : run.log;
-        EXPECT_THAT(log, HasSubstr(c.text));
-        EXPECT_EQ(std::filesystem::exists(c.error_file), std::string(c.error_file) != "ERROR.none");
+        EXPECT_THAT(log, HasSubstr(text));
+        EXPECT_EQ(std::filesystem::exists(error_file), std::string(error_file) != "ERROR.none");
         std::filesystem::remove("log");
     }
 }

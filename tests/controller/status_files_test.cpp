@@ -4,6 +4,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <tuple>
+
 #include "tests/kit/temporary_folder.h"
 
 namespace {
@@ -72,14 +74,10 @@ TEST(CanBeRemoved, KnowsForeignFilesInStickyAndClosedFolders) {
     Write("roots", "0");
     Write("mine", "0");
     ASSERT_EQ(chown("mine", kNobody, kNobody), 0);
-    struct CASE {
-        mode_t mode;
-        const char* path;
-        int can;
-    };
-    for (const CASE& c :
-         {CASE{01777, "roots", 0}, {01777, "mine", 1}, {0777, "roots", 1}, {0755, "mine", 0}, {01777, "none", 1}})
-        EXPECT_EXIT(in_folder_of_mode(c.mode, c.path), testing::ExitedWithCode(c.can), "") << c.path << c.mode;
+    const std::tuple<mode_t, const char*, int> cases[] = {
+        {01777, "roots", 0}, {01777, "mine", 1}, {0777, "roots", 1}, {0755, "mine", 0}, {01777, "none", 1}};
+    for (const auto& [mode, path, can] : cases)
+        EXPECT_EXIT(in_folder_of_mode(mode, path), testing::ExitedWithCode(can), "") << path << mode;
 }
 
 }  // namespace

@@ -36,10 +36,7 @@ bool Blocks(int signal) {
 }
 
 TEST(PoolUpdate, ChangesTheEntrysOwnLinesOnly) {
-    struct CASE {
-        const char *before, *after;
-    };
-    const CASE cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         {"# a\n\n#b\nk INT_32 1\n\n\n# c\n", "# a\n\n#b\nk INT_32 5\n\n\n# c\n"},
         {"a STR \"x\"\nk STR \"a b\" rest\nb BYT 1\n", "a STR \"x\"\nk INT_32 5\n\nb BYT 1\n"},
         {"k STR_V 0 2\n{\n\"k INT_32 1\"\n \"}\"\n}\nb BYT 1\n", "k INT_32 5\n\nb BYT 1\n"},
@@ -52,9 +49,9 @@ TEST(PoolUpdate, ChangesTheEntrysOwnLinesOnly) {
         {"k INT_32 1\n indented\n\nb BYT 1\n", "k INT_32 5\n\n indented\n\nb BYT 1\n"},
         {"b BYT 1", "b BYT 1\nk INT_32 5\n\n"},
         {"a BYT 1\r\n# c\r\rk BYT 1\r\n\r\nb BYT 1\r\n", "a BYT 1\r\n# c\r\rk INT_32 5\n\nb BYT 1\r\n"}};
-    for (const CASE& c : cases) {
-        EXPECT_EQ(Updated(c.before), c.after) << c.before;
-        EXPECT_EQ(Updated(c.after), c.after) << "once more";
+    for (const auto& [before, after] : cases) {
+        EXPECT_EQ(Updated(before), after) << before;
+        EXPECT_EQ(Updated(after), after) << "once more";
     }
     const std::string binary("# \0\xff\n\x01 b\nb BYT 1\n", 17);
     EXPECT_EQ(Updated(binary), binary + "k INT_32 5\n\n");
