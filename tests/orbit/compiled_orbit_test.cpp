@@ -16,9 +16,13 @@ ORBIT_OF_POOL OrbitOf(const ORBIT_SAMPLING& sampling) {
 }
 
 TEST(CompiledOrbit, AnswersAsTheInterpolationItself) {
-    const auto of = [](const char* name) { return ORBIT_SAMPLING{.interpolation = name}; };
-    const ORBIT_SAMPLING samplings[] = {
-        of("polynom"), of("polyfit_7"), of("spline"), of("localpolynom_0_8"), of("localpolyfit_5_9"), of("chebyshev_7"), of("localchebyshev_5_8"), of("hermite_0_8"), of("hermite_0_3"), of("localhermite_0_5"), of("everett_8"), of("everett_2"), {.type = "orbit_pool_double_utc"}, {.interpolation = "localpolynom_0_8", .first_s = 50000.0}, {.type = "orbit_pool_float_double"}};
+    std::vector<ORBIT_SAMPLING> samplings = {{.type = "orbit_pool_double_utc"},
+                                             {.type = "orbit_pool_float_double"},
+                                             {.interpolation = "localpolynom_0_8", .first_s = 50000.0}};
+    for (const char* name :
+         {"polynom", "polyfit_7", "spline", "localpolynom_0_8", "localpolyfit_5_9", "chebyshev_7", "localchebyshev_5_8",
+          "hermite_0_8", "hermite_0_3", "localhermite_0_5", "everett_8", "everett_2"})
+        samplings.push_back({.interpolation = name});
     for (const ORBIT_SAMPLING& sampling : samplings) {
         SCOPED_TRACE(sampling.type + " " + sampling.interpolation);
         const ORBIT_OF_POOL orbit = OrbitOf(sampling);

@@ -144,8 +144,8 @@ TEST_F(ORBIT_DATABASE, RefusesWithFileAndReason) {
              pool.SetText("orbit_reference_time", "0");
          },
          "can not cast from UTC to double\n", "mdb file " + UsualFile() + ": can not cast from UTC to double\n"},
-        {"an interpolation without orbit", [](POOL_TEXT& pool) { pool.SetText("orbit_interpolation", "hermite_0_8"); }, "",
-         "ORBIT: can not determine type of core object\n"},
+        {"an interpolation without orbit", [](POOL_TEXT& pool) { pool.SetText("orbit_interpolation", "hermite_0_8"); },
+         "", "ORBIT: can not determine type of core object\n"},
         {"too few vectors", [](POOL_TEXT& pool) { pool.SetText("orbit_interpolation", "everett_24"); }, "data error\n",
          UsualFile() + ": key \"time\": 24 state vectors are too few, the interpolation everett needs 25\n"},
     };

@@ -206,7 +206,8 @@ TEST(PoolOrbit, RefusesListsThatDoNotFitNamingFileAndKey) {
         SCOPED_TRACE(what);
         POOL_TEXT pool = OrbitPool({.type = type});
         spoil(pool);
-        EXPECT_THAT(RefusalOf(pool), AllOf(HasSubstr(logged), HasSubstr("orbit.pool"), MatchesRegex("[a-z][a-z -]+\n(.|\n)*")));
+        EXPECT_THAT(RefusalOf(pool),
+                    AllOf(HasSubstr(logged), HasSubstr("orbit.pool"), MatchesRegex("[a-z][a-z -]+\n(.|\n)*")));
     }
 }
 
@@ -224,12 +225,11 @@ TEST(PoolOrbit, TellsEveryBadMetTextAndEndsAfterTheList) {
     items[1] = "\"+0012/24:00:13.750000\"";
     items[3] = "\"12.5\"";
     pool.SetList("times", "STR_V", items);
-    EXPECT_THAT(
-        RefusalOf(pool),
-        MatchesRegex("data error\nEXCEP : global : MET_SCANNER: [^\n]*\n"
-                              "ALARM : global : [^\n]*key \"times\": entry 1 \"[^\n]*24:00:13.750000\" is no MET time\n"
-                              "EXCEP : global : MET_SCANNER: [^\n]*\n"
-                              "ALARM : global : [^\n]*entry 3 \"12.5\" is no MET time\n"));
+    EXPECT_THAT(RefusalOf(pool),
+                MatchesRegex("data error\nEXCEP : global : MET_SCANNER: [^\n]*\n"
+                             "ALARM : global : [^\n]*key \"times\": entry 1 \"[^\n]*24:00:13.750000\" is no MET time\n"
+                             "EXCEP : global : MET_SCANNER: [^\n]*\n"
+                             "ALARM : global : [^\n]*entry 3 \"12.5\" is no MET time\n"));
     POOL_TEXT utc = OrbitPool({.type = "orbit_pool_double_utc", .count = 4});
     utc.SetList("times", "STR_V", std::vector<std::string>(4, "\"12.5\""));
     EXPECT_EQ(CountOf("\" is no UTC time\n", RefusalOf(utc)), 1) << "the first one ends the list";
@@ -266,7 +266,8 @@ TEST(GeneralOrbit, TellsTheKindOfAReferenceTimeByItsForm) {
         EXPECT_THAT(ErrorAndLogOf([&] { orbit.SetReferenceTime(text); }), HasSubstr(logged));
     }
     EXPECT_THAT(RefusalOf(OrbitPool({.reference = "0001/00:00:00"})),
-                AllOf(StartsWith("wrong argument\n"), HasSubstr("key \"orbit_reference_time\": value \"0001/00:00:00\" is refused\n")));
+                AllOf(StartsWith("wrong argument\n"),
+                      HasSubstr("key \"orbit_reference_time\": value \"0001/00:00:00\" is refused\n")));
 }
 
 TEST(OrbitFactory, RefusesPairsWithoutAnOrbit) {
@@ -328,8 +329,9 @@ TEST(GeneralOrbit, IsAssignedFromItsOwnTypeOnly) {
     copy = ReadOrbit(OrbitPool({.first_s = 50.0}));
     EXPECT_EQ(copy.FirstTime(), 50.0);
     EXPECT_EQ(orbit.FirstTime(), 3.5);
-    EXPECT_THAT(LoggedBy([&] { EXPECT_THROW(copy = ReadOrbit(OrbitPool({.interpolation = "polynom"})), ERROR_ARGUMENT); }),
-                HasSubstr("virtual GENERAL_ORBIT<T>& operator=( const GENERAL_ORBIT<T>& agen_orbit )\n"));
+    EXPECT_THAT(
+        LoggedBy([&] { EXPECT_THROW(copy = ReadOrbit(OrbitPool({.interpolation = "polynom"})), ERROR_ARGUMENT); }),
+        HasSubstr("virtual GENERAL_ORBIT<T>& operator=( const GENERAL_ORBIT<T>& agen_orbit )\n"));
     EXPECT_EQ(copy.FirstTime(), 50.0) << "a refused assignment changes nothing";
 }
 
@@ -392,9 +394,10 @@ TEST(Orbit, SavesItsCheckTable) {
         }
     }
     const std::string below_a_file = path + "/table";
-    EXPECT_THAT(
-        LoggedBy([&] { EXPECT_THROW(ReadOrbit(OrbitPool({})).SavePolynomial(below_a_file), ERROR_CAN_NOT_CREATE_FILE); }),
-        HasSubstr("ORBIT::SavePolynomial() can not create file: " + below_a_file + "\n"));
+    EXPECT_THAT(LoggedBy([&] {
+                    EXPECT_THROW(ReadOrbit(OrbitPool({})).SavePolynomial(below_a_file), ERROR_CAN_NOT_CREATE_FILE);
+                }),
+                HasSubstr("ORBIT::SavePolynomial() can not create file: " + below_a_file + "\n"));
     EXPECT_THROW(ReadOrbit(OrbitPool({})).SavePolynomial("/dev/full"), ERROR_CAN_NOT_WRITE_FILE);
     std::remove(path.c_str());
 }

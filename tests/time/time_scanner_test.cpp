@@ -18,8 +18,12 @@ using GOOD = std::pair<const char*, std::vector<const char*>>;
 
 TEST(UtcScanner, ReadsEveryForm) {
     const GOOD good[] = {
-        {"05-MAR-2012/14:03:07.123456", {"05-MAR-2012/14:03:07.123456", "05-MAR-2012 14:03:07.123456", "2012-03-05/14:03:07.123456", "2012-03-05T14:03:07.123456", "2012-03-05T14:03:07.123456789012345678901234567890"}},
-        {"05-MAR-2012/14:03:07.000000", {"20120305T140307", "2012-03-05T14:03:07.", "05-003-2012/14:03:07", "05-MAR-2012/14:03:07Z \t", "mar  5 14:03:07 2012"}},  // upper-cased first
+        {"05-MAR-2012/14:03:07.123456",
+         {"05-MAR-2012/14:03:07.123456", "05-MAR-2012 14:03:07.123456", "2012-03-05/14:03:07.123456",
+          "2012-03-05T14:03:07.123456", "2012-03-05T14:03:07.123456789012345678901234567890"}},
+        {"05-MAR-2012/14:03:07.000000",
+         {"20120305T140307", "2012-03-05T14:03:07.", "05-003-2012/14:03:07", "05-MAR-2012/14:03:07Z \t",
+          "mar  5 14:03:07 2012"}},  // upper-cased first
         {"05-MAR-2012/14:03:07.050000", {"2012-03-05T14:03:07.050"}},
         // A line ends the text.
         {"05-MAR-2012/14:03:07.250000", {"2012-03-05T14:03:07.25Z", "2012-03-05T14:03:07.25 \n anything"}},
@@ -48,7 +52,8 @@ void ExpectRefused(const BAD (&cases)[N]) {
     for (const BAD& c : cases) {
         for (const std::string& text : c.texts) {
             SCOPED_TRACE(text);
-            EXPECT_THAT(ErrorAndLogOf([&] { (void)SCANNER().Scan(text); }), AllOf(testing::StartsWith(c.error), HasSubstr(c.logged), HasSubstr("Error during scan of: ")));
+            EXPECT_THAT(ErrorAndLogOf([&] { (void)SCANNER().Scan(text); }),
+                        AllOf(testing::StartsWith(c.error), HasSubstr(c.logged), HasSubstr("Error during scan of: ")));
         }
     }
 }
@@ -71,13 +76,19 @@ TEST(UtcScanner, RefusesWithTheReason) {
         {"UTC_SCANNER: invalid year: 10000\n", {"MAR 05 14:03:07 10000"}},
         {"UTC_SCANNER: Invalid date: 5.13.2012\n", {"2012-13-05T14:03:07"}},
         {"UTC_SCANNER: invalid year: 2147483647\n", {"MAR 05 14:03:07 99999999999999999999"}},
-        {"unexpected token in GetPoint()", {"05-MAR-2012/14:03:07+01:00", "05-MAR-2012/14:03:07Z 5", "05-MAR-2012/14:03:07+"}},
-        {"unexpected token after the time", {"05-MAR-2012/14:03:07.5+01:00", "05-MAR-2012/14:03:07.5Z5", "05-MAR-2012/14:03:07.5+", "MAR 05 14:03:07 2012 5"}},
+        {"unexpected token in GetPoint()",
+         {"05-MAR-2012/14:03:07+01:00", "05-MAR-2012/14:03:07Z 5", "05-MAR-2012/14:03:07+"}},
+        {"unexpected token after the time",
+         {"05-MAR-2012/14:03:07.5+01:00", "05-MAR-2012/14:03:07.5Z5", "05-MAR-2012/14:03:07.5+",
+          "MAR 05 14:03:07 2012 5"}},
         {"unexpected token in GetMilliAndMicroSeconds()", {"05-MAR-2012/14:03:07.:"}},
         {"unexpected token in GetMonth()", {"05-:::-2012/14:03:07"}},
         {"unexpected token in GetSeparator()", {"05-MAR-2012/14.03:07"}},
         {"TIME: scanner: unexpected end of string", {"    ", "MAR 05 14", "MAR 05 14:03:07"}},
-        {"invalid or unsupported format", {"MAR-05 14:03:07 2012", "05/MAR-2012/14:03:07", "05-MAR/2012/14:03:07", "2012/03-05/14:03:07", "2012-03/05/14:03:07", "2012-03-05/14:03.07", "20120305T1403070", "20120305/140307", "2012-MAR-05/14:03:07", "2012-03-05/14.03:07", "2012-03-05 14:03:07", "05-MAR-2012T14:03:07"}},
+        {"invalid or unsupported format",
+         {"MAR-05 14:03:07 2012", "05/MAR-2012/14:03:07", "05-MAR/2012/14:03:07", "2012/03-05/14:03:07",
+          "2012-03/05/14:03:07", "2012-03-05/14:03.07", "20120305T1403070", "20120305/140307", "2012-MAR-05/14:03:07",
+          "2012-03-05/14.03:07", "2012-03-05 14:03:07", "05-MAR-2012T14:03:07"}},
         {"found token: token_separator\n", {"05-MAR-2012/:14:03:07"}},
         {"TIME: scanner: token too long", {"2012-03-05T14:03:07." + digits_129}},
         {"TIME: scanner: unhandled character", {"2012-03-05T14:03:07\xc3\xa4"}},
